@@ -1,0 +1,15 @@
+#ifndef LUMO_LIBRARY_H
+#define LUMO_LIBRARY_H
+
+#include <lumo/Config.h>
+
+namespace lumo {
+
+// Counts a client's start; the first start brings up the file layer. Returns the count.
+LUMO_API long Initialize();
+// Counts a client's end; the last end shuts the file layer down. Returns the count.
+LUMO_API long Terminate();
+
+} // namespace lumo
+
+#endif

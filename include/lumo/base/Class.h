@@ -1,0 +1,85 @@
+#ifndef LUMO_BASE_CLASS_H
+#define LUMO_BASE_CLASS_H
+
+#include <lumo/Config.h>
+
+namespace lumo {
+namespace base {
+
+class CObject;
+class CClassManager;
+
+// The run-time record of one class: qualified name, up to three base names, the
+// instance size and an optional factory. Every record registers itself with the
+// process-wide class registry for as long as it lives.
+class LUMO_API CClass {
+public:
+    typedef CObject* (*Constructor)();
+
+    CClass(char const* qualifiedName, char const* baseName1, char const* baseName2,
+           char const* baseName3, unsigned long size, Constructor constructor);
+    ~CClass();
+
+    char const* GetQualifiedName() const { return m_qualifiedName; }
+    char const* GetQualifiedBaseClassName1() const { return m_baseName1; }
+    char const* GetQualifiedBaseClassName2() const { return m_baseName2; }
+    char const* GetQualifiedBaseClassName3() const { return m_baseName3; }
+    unsigned long GetSize() const { return m_size; }
+    Constructor GetConstructor() const { return m_constructor; }
+
+    // The part of the qualified name after its last ':'; points into the qualified name.
+    char const* GetName() const;
+
+    // Base records, looked up by name on first use and cached once found.
+    CClass const* GetBaseClass1() const;
+    CClass const* GetBaseClass2() const;
+    CClass const* GetBaseClass3() const;
+
+    bool IsInstanceOf(CClass const* cls) const;
+    // A new default instance owned by the caller; throws CInstantiationException
+    // for a record without factory.
+    CObject* CreateNewInstance() const;
+
+    static CClass const* FindClass(char const* name);
+
+private:
+    friend class CClassManager;
+
+    CClass(CClass const& other);
+    CClass& operator=(CClass const& other);
+
+    char const* m_qualifiedName;
+    char const* m_baseName1;
+    char const* m_baseName2;
+    char const* m_baseName3;
+    unsigned long m_size;
+    Constructor m_constructor;
+    mutable CClass const* m_baseClass1;
+    mutable CClass const* m_baseClass2;
+    mutable CClass const* m_baseClass3;
+    CClass* m_previous;
+    CClass* m_next;
+};
+
+} // namespace base
+} // namespace lumo
+
+// Declares a class's record m_class<Name> and its GetClass override. Leaves the
+// class body in public access.
+#define LUMO_DECLARE_CLASS(Name)                                                                   \
+public:                                                                                            \
+    static ::lumo::base::CClass m_class##Name;                                                     \
+    ::lumo::base::CClass const* GetClass() const override
+
+// Defines the record and GetClass of a class with one base and no factory, the form
+// every library class uses. Write it in the class's namespace.
+#define LUMO_DEFINE_CLASS(Name, qualifiedName, baseName)                                           \
+    LUMO_DEFINE_CLASS_EX(Name, qualifiedName, baseName, nullptr, nullptr, nullptr)
+
+// The full form: up to three base names and a factory (or nullptr).
+#define LUMO_DEFINE_CLASS_EX(Name, qualifiedName, base1, base2, base3, factory)                   \
+    ::lumo::base::CClass Name::m_class##Name(qualifiedName, base1, base2, base3, sizeof(Name),     \
+                                             factory);                                             \
+    ::lumo::base::CClass const* Name::GetClass() const { return &Name::m_class##Name; }
+
+#endif

@@ -1,0 +1,70 @@
+#ifndef LUMO_BASE_CLASSMANAGER_H
+#define LUMO_BASE_CLASSMANAGER_H
+
+#include <lumo/base/Base.h>
+#include <lumo/base/Class.h>
+
+#include <cstdint>
+
+namespace lumo {
+namespace base {
+
+class CObject;
+
+// The class registry's interface.
+class LUMO_API IClassManager {
+public:
+    virtual ~IClassManager() {}
+    virtual void RegisterClass(CClass* cls) = 0;
+    virtual void UnregisterClass(CClass* cls) = 0;
+    virtual CClass* FindClass(char const* name) = 0;
+    // Throws CClassNotFoundException when no record bears the name.
+    virtual CObject* CreateInstance(char const* name) = 0;
+    // Null for a null record.
+    virtual CObject* CreateInstance(CClass const* cls) = 0;
+};
+
+// The process-wide registry: a newest-first list of records. A hash table serves
+// lookups only until the first record is registered; from then on lookups walk the
+// list, so a later record of the same name hides an earlier one.
+class LUMO_API CClassManager : public IClassManager {
+public:
+    CClassManager();
+    ~CClassManager() override;
+
+    void RegisterClass(CClass* cls) override;
+    void UnregisterClass(CClass* cls) override;
+    CClass* FindClass(char const* name) override;
+    CObject* CreateInstance(char const* name) override;
+    CObject* CreateInstance(CClass const* cls) override;
+
+    unsigned long GetCount() const { return m_count; }
+    bool IsHashing() const { return m_hashing != 0; }
+
+    // The single registry, made on first use.
+    static CClassManager& GetInstance();
+
+private:
+    struct Entry;
+
+    CClassManager(CClassManager const&);
+    CClassManager& operator=(CClassManager const&);
+
+    bool HashPut(char const* key, CClass* value);
+    void HashRemove(char const* key);
+    void FreeTable();
+
+    CClass* m_head;
+    unsigned long m_count;
+    std::uint32_t m_hashing;
+    Entry** m_buckets;
+    std::uint32_t m_bucketCount;
+    std::uint32_t m_entryCount;
+    std::int32_t m_threshold;
+    float m_loadFactor;
+};
+
+} // namespace base
+} // namespace lumo
+
+#endif

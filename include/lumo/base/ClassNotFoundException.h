@@ -1,0 +1,39 @@
+#ifndef LUMO_BASE_CLASSNOTFOUNDEXCEPTION_H
+#define LUMO_BASE_CLASSNOTFOUNDEXCEPTION_H
+
+#include <lumo/base/Exception.h>
+#include <lumo/base/String.h>
+
+namespace lumo {
+namespace base {
+
+// No record bears the class name asked for.
+class LUMO_API CClassNotFoundException : public CException {
+    LUMO_DECLARE_CLASS(CClassNotFoundException);
+
+    CClassNotFoundException(char const* file, unsigned long line, char const* errorDescription,
+                            char const* message, char const* className);
+
+    CString const& GetClassName() const { return m_className; }
+
+private:
+    CString m_className;
+};
+
+// The record has no factory (an interface or an abstract class).
+class LUMO_API CInstantiationException : public CException {
+    LUMO_DECLARE_CLASS(CInstantiationException);
+
+    CInstantiationException(char const* file, unsigned long line, char const* errorDescription,
+                            char const* message, char const* className);
+
+    CString const& GetClassName() const { return m_className; }
+
+private:
+    CString m_className;
+};
+
+} // namespace base
+} // namespace lumo
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef LUMO_BASE_WIN_WINSYSTEMERROREXCEPTION_H
+#define LUMO_BASE_WIN_WINSYSTEMERROREXCEPTION_H
+
+#include <lumo/base/Exception.h>
+
+namespace lumo {
+namespace base {
+namespace win {
+
+// A failed system call: the error code (an errno value on POSIX) and, as message,
+// the system's text for it.
+class LUMO_API CWinSystemErrorException : public CException {
+    LUMO_DECLARE_CLASS(CWinSystemErrorException);
+
+    CWinSystemErrorException(char const* file, unsigned long line, char const* errorDescription,
+                             unsigned long errorCode);
+
+    unsigned long GetErrorCode() const { return m_errorCode; }
+
+private:
+    unsigned long m_errorCode;
+};
+
+} // namespace win
+} // namespace base
+} // namespace lumo
+
+#endif

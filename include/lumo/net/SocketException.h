@@ -1,0 +1,14 @@
+#ifndef LUMO_NET_SOCKETEXCEPTION_H
+#define LUMO_NET_SOCKETEXCEPTION_H
+
+#include <lumo/io/IOException.h>
+
+namespace lumo {
+namespace net {
+
+LUMO_EXCEPTION_2(CSocketException, io::CIOException);
+
+} // namespace net
+} // namespace lumo
+
+#endif

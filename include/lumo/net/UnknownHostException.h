@@ -1,0 +1,25 @@
+#ifndef LUMO_NET_UNKNOWNHOSTEXCEPTION_H
+#define LUMO_NET_UNKNOWNHOSTEXCEPTION_H
+
+#include <lumo/base/String.h>
+#include <lumo/io/IOException.h>
+
+namespace lumo {
+namespace net {
+
+// A host name that does not resolve; the description is always "Unknown host name.".
+class LUMO_API CUnknownHostException : public io::CIOException {
+    LUMO_DECLARE_CLASS(CUnknownHostException);
+
+    CUnknownHostException(char const* file, unsigned long line, char const* hostName);
+
+    base::CString const& GetHostName() const { return m_hostName; }
+
+private:
+    base::CString m_hostName;
+};
+
+} // namespace net
+} // namespace lumo
+
+#endif

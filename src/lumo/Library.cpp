@@ -1,0 +1,31 @@
+#include <lumo/Library.h>
+
+#include <vela/IO.h>
+
+namespace lumo {
+
+namespace {
+// Not locked: clients start and stop the library from one thread.
+long g_clients = 0;
+long const kMaxClients = 0x7fffffff;
+} // namespace
+
+long Initialize() {
+    if (g_clients == kMaxClients)
+        return kMaxClients;
+    ++g_clients;
+    if (g_clients == 1)
+        IO::Init(true);
+    return g_clients;
+}
+
+long Terminate() {
+    if (g_clients == 0)
+        return 0;
+    --g_clients;
+    if (g_clients <= 0)
+        IO::End();
+    return g_clients;
+}
+
+} // namespace lumo

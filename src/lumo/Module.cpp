@@ -1,0 +1,45 @@
+// The module's load and unload work. This unit is linked last, so its static object
+// is made after every class record of the library and destroyed before them.
+#include "Module.h"
+
+#include "ThreadSupport.h"
+
+#include <vela/Resource.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace lumo {
+namespace detail {
+
+namespace {
+long g_moduleId = 0;
+
+struct ModuleEntry {
+    ModuleEntry() {
+        try {
+            long const previous = Vela::RSGetActiveModule();
+            g_moduleId = Vela::RSAddModule(GetModuleHandle());
+            Vela::RSSetActiveModule(previous);
+            StartThreadSupport();
+        } catch (...) {
+            // A module whose attach work fails must not load.
+            std::fputs("lumo: module start-up failed\n", stderr);
+            std::abort();
+        }
+    }
+    ~ModuleEntry() {
+        StopThreadSupport();
+        if (g_moduleId > 0)
+            Vela::RSRemoveModule(g_moduleId);
+        g_moduleId = 0;
+    }
+};
+
+ModuleEntry g_module;
+} // namespace
+
+long GetModuleId() { return g_moduleId; }
+
+} // namespace detail
+} // namespace lumo

@@ -1,0 +1,15 @@
+#ifndef LUMO_SRC_THREADSUPPORT_H
+#define LUMO_SRC_THREADSUPPORT_H
+
+namespace lumo {
+namespace detail {
+
+// Thread support's start and stop at module load and unload: the process-wide
+// thread implementation and the slot that maps each thread to its CThread.
+void StartThreadSupport();
+void StopThreadSupport();
+
+} // namespace detail
+} // namespace lumo
+
+#endif

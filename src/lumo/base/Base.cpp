@@ -1,0 +1,64 @@
+#include <lumo/base/Base.h>
+
+#include <lumo/base/Exception.h>
+
+#include <cstdlib>
+
+namespace lumo {
+namespace base {
+
+CNull const null;
+
+namespace {
+// malloc(0) may give null; every allocation yields a distinct block.
+void* Allocate(std::size_t size) { return std::malloc(size == 0 ? 1 : size); }
+} // namespace
+
+void CBase::_ThrowMemoryException(char const* file, int line) {
+    throw CMemoryException(file, static_cast<unsigned long>(line));
+}
+
+void* CBase::operator new(std::size_t size) {
+    void* p = Allocate(size);
+    if (p == nullptr)
+        _ThrowMemoryException("lumo/base/Base", 150);
+    return p;
+}
+
+void* CBase::operator new[](std::size_t size) {
+    void* p = Allocate(size);
+    if (p == nullptr)
+        _ThrowMemoryException("lumo/base/Base", 198);
+    return p;
+}
+
+void* CBase::operator new(std::size_t size, char const* file, int line) {
+    void* p = Allocate(size);
+    if (p == nullptr)
+        _ThrowMemoryException(file, line);
+    return p;
+}
+
+void* CBase::operator new[](std::size_t size, char const* file, int line) {
+    void* p = Allocate(size);
+    if (p == nullptr)
+        _ThrowMemoryException(file, line);
+    return p;
+}
+
+void* CBase::operator new(std::size_t, void* place) noexcept { return place; }
+void* CBase::operator new[](std::size_t, void* place) noexcept { return place; }
+void* CBase::operator new(std::size_t, void* place, char const*, int) noexcept { return place; }
+void* CBase::operator new[](std::size_t, void* place, char const*, int) noexcept { return place; }
+
+void CBase::operator delete(void* p) noexcept { std::free(p); }
+void CBase::operator delete[](void* p) noexcept { std::free(p); }
+void CBase::operator delete(void* p, char const*, int) noexcept { std::free(p); }
+void CBase::operator delete[](void* p, char const*, int) noexcept { std::free(p); }
+void CBase::operator delete(void*, void*) noexcept {}
+void CBase::operator delete[](void*, void*) noexcept {}
+void CBase::operator delete(void*, void*, char const*, int) noexcept {}
+void CBase::operator delete[](void*, void*, char const*, int) noexcept {}
+
+} // namespace base
+} // namespace lumo

@@ -1,0 +1,203 @@
+#include <lumo/base/ClassManager.h>
+
+#include <lumo/base/ClassNotFoundException.h>
+#include <lumo/base/Object.h>
+#include <lumo/util/HashCode.h>
+#include <vela/Chars.h>
+
+#include <cstdlib>
+
+namespace lumo {
+namespace base {
+
+struct CClassManager::Entry {
+    std::int32_t hash;
+    char const* key;
+    CClass* value;
+    Entry* next;
+};
+
+namespace {
+std::uint32_t const kInitialBuckets = 8191;
+std::int32_t const kInitialThreshold = 6143;
+
+std::uint32_t BucketOf(std::int32_t hash, std::uint32_t count) {
+    return (static_cast<std::uint32_t>(hash) & 0x7fffffffu) % count;
+}
+} // namespace
+
+CClassManager::CClassManager()
+    : m_head(nullptr), m_count(0), m_hashing(0), m_buckets(nullptr), m_bucketCount(0),
+      m_entryCount(0), m_threshold(kInitialThreshold), m_loadFactor(0.75f) {
+    m_buckets = static_cast<Entry**>(std::calloc(kInitialBuckets, sizeof(Entry*)));
+    if (m_buckets == nullptr)
+        return;
+    m_bucketCount = kInitialBuckets;
+    for (CClass* cls = m_head; cls != nullptr; cls = cls->m_next) {
+        if (!HashPut(cls->GetName(), cls)) {
+            FreeTable();
+            return;
+        }
+    }
+    m_hashing = 1;
+}
+
+CClassManager::~CClassManager() { FreeTable(); }
+
+CClassManager& CClassManager::GetInstance() {
+    static CClassManager instance;
+    return instance;
+}
+
+void CClassManager::FreeTable() {
+    for (std::uint32_t i = 0; i < m_bucketCount; ++i) {
+        Entry* e = m_buckets[i];
+        while (e != nullptr) {
+            Entry* next = e->next;
+            std::free(e);
+            e = next;
+        }
+    }
+    std::free(m_buckets);
+    m_buckets = nullptr;
+    m_bucketCount = 0;
+    m_entryCount = 0;
+}
+
+bool CClassManager::HashPut(char const* key, CClass* value) {
+    if (m_buckets == nullptr)
+        return false;
+    std::int32_t const hash = util::GetStringHashCode(key);
+    for (;;) {
+        std::uint32_t index = BucketOf(hash, m_bucketCount);
+        for (Entry* e = m_buckets[index]; e != nullptr; e = e->next) {
+            if (e->hash == hash && e->key == key) {
+                e->value = value;
+                return true;
+            }
+        }
+        if (static_cast<std::int64_t>(m_entryCount) >= m_threshold) {
+            std::uint32_t const newCount = m_bucketCount * 2 + 1;
+            auto** grown = static_cast<Entry**>(std::calloc(newCount, sizeof(Entry*)));
+            if (grown == nullptr)
+                return false;
+            m_threshold = static_cast<std::int32_t>(newCount * m_loadFactor);
+            for (std::uint32_t i = 0; i < m_bucketCount; ++i) {
+                Entry* e = m_buckets[i];
+                while (e != nullptr) {
+                    Entry* next = e->next;
+                    std::uint32_t const to = BucketOf(e->hash, newCount);
+                    e->next = grown[to];
+                    grown[to] = e;
+                    e = next;
+                }
+            }
+            std::free(m_buckets);
+            m_buckets = grown;
+            m_bucketCount = newCount;
+            continue;
+        }
+        auto* entry = static_cast<Entry*>(std::malloc(sizeof(Entry)));
+        if (entry == nullptr)
+            return false;
+        entry->hash = hash;
+        entry->key = key;
+        entry->value = value;
+        entry->next = m_buckets[index];
+        m_buckets[index] = entry;
+        ++m_entryCount;
+        return true;
+    }
+}
+
+void CClassManager::HashRemove(char const* key) {
+    if (m_buckets == nullptr)
+        return;
+    std::int32_t const hash = util::GetStringHashCode(key);
+    Entry** link = &m_buckets[BucketOf(hash, m_bucketCount)];
+    for (; *link != nullptr; link = &(*link)->next) {
+        if ((*link)->hash == hash && (*link)->key == key) {
+            Entry* gone = *link;
+            *link = gone->next;
+            std::free(gone);
+            --m_entryCount;
+            return;
+        }
+    }
+}
+
+void CClassManager::RegisterClass(CClass* cls) {
+    if (cls == nullptr)
+        return;
+    cls->m_previous = nullptr;
+    cls->m_next = m_head;
+    if (m_head != nullptr)
+        m_head->m_previous = cls;
+    m_head = cls;
+    ++m_count;
+    // The table only serves until the first successful registration; from then on
+    // every lookup walks the list.
+    if (m_hashing != 0 && HashPut(cls->GetName(), cls)) {
+        m_hashing = 0;
+        FreeTable();
+    }
+}
+
+void CClassManager::UnregisterClass(CClass* cls) {
+    if (cls == nullptr)
+        return;
+    if (cls == m_head) {
+        m_head = cls->m_next;
+        // The new head keeps its back link to the removed record; only the head's
+        // back link is ever stale, and the head's back link is never read.
+        if (m_head != nullptr)
+            cls->m_previous = nullptr;
+    } else {
+        // A record that is not linked (never registered, or already removed) is left alone.
+        if (cls->m_previous == nullptr)
+            return;
+        if (cls->m_next != nullptr)
+            cls->m_next->m_previous = cls->m_previous;
+        cls->m_previous->m_next = cls->m_next;
+        // Unlinked for good: a second removal must not touch the list again.
+        cls->m_previous = nullptr;
+        cls->m_next = nullptr;
+    }
+    --m_count;
+    if (m_hashing != 0)
+        HashRemove(cls->GetName());
+}
+
+CClass* CClassManager::FindClass(char const* name) {
+    if (name == nullptr || *name == '\0')
+        return nullptr;
+    if (m_hashing != 0) {
+        std::int32_t const hash = util::GetStringHashCode(name);
+        for (Entry* e = m_buckets[BucketOf(hash, m_bucketCount)]; e != nullptr; e = e->next) {
+            if (e->hash == hash && e->key == name)
+                return e->value;
+        }
+        return nullptr;
+    }
+    for (CClass* cls = m_head; cls != nullptr; cls = cls->m_next) {
+        if (Vela::CHCompareTexts(cls->GetQualifiedName(), -1, name, -1, Vela::CH_CASE_SENSITIVE,
+                                 0) == 0)
+            return cls;
+    }
+    return nullptr;
+}
+
+CObject* CClassManager::CreateInstance(char const* name) {
+    CClass* cls = FindClass(name);
+    if (cls == nullptr)
+        throw CClassNotFoundException("lumo/base/ClassManager", 183,
+                                      "The specified class is not found.", nullptr, name);
+    return cls->CreateNewInstance();
+}
+
+CObject* CClassManager::CreateInstance(CClass const* cls) {
+    return cls == nullptr ? nullptr : cls->CreateNewInstance();
+}
+
+} // namespace base
+} // namespace lumo
