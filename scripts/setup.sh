@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build pkg-config
-    libxerces-c-dev libicu-dev
+    libxerces-c-dev libicu-dev libssl-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
 )
 
