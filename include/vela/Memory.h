@@ -5,25 +5,38 @@
 
 namespace Vela {
 
-// A relocatable block: a pointer to the block's current address.
+// A relocatable block: a pointer to the block's current address. The handle itself
+// (the master pointer) stays put for the block's life; the block it points to may move
+// whenever it is resized, so a pointer taken with Access (or *handle) is good only until
+// the next ResizeHandle.
 typedef char** BMHandle;
 
-// The handle memory manager.
+// The handle memory manager. Thread-safe: handles are independent heap blocks (one
+// handle must still be used by one thread at a time).
 class LUMO_API bmManager {
 public:
-    // A new handle of `size` bytes, or null when memory is exhausted.
+    // A new handle of `size` bytes (contents undefined; 0 is allowed), or null when
+    // memory is exhausted.
     static BMHandle NewHandle(unsigned long size);
-    // Resizes keeping the contents; the same handle, or null on failure (the handle
-    // and its contents are then untouched).
+    // Resizes keeping the contents (up to the smaller size); returns the same handle,
+    // or null on failure (the handle and its contents are then untouched). The block
+    // moves on every change of size. A null handle gives null.
     static BMHandle ResizeHandle(BMHandle handle, unsigned long size);
-    // Frees the handle; null is ignored.
+    // Frees the handle and its block; null is ignored.
     static void KillHandle(BMHandle handle);
-    // The block's current address (null for a null handle).
+    // The block's current address (null for a null handle; never null for a live one).
     static char* Access(BMHandle handle);
+    // The block's size in bytes (0 for a null handle).
     static unsigned long GetSize(BMHandle handle);
+
+    // Test seam: the next `count` calls of NewHandle or ResizeHandle (any thread) fail
+    // as if memory were exhausted. 0 cancels failures still pending.
+    static void FailNextAllocations(unsigned long count);
 };
 
-// The memory range checker.
+// The memory range checker. On this platform every range at a non-null address counts
+// as readable and writable; a null address is refused unless the size is 0 (an empty
+// range is always accepted).
 class LUMO_API bnManager {
 public:
     static bool IsReadable(void const* address, unsigned long size);

@@ -104,8 +104,7 @@ TEST(Exception, RecordTableAndBases) {
     EXPECT_TRUE(unknown.IsInstanceOf(CClass::FindClass("lumo::io::CIOException")));
     EXPECT_EQ(unknown.GetErrorDescription(), nullptr);
     CTimeoutException timeout("f", 1, "Timed out.", nullptr);
-    EXPECT_TRUE(
-        timeout.IsInstanceOf(&CSynchronizationException::m_classCSynchronizationException));
+    EXPECT_TRUE(timeout.IsInstanceOf(&CSynchronizationException::m_classCSynchronizationException));
 }
 
 TEST(Exception, TextCarryingExceptions) {

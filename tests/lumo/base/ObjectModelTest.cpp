@@ -30,7 +30,9 @@ class CAbstractThing : public CObject {
 };
 LUMO_DEFINE_CLASS(CAbstractThing, "test::CAbstractThing", "lumo::base::CObject");
 
-CObject* MakeNothing() { return nullptr; }
+CObject* MakeNothing() {
+    return nullptr;
+}
 
 } // namespace objtest
 
