@@ -1,0 +1,79 @@
+#include "CriticalSection.h"
+
+#include <lumo/base/Exception.h>
+
+#include <pthread.h>
+#include <sched.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace lumo {
+namespace base {
+namespace detail {
+
+struct CCriticalSection {
+    pthread_mutex_t mutex;
+};
+
+CCriticalSection* NewCriticalSection(unsigned long /*spinCount*/, char const* file, int line) {
+    void* memory = std::malloc(sizeof(CCriticalSection));
+    if (memory == nullptr)
+        throw CMemoryException(file, static_cast<unsigned long>(line));
+    CCriticalSection* cs = new (memory) CCriticalSection;
+
+    pthread_mutexattr_t attr;
+    bool ok = pthread_mutexattr_init(&attr) == 0;
+    if (ok) {
+        ok = pthread_mutexattr_settype(&attr, PTHREAD_MUTEX_RECURSIVE) == 0 &&
+             pthread_mutex_init(&cs->mutex, &attr) == 0;
+        pthread_mutexattr_destroy(&attr);
+    }
+    if (!ok) {
+        std::free(memory);
+        return nullptr;
+    }
+    return cs;
+}
+
+void DeleteCriticalSection(CCriticalSection* cs) noexcept {
+    if (cs == nullptr)
+        return;
+    pthread_mutex_destroy(&cs->mutex);
+    cs->~CCriticalSection();
+    std::free(cs);
+}
+
+namespace {
+
+[[noreturn]] __attribute__((noinline, cold)) void ThrowEnterFailure() {
+    throw CSynchronizationException("lumo/base/LockImplWin", __LINE__,
+                                    "Failed to enter critical section.", nullptr);
+}
+
+} // namespace
+
+void EnterCriticalSection(CCriticalSection* cs) {
+    // pthread_mutex_lock fails only when the recursion count would overflow (EAGAIN)
+    // or on a deadlock report.
+    if (cs == nullptr || pthread_mutex_lock(&cs->mutex) != 0)
+        ThrowEnterFailure();
+}
+
+bool TryEnterCriticalSection(CCriticalSection* cs) {
+    if (cs == nullptr)
+        ThrowEnterFailure();
+    return pthread_mutex_trylock(&cs->mutex) == 0;
+}
+
+void LeaveCriticalSection(CCriticalSection* cs) noexcept {
+    // Leaving a section this thread does not hold gives EPERM; like the other
+    // platform's LeaveCriticalSection it reports nothing.
+    pthread_mutex_unlock(&cs->mutex);
+}
+
+void YieldTimeSlice() noexcept { sched_yield(); }
+
+} // namespace detail
+} // namespace base
+} // namespace lumo

@@ -1,0 +1,12 @@
+#include <lumo/base/Lockable.h>
+
+namespace lumo {
+namespace base {
+
+// Out-of-line destructors anchor the interfaces' virtual tables in the library.
+ILockable::~ILockable() {}
+ILockable_::~ILockable_() {}
+IWaitable::~IWaitable() {}
+
+} // namespace base
+} // namespace lumo

@@ -1,0 +1,40 @@
+#include <lumo/base/Ref.h>
+
+#include <lumo/base/Exception.h>
+
+namespace lumo {
+namespace base {
+
+RefCountedPtr::RefCountedPtr(void* object, bool owner, Deleter deleter)
+    : m_object(object), m_owner(owner), m_count(1), m_deleter(deleter) {
+    if (object == nullptr)
+        throw CIllegalArgumentException("lumo/base/RefCountedPtr", 98, "Invalid pointer.");
+}
+
+void RefCountedPtr::Release(RefCountedPtr* record) noexcept {
+    if (record == nullptr)
+        return;
+    // A count already at 0 is treated as reaching 0.
+    if (record->m_count > 0)
+        --record->m_count;
+    if (record->m_count != 0)
+        return;
+    if (record->m_owner && record->m_object != nullptr)
+        DestroyObject(record->m_object, record->m_deleter);
+    delete record;
+}
+
+void RefCountedPtr::ThrowNullReference() { throw CNullReferenceException("lumo/base/Ref", 437); }
+
+void RefCountedPtr::DestroyObject(void* object, Deleter deleter) noexcept {
+    if (deleter == nullptr)
+        return;
+    try {
+        deleter(object);
+    } catch (...) {
+        // An exception from the object's destructor is dropped.
+    }
+}
+
+} // namespace base
+} // namespace lumo
