@@ -1,0 +1,48 @@
+#include <lumo/base/FormattedString.h>
+
+#include <lumo/base/Exception.h>
+
+#include <cstdarg>
+
+namespace lumo {
+namespace base {
+
+namespace {
+
+char const kUnit[] = "lumo/base/FormattedString";
+
+void CheckFormat(bool empty) {
+    if (empty)
+        throw CIllegalArgumentException(kUnit, 39, "Invalid format string.");
+}
+
+} // namespace
+
+CFormattedString::CFormattedString(char const* format, ...) {
+    CheckFormat(format == nullptr || *format == '\0');
+    va_list args;
+    va_start(args, format);
+    try {
+        m_string.FormatV(format, args);
+    } catch (...) {
+        va_end(args);
+        throw;
+    }
+    va_end(args);
+}
+
+CFormattedUnicodeString::CFormattedUnicodeString(unsigned short const* format, ...) {
+    CheckFormat(format == nullptr || *format == 0);
+    va_list args;
+    va_start(args, format);
+    try {
+        m_string.FormatV(format, args);
+    } catch (...) {
+        va_end(args);
+        throw;
+    }
+    va_end(args);
+}
+
+} // namespace base
+} // namespace lumo

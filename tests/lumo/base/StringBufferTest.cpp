@@ -1,0 +1,156 @@
+#include <lumo/base/Exception.h>
+#include <lumo/base/String.h>
+#include <lumo/base/StringBuffer.h>
+#include <lumo/base/UnicodeString.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+using lumo::base::CMemoryException;
+using lumo::base::CString;
+using lumo::base::CStringBuffer;
+using lumo::base::CUnicodeString;
+using lumo::base::CUnicodeStringBuffer;
+
+namespace {
+
+char const* Text(CStringBuffer const& b) {
+    return b;
+}
+
+std::u16string Text(CUnicodeStringBuffer const& b) {
+    unsigned short const* p = b;
+    return std::u16string(p, p + b.GetSize());
+}
+
+} // namespace
+
+TEST(CStringBuffer, CapacityRounding) {
+    CStringBuffer small(3);
+    EXPECT_EQ(8u, small.GetCapacityIncrement());
+    EXPECT_EQ(0u, small.GetCapacity());
+    EXPECT_STREQ("", Text(small));
+    EXPECT_TRUE(small.IsEmpty());
+
+    CStringBuffer b(8);
+    b.EnsureCapacity(9);
+    EXPECT_EQ(16u, b.GetCapacity());
+    b.EnsureCapacity(16);
+    EXPECT_EQ(16u, b.GetCapacity());
+    b.EnsureCapacity(4); // never shrinks
+    EXPECT_EQ(16u, b.GetCapacity());
+    b.SetCapacityIncrement(10);
+    b.EnsureCapacity(21);
+    EXPECT_EQ(30u, b.GetCapacity());
+    b.SetCapacityIncrement(0);
+    EXPECT_EQ(8u, b.GetCapacityIncrement());
+
+    // Storage made at construction is all zero.
+    CStringBuffer zeroed(20, 8);
+    EXPECT_EQ(24u, zeroed.GetCapacity());
+    char const* chars = zeroed;
+    EXPECT_EQ(std::string(24, '\0'), std::string(chars, 24));
+
+    // A request that the 32-bit rounding cannot hold is refused; the text stays.
+    b = "kept";
+    try {
+        b.EnsureCapacity(0xFFFFFFF9ul);
+        FAIL() << "no exception";
+    } catch (CMemoryException const& e) {
+        EXPECT_STREQ("lumo/base/StringBuffer", e.GetSourceFile());
+        EXPECT_EQ(296u, e.GetSourceLine());
+    }
+    EXPECT_THROW(b.GetBuffer(0x100000000ul), CMemoryException);
+    EXPECT_STREQ("kept", Text(b));
+}
+
+TEST(CStringBuffer, TextOperations) {
+    CStringBuffer b(8);
+    b = "hello";
+    EXPECT_EQ(5u, b.GetSize());
+    EXPECT_EQ(8u, b.GetCapacity());
+    b += " world";
+    EXPECT_STREQ("hello world", Text(b));
+    EXPECT_EQ(16u, b.GetCapacity());
+    b += static_cast<char const*>(b) + 6; // a piece of itself, across a reallocation
+    b += b;
+    EXPECT_STREQ("hello worldworldhello worldworld", Text(b));
+
+    unsigned short const wide[] = {0xE9, 0xD83D, 0xDE00, 0xD800, 0};
+    b = wide; // UTF-8, an unpaired surrogate as '?'
+    EXPECT_STREQ("\xC3\xA9\xF0\x9F\x98\x80?", Text(b));
+    b = CString("c");
+    b += CUnicodeString("\xC3\xA9");
+    b += CString("!");
+    b += static_cast<unsigned short const*>(nullptr);
+    b += static_cast<char const*>(nullptr);
+    EXPECT_STREQ("c\xC3\xA9!", Text(b));
+
+    CStringBuffer copy(b);
+    EXPECT_STREQ("c\xC3\xA9!", Text(copy));
+    EXPECT_NE(static_cast<char const*>(copy), Text(b));
+    copy = static_cast<char const*>(nullptr);
+    EXPECT_TRUE(copy.IsEmpty());
+
+    // Written through the array, then trimmed to the rounded text size.
+    char* p = b.GetBuffer(100);
+    EXPECT_EQ(104u, b.GetCapacity());
+    std::strcpy(p, "0123456789");
+    EXPECT_EQ(10u, b.GetSize());
+    b.TrimToSize();
+    EXPECT_EQ(16u, b.GetCapacity());
+    EXPECT_STREQ("0123456789", Text(b));
+    b.Empty();
+    EXPECT_TRUE(b.IsEmpty());
+    EXPECT_EQ(16u, b.GetCapacity());
+
+    // An array filled to the end without a terminator is measured to its end and
+    // gets a terminator when it grows.
+    CStringBuffer full(8);
+    std::memset(full.GetBuffer(8), 'z', 8);
+    EXPECT_EQ(8u, full.GetSize());
+    full += "!";
+    EXPECT_STREQ("zzzzzzzz!", Text(full));
+
+    CStringBuffer fresh;
+    char* writable = fresh; // never null
+    ASSERT_NE(nullptr, writable);
+    EXPECT_EQ('\0', writable[0]);
+}
+
+TEST(CUnicodeStringBuffer, TextOperations) {
+    CUnicodeStringBuffer b(3);
+    EXPECT_EQ(8u, b.GetCapacityIncrement());
+    b.EnsureCapacity(9);
+    EXPECT_EQ(16u, b.GetCapacity());
+    b = "a\xC3\xA9";
+    EXPECT_EQ(u"a\u00E9", Text(b));
+    b += CString("\xF0\x9F\x98\x80");
+    b += CUnicodeString("z");
+    EXPECT_EQ(u"a\u00E9\U0001F600z", Text(b));
+    EXPECT_EQ(5u, b.GetSize());
+    b += static_cast<unsigned short const*>(b) + 1;
+    EXPECT_EQ(u"a\u00E9\U0001F600z\u00E9\U0001F600z", Text(b));
+
+    CUnicodeStringBuffer copy(b);
+    copy += copy;
+    EXPECT_EQ(18u, copy.GetSize());
+    b = CUnicodeString("xyz");
+    EXPECT_EQ(u"xyz", Text(b));
+    b.TrimToSize();
+    EXPECT_EQ(8u, b.GetCapacity());
+    b = static_cast<char const*>(nullptr);
+    EXPECT_TRUE(b.IsEmpty());
+
+    CUnicodeStringBuffer zeroed(9, 8);
+    EXPECT_EQ(16u, zeroed.GetCapacity());
+    EXPECT_EQ(0u, zeroed.GetSize());
+    try {
+        zeroed.EnsureCapacity(0xFFFFFFFFul);
+        FAIL() << "no exception";
+    } catch (CMemoryException const& e) {
+        EXPECT_EQ(296u, e.GetSourceLine());
+    }
+}
