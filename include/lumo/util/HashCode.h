@@ -6,12 +6,20 @@
 #include <cstdint>
 
 namespace lumo {
+namespace base {
+class CString;
+class CUnicodeString;
+} // namespace base
+
 namespace util {
 
-// The library's text hash: under 16 bytes, h = h*37 + byte over every byte; from 16
-// bytes on, h = h*39 + byte at every (length/8)-th position. Wraps at 32 bits; a
-// null text hashes to 0.
+// The library's text hash, over bytes (8-bit text) or UTF-16 units: under 16
+// units, h = h*37 + unit over every unit; from 16 units on, h = h*39 + unit at
+// every (length/8)-th position, so long keys cost a bounded time. Wraps at 32
+// bits; bytes count unsigned; a null or empty text hashes to 0.
 LUMO_API std::int32_t GetStringHashCode(char const* text);
+LUMO_API std::int32_t GetCStringHashCode(base::CString const& text);
+LUMO_API std::int32_t GetCUnicodeStringHashCode(base::CUnicodeString const& text);
 
 } // namespace util
 } // namespace lumo

@@ -1,0 +1,477 @@
+#ifndef LUMO_UTIL_HASHTABLE_H
+#define LUMO_UTIL_HASHTABLE_H
+
+#include <lumo/base/Base.h>
+#include <lumo/base/Exception.h>
+#include <lumo/util/Enumeration.h>
+#include <lumo/util/HashCode.h>
+#include <lumo/util/NoSuchElementException.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+namespace lumo {
+namespace util {
+
+// Hash codes of the key types the library hashes by value: its strings (by the
+// library's text hash), integers and enumerations (folded to 32 bits) and
+// pointers (by address). Other key types specialize CHashTraits.
+inline std::int32_t HashCodeOf(base::CString const& key) {
+    return GetCStringHashCode(key);
+}
+inline std::int32_t HashCodeOf(base::CUnicodeString const& key) {
+    return GetCUnicodeStringHashCode(key);
+}
+template <class T>
+inline typename std::enable_if<std::is_integral<T>::value || std::is_enum<T>::value,
+                               std::int32_t>::type
+HashCodeOf(T key) {
+    std::uint64_t const v = static_cast<std::uint64_t>(key);
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(v ^ (v >> 32)));
+}
+template <class T> inline std::int32_t HashCodeOf(T* key) {
+    return HashCodeOf(reinterpret_cast<std::uintptr_t>(key));
+}
+
+// How a CHashtable hashes and compares its keys.
+template <class K> struct CHashTraits {
+    static std::int32_t GetHashCode(K const& key) { return HashCodeOf(key); }
+    template <class Q> static bool Equals(K const& stored, Q const& key) { return stored == key; }
+};
+
+template <class K, class V, class Traits> class HashtableKeyEnumeration;
+template <class K, class V, class Traits> class HashtableElementEnumeration;
+
+// A chained hash map of values: keys of K to values of V, both copied in. The
+// layout and growth are those of CObjectHashtable: a capacity below 12 becomes
+// 101, a load factor not above 0 becomes 0.75, and a new key arriving when the
+// count has reached the threshold first grows the table to capacity * 2 + 1. It
+// owns nothing beyond its copies (a table of pointers leaves what they point to
+// alone). A missing key throws CNoSuchElementException; a failed allocation
+// throws CMemoryException and leaves the table unchanged.
+template <class K, class V, class Traits = CHashTraits<K>> class CHashtable {
+public:
+    explicit CHashtable(long initialCapacity = 101, float loadFactor = 0.75f)
+        : CHashtable("lumo/util/Hashtable", initialCapacity, loadFactor) {}
+
+    // Copies every key and value; chains come out in reverse order, as in
+    // CObjectHashtable.
+    CHashtable(CHashtable const& other)
+        : m_unit(other.m_unit), m_buckets(AllocateBuckets(other.m_capacity, __LINE__)),
+          m_capacity(other.m_capacity), m_count(0), m_threshold(other.m_threshold),
+          m_loadFactor(other.m_loadFactor), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr),
+          m_bumpEnd(nullptr), m_slabEntries(kFirstSlabEntries) {
+        try {
+            for (std::uint32_t i = 0; i < m_capacity; ++i)
+                for (Entry const* e = other.m_buckets[i]; e != nullptr; e = e->next) {
+                    m_buckets[i] = NewEntry(e->hash, e->key, e->value, m_buckets[i], __LINE__);
+                    ++m_count;
+                }
+        } catch (...) {
+            FreeEntries();
+            std::free(m_buckets);
+            throw;
+        }
+    }
+
+    CHashtable& operator=(CHashtable const& other) {
+        if (this != &other) {
+            CHashtable copy(other);
+            Swap(copy);
+        }
+        return *this;
+    }
+
+    ~CHashtable() {
+        FreeEntries();
+        std::free(m_buckets);
+    }
+
+    unsigned long GetSize() const { return m_count; }
+    bool IsEmpty() const { return m_count == 0; }
+    unsigned long GetCapacity() const { return m_capacity; }
+
+    // Maps `key` to `value`. For a present key only the value is replaced, the old
+    // one handed back through `previous` when given; the result tells whether
+    // there was one.
+    bool Put(K const& key, V const& value, V* previous = nullptr) {
+        return PutHashed(Traits::GetHashCode(key), key, value, previous);
+    }
+
+    // The value of `key`; CNoSuchElementException when absent.
+    V& Get(K const& key) { return GetHashed(Traits::GetHashCode(key), key); }
+    V const& Get(K const& key) const {
+        return const_cast<CHashtable*>(this)->GetHashed(Traits::GetHashCode(key), key);
+    }
+
+    // The value of `key`, or null when absent.
+    V* Find(K const& key) const {
+        Entry* e = FindHashed(Traits::GetHashCode(key), key);
+        return e != nullptr ? &e->value : nullptr;
+    }
+
+    bool ContainsKey(K const& key) const {
+        return FindHashed(Traits::GetHashCode(key), key) != nullptr;
+    }
+
+    // Whether some value == `value`, scanning bucket by bucket.
+    bool Contains(V const& value) const {
+        for (std::uint32_t i = 0; i < m_capacity; ++i)
+            for (Entry const* e = m_buckets[i]; e != nullptr; e = e->next)
+                if (e->value == value)
+                    return true;
+        return false;
+    }
+
+    // Removes the entry of `key` and returns its value; CNoSuchElementException
+    // when absent.
+    V Remove(K const& key) {
+        Entry* e = UnlinkHashed(Traits::GetHashCode(key), key);
+        if (e == nullptr)
+            throw CNoSuchElementException(m_unit, __LINE__);
+        return TakeValue(e);
+    }
+
+    // Drops every entry; the capacity is kept.
+    void Clear() { FreeEntries(); }
+
+    // Keys and values bucket by bucket, each chain in order, read from the live
+    // table. The keys handed out must not be changed.
+    CEnumeration<K> GetKeys() const {
+        return new (m_unit, __LINE__) HashtableKeyEnumeration<K, V, Traits>(this);
+    }
+    CEnumeration<V> GetElements() const {
+        return new (m_unit, __LINE__) HashtableElementEnumeration<K, V, Traits>(this);
+    }
+
+protected:
+    struct Entry {
+        std::int32_t hash;
+        K key;
+        V value;
+        Entry* next;
+    };
+
+    // Tables built on this one raise their failures under their own source path.
+    CHashtable(char const* unit, long initialCapacity, float loadFactor)
+        : m_unit(unit), m_buckets(nullptr), m_capacity(0), m_count(0), m_threshold(0),
+          m_loadFactor(loadFactor), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr),
+          m_bumpEnd(nullptr), m_slabEntries(kFirstSlabEntries) {
+        std::uint64_t capacity = 101;
+        if (initialCapacity >= 12)
+            capacity = static_cast<std::uint64_t>(initialCapacity);
+        if (m_loadFactor <= 0.0f) // a NaN stays as given
+            m_loadFactor = 0.75f;
+        m_buckets = AllocateBuckets(capacity, __LINE__);
+        m_capacity = static_cast<std::uint32_t>(capacity);
+        m_threshold = ThresholdOf(m_capacity, m_loadFactor);
+    }
+
+    // The operations behind the public ones, for a hash computed by the caller
+    // and any key type Q that Traits::Equals compares with K (and K is made from).
+    template <class Q> Entry* FindHashed(std::int32_t hash, Q const& key) const {
+        for (Entry* e = m_buckets[BucketOf(hash, m_capacity)]; e != nullptr; e = e->next)
+            if (e->hash == hash && Traits::Equals(e->key, key))
+                return e;
+        return nullptr;
+    }
+
+    template <class Q> V& GetHashed(std::int32_t hash, Q const& key) {
+        Entry* e = FindHashed(hash, key);
+        if (e == nullptr)
+            throw CNoSuchElementException(m_unit, __LINE__);
+        return e->value;
+    }
+
+    template <class Q>
+    bool PutHashed(std::int32_t hash, Q const& key, V const& value, V* previous) {
+        for (;;) {
+            Entry* e = FindHashed(hash, key);
+            if (e != nullptr) {
+                if (previous != nullptr)
+                    *previous = e->value;
+                e->value = value;
+                return true;
+            }
+            if (static_cast<std::int64_t>(m_count) >= m_threshold) {
+                Rehash();
+                continue;
+            }
+            std::uint32_t const index = BucketOf(hash, m_capacity);
+            m_buckets[index] = NewEntry(hash, key, value, m_buckets[index], __LINE__);
+            ++m_count;
+            return false;
+        }
+    }
+
+    // Unlinks the entry of `key` (the caller destroys it), or null.
+    template <class Q> Entry* UnlinkHashed(std::int32_t hash, Q const& key) {
+        Entry** link = &m_buckets[BucketOf(hash, m_capacity)];
+        for (Entry* e = *link; e != nullptr; link = &e->next, e = e->next) {
+            if (e->hash == hash && Traits::Equals(e->key, key)) {
+                *link = e->next;
+                --m_count;
+                return e;
+            }
+        }
+        return nullptr;
+    }
+
+    // The value of an unlinked entry; the entry is destroyed.
+    V TakeValue(Entry* e) {
+        struct Release {
+            CHashtable* table;
+            Entry* e;
+            ~Release() { table->DeleteEntry(e); }
+        } release{this, e};
+        return std::move(e->value);
+    }
+
+    void DeleteEntry(Entry* e) noexcept {
+        e->~Entry();
+        FreeSlot* slot = ::new (static_cast<void*>(e)) FreeSlot;
+        slot->next = m_free;
+        m_free = slot;
+    }
+
+    void Swap(CHashtable& other) noexcept {
+        std::swap(m_unit, other.m_unit);
+        std::swap(m_buckets, other.m_buckets);
+        std::swap(m_capacity, other.m_capacity);
+        std::swap(m_count, other.m_count);
+        std::swap(m_threshold, other.m_threshold);
+        std::swap(m_loadFactor, other.m_loadFactor);
+        std::swap(m_slabs, other.m_slabs);
+        std::swap(m_free, other.m_free);
+        std::swap(m_bump, other.m_bump);
+        std::swap(m_bumpEnd, other.m_bumpEnd);
+        std::swap(m_slabEntries, other.m_slabEntries);
+    }
+
+private:
+    // Entries come from slabs that the table allocates in growing sizes and keeps
+    // until it is cleared or destroyed; removed entries are reused. This spares the
+    // heap one allocation per key and keeps the entries close together.
+    struct Slab {
+        Slab* next;
+        std::uint32_t entries;
+    };
+    struct FreeSlot {
+        FreeSlot* next;
+    };
+    static constexpr std::size_t kSlabHeader =
+        (sizeof(Slab) + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry);
+    static constexpr std::uint32_t kFirstSlabEntries = 8;
+    static constexpr std::uint32_t kLargestSlabEntries = 4096;
+
+    friend class HashtableKeyEnumeration<K, V, Traits>;
+    friend class HashtableElementEnumeration<K, V, Traits>;
+
+    static std::uint32_t BucketOf(std::int32_t hash, std::uint32_t capacity) {
+        return (static_cast<std::uint32_t>(hash) & 0x7FFFFFFFu) % capacity;
+    }
+
+    // (long)(capacity * loadFactor), truncating; saturating beyond 32 bits, and a
+    // NaN load factor gives a table that never grows.
+    static std::int32_t ThresholdOf(std::uint32_t capacity, float loadFactor) {
+        float const product = static_cast<float>(capacity) * loadFactor;
+        if (std::isnan(product) || product >= 2147483648.0f)
+            return 0x7FFFFFFF;
+        return static_cast<std::int32_t>(product);
+    }
+
+    Entry** AllocateBuckets(std::uint64_t capacity, int line) const {
+        void* buckets = nullptr;
+        if (capacity <= 0xFFFFFFFFu && capacity <= static_cast<std::size_t>(-1) / sizeof(Entry*))
+            buckets = std::calloc(static_cast<std::size_t>(capacity), sizeof(Entry*));
+        if (buckets == nullptr)
+            throw base::CMemoryException(m_unit, static_cast<unsigned long>(line));
+        return static_cast<Entry**>(buckets);
+    }
+
+    void* TakeSlot(int line) {
+        if (m_free != nullptr) {
+            FreeSlot* slot = m_free;
+            m_free = slot->next;
+            slot->~FreeSlot();
+            return slot;
+        }
+        if (m_bump == m_bumpEnd) {
+            std::size_t const bytes = kSlabHeader + m_slabEntries * sizeof(Entry);
+            Slab* slab = ::new (base::CBase::operator new(bytes, m_unit, line)) Slab;
+            slab->next = m_slabs;
+            slab->entries = m_slabEntries;
+            m_slabs = slab;
+            m_bump = reinterpret_cast<char*>(slab) + kSlabHeader;
+            m_bumpEnd = m_bump + m_slabEntries * sizeof(Entry);
+            if (m_slabEntries < kLargestSlabEntries)
+                m_slabEntries *= 2;
+        }
+        void* slot = m_bump;
+        m_bump += sizeof(Entry);
+        return slot;
+    }
+
+    template <class Q>
+    Entry* NewEntry(std::int32_t hash, Q const& key, V const& value, Entry* next, int line) {
+        void* place = TakeSlot(line);
+        try {
+            return ::new (place) Entry{hash, K(key), value, next};
+        } catch (...) {
+            FreeSlot* slot = ::new (place) FreeSlot;
+            slot->next = m_free;
+            m_free = slot;
+            throw;
+        }
+    }
+
+    void Rehash() {
+        std::uint64_t const capacity = static_cast<std::uint64_t>(m_capacity) * 2 + 1;
+        Entry** buckets = AllocateBuckets(capacity, __LINE__);
+        std::uint32_t const newCapacity = static_cast<std::uint32_t>(capacity);
+        for (std::uint32_t i = 0; i < m_capacity; ++i) {
+            Entry* e = m_buckets[i];
+            while (e != nullptr) {
+                Entry* next = e->next;
+                std::uint32_t const index = BucketOf(e->hash, newCapacity);
+                e->next = buckets[index];
+                buckets[index] = e;
+                e = next;
+            }
+        }
+        std::free(m_buckets);
+        m_buckets = buckets;
+        m_capacity = newCapacity;
+        m_threshold = ThresholdOf(newCapacity, m_loadFactor);
+    }
+
+    // Destroys every entry and gives the slabs back.
+    void FreeEntries() noexcept {
+        if (m_count > 0) {
+            if constexpr (!std::is_trivially_destructible<Entry>::value) {
+                if (m_free == nullptr) {
+                    DestroyInSlabOrder();
+                } else {
+                    for (std::uint32_t i = 0; i < m_capacity; ++i) {
+                        for (Entry* e = m_buckets[i]; e != nullptr;) {
+                            Entry* next = e->next;
+                            e->~Entry();
+                            e = next;
+                        }
+                    }
+                }
+            }
+            std::memset(m_buckets, 0, m_capacity * sizeof(Entry*));
+            m_count = 0;
+        }
+        while (m_slabs != nullptr) {
+            Slab* next = m_slabs->next;
+            base::CBase::operator delete(m_slabs);
+            m_slabs = next;
+        }
+        m_free = nullptr;
+        m_bump = m_bumpEnd = nullptr;
+        m_slabEntries = kFirstSlabEntries;
+    }
+
+    // With no slot waiting for reuse, every slot below the bump pointer holds an
+    // entry: destroy them in the order they were made (oldest slab first), which
+    // walks memory in sequence and hands keys back to their allocator in order.
+    // The caller clears the bucket heads and the count.
+    void DestroyInSlabOrder() noexcept {
+        Slab* reversed = nullptr;
+        while (m_slabs != nullptr) {
+            Slab* next = m_slabs->next;
+            m_slabs->next = reversed;
+            reversed = m_slabs;
+            m_slabs = next;
+        }
+        m_slabs = reversed;
+        for (Slab* slab = m_slabs; slab != nullptr; slab = slab->next) {
+            char* first = reinterpret_cast<char*>(slab) + kSlabHeader;
+            char* end = slab->next == nullptr ? m_bump : first + slab->entries * sizeof(Entry);
+            for (char* slot = first; slot != end; slot += sizeof(Entry))
+                reinterpret_cast<Entry*>(slot)->~Entry();
+        }
+    }
+
+    char const* m_unit;
+    Entry** m_buckets;
+    std::uint32_t m_capacity;
+    std::uint32_t m_count;
+    std::int32_t m_threshold;
+    float m_loadFactor;
+    Slab* m_slabs;
+    FreeSlot* m_free;
+    char* m_bump;
+    char* m_bumpEnd;
+    std::uint32_t m_slabEntries;
+};
+
+// The walk of the hashtable enumerations: bucket by bucket, each chain in order.
+template <class K, class V, class Traits> class HashtableKeyEnumeration : public IEnumeration<K> {
+public:
+    typedef CHashtable<K, V, Traits> Table;
+
+    explicit HashtableKeyEnumeration(Table const* table)
+        : m_table(table), m_returned(0), m_bucket(-1), m_current(nullptr) {}
+    bool HasMoreElements() const override { return m_returned < m_table->m_count; }
+    K* NextElement() override { return &Advance()->key; }
+    void Reset() override {
+        m_returned = 0;
+        m_bucket = -1;
+        m_current = nullptr;
+    }
+
+protected:
+    typename Table::Entry* Advance() {
+        if (m_current != nullptr && m_current->next != nullptr) {
+            m_current = m_current->next;
+            ++m_returned;
+        } else if (m_returned < m_table->m_count) {
+            do {
+                ++m_bucket;
+            } while (m_bucket < m_table->m_capacity && m_table->m_buckets[m_bucket] == nullptr);
+            m_current = m_bucket < m_table->m_capacity ? m_table->m_buckets[m_bucket] : nullptr;
+            if (m_current != nullptr)
+                ++m_returned;
+        } else {
+            m_current = nullptr;
+        }
+        if (m_current == nullptr)
+            throw CNoSuchElementException(m_table->m_unit, __LINE__);
+        return m_current;
+    }
+
+private:
+    Table const* m_table;
+    std::int64_t m_returned;
+    std::int64_t m_bucket;
+    typename Table::Entry* m_current;
+};
+
+template <class K, class V, class Traits>
+class HashtableElementEnumeration : public IEnumeration<V> {
+public:
+    explicit HashtableElementEnumeration(CHashtable<K, V, Traits> const* table) : m_keys(table) {}
+    bool HasMoreElements() const override { return m_keys.HasMoreElements(); }
+    V* NextElement() override { return &m_keys.Next()->value; }
+    void Reset() override { m_keys.Reset(); }
+
+private:
+    struct Keys : HashtableKeyEnumeration<K, V, Traits> {
+        using HashtableKeyEnumeration<K, V, Traits>::HashtableKeyEnumeration;
+        typename CHashtable<K, V, Traits>::Entry* Next() { return this->Advance(); }
+    };
+    Keys m_keys;
+};
+
+} // namespace util
+} // namespace lumo
+
+#endif

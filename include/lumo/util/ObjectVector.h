@@ -1,0 +1,86 @@
+#ifndef LUMO_UTIL_OBJECTVECTOR_H
+#define LUMO_UTIL_OBJECTVECTOR_H
+
+#include <lumo/base/Object.h>
+#include <lumo/util/ArrayStore.h>
+
+namespace lumo {
+namespace util {
+
+using base::CObject;
+
+// A growable array of objects, which it owns: an element is deleted when it is
+// removed, replaced, or when the vector is cleared, assigned or destroyed, unless
+// it is taken back with one of the Detach operations. Slots never hold null.
+// The capacity is a multiple of the increment (until TrimToSize), grows on demand
+// and shrinks in whole increments after removals, never below one increment.
+class LUMO_API CObjectVector {
+public:
+    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    // A non-zero initial capacity allocates the buffer at once.
+    explicit CObjectVector(unsigned long initialCapacity = 10, unsigned long increment = 10);
+    // Holds a Clone() of every element of `other`, in order (an element whose
+    // Clone() is null gives CIllegalArgumentException "Invalid object.").
+    CObjectVector(CObjectVector const& other);
+    // Deletes the own elements and holds clones of those of `other`. On failure
+    // the vector is unchanged.
+    CObjectVector& operator=(CObjectVector const& other);
+    ~CObjectVector();
+
+    unsigned long GetSize() const { return m_store.Size(); }
+    bool IsEmpty() const { return m_store.Size() == 0; }
+    unsigned long GetCapacity() const { return m_store.Capacity(); }
+    unsigned long GetIncrement() const { return m_store.Increment(); }
+
+    // Same size and elements that are Equals index by index.
+    bool operator==(CObjectVector const& other) const;
+    bool operator!=(CObjectVector const& other) const { return !(*this == other); }
+
+    // CArrayIndexOutOfBoundsException for an index >= size.
+    CObject* GetElementAt(unsigned long index) const;
+    CObject* operator[](unsigned long index) const { return GetElementAt(index); }
+    // CNoSuchElementException when empty.
+    CObject* GetFirstElement() const;
+    CObject* GetLastElement() const;
+
+    // Searches ask each element Equals(obj); null obj is an illegal argument.
+    bool Contains(CObject const* obj) const { return GetIndexOf(obj) >= 0; }
+    long GetIndexOf(CObject const* obj) const;
+    long GetLastIndexOf(CObject const* obj) const;
+
+    // The vector takes over `obj` once the call succeeds; on an exception the
+    // object stays the caller's.
+    void AddElement(CObject* obj);
+    // index == size appends; index > size is out of bounds.
+    void InsertElementAt(CObject* obj, unsigned long index);
+    // Deletes the element at `index` and stores `obj` there.
+    void SetElementAt(CObject* obj, unsigned long index);
+
+    // Deletes the first element that Equals(obj); nothing when there is none.
+    void RemoveElement(CObject const* obj);
+    void RemoveElementAt(unsigned long index);
+    void RemoveAllElements();
+
+    // As the Remove forms, but the element goes back to the caller: the detached
+    // element is returned (null from DetachElement when none matched).
+    CObject* DetachElement(CObject const* obj);
+    CObject* DetachElementAt(unsigned long index);
+    void DetachAllElements();
+
+    // Grows (never shrinks) to the capacity rule for `n` slots.
+    void EnsureCapacity(unsigned long n);
+    // Exactly size slots; an empty vector releases its buffer.
+    void TrimToSize();
+
+    // Sorts the slots with the C runtime's qsort; `compare` receives pointers to
+    // two slots (CObject* const*).
+    void Sort(int (*compare)(void const*, void const*));
+
+private:
+    detail::ArrayStore<CObject*> m_store;
+};
+
+} // namespace util
+} // namespace lumo
+
+#endif

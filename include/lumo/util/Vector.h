@@ -1,0 +1,183 @@
+#ifndef LUMO_UTIL_VECTOR_H
+#define LUMO_UTIL_VECTOR_H
+
+#include <lumo/base/Exception.h>
+#include <lumo/util/ArrayStore.h>
+#include <lumo/util/Enumeration.h>
+#include <lumo/util/NoSuchElementException.h>
+
+namespace lumo {
+namespace util {
+
+template <class T> class VectorEnumeration;
+
+// A growable array of values of T, copied in and handed out by reference. The
+// capacity is a multiple of the increment (until TrimToSize), grows on demand
+// and shrinks in whole increments after removals, never below one increment.
+// A failed allocation throws CMemoryException and leaves the vector unchanged.
+// Searches need T's operator==.
+template <class T> class Vector {
+public:
+    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    explicit Vector(unsigned long initialCapacity = 10, unsigned long increment = 10)
+        : m_store(CheckedIncrement(increment)) {
+        if (initialCapacity != 0 && !m_store.Reserve(initialCapacity))
+            ThrowMemory(__LINE__);
+    }
+
+    Vector(Vector const& other) : m_store(other.m_store.Increment()) { CopyFrom(other); }
+
+    Vector& operator=(Vector const& other) {
+        if (this != &other)
+            CopyFrom(other);
+        return *this;
+    }
+
+    unsigned long GetSize() const { return m_store.Size(); }
+    bool IsEmpty() const { return m_store.Size() == 0; }
+    unsigned long GetCapacity() const { return m_store.Capacity(); }
+    unsigned long GetIncrement() const { return m_store.Increment(); }
+
+    bool operator==(Vector const& other) const {
+        if (this == &other)
+            return true;
+        if (m_store.Size() != other.m_store.Size())
+            return false;
+        for (std::uint32_t i = 0; i < m_store.Size(); ++i)
+            if (!(m_store.Data()[i] == other.m_store.Data()[i]))
+                return false;
+        return true;
+    }
+    bool operator!=(Vector const& other) const { return !(*this == other); }
+
+    // CArrayIndexOutOfBoundsException for an index >= size.
+    T& GetElementAt(unsigned long index) { return m_store.Data()[CheckIndex(index, __LINE__)]; }
+    T const& GetElementAt(unsigned long index) const {
+        return m_store.Data()[CheckIndex(index, __LINE__)];
+    }
+    T& operator[](unsigned long index) { return GetElementAt(index); }
+    T const& operator[](unsigned long index) const { return GetElementAt(index); }
+
+    // CNoSuchElementException when empty.
+    T& GetFirstElement() { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
+    T const& GetFirstElement() const { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
+    T& GetLastElement() { return m_store.Data()[CheckNotEmpty(__LINE__) + m_store.Size() - 1]; }
+    T const& GetLastElement() const {
+        return m_store.Data()[CheckNotEmpty(__LINE__) + m_store.Size() - 1];
+    }
+
+    bool Contains(T const& value) const { return GetIndexOf(value) >= 0; }
+    long GetIndexOf(T const& value) const {
+        for (std::uint32_t i = 0; i < m_store.Size(); ++i)
+            if (m_store.Data()[i] == value)
+                return static_cast<long>(i);
+        return -1;
+    }
+    long GetLastIndexOf(T const& value) const {
+        for (std::uint32_t i = m_store.Size(); i > 0; --i)
+            if (m_store.Data()[i - 1] == value)
+                return static_cast<long>(i - 1);
+        return -1;
+    }
+
+    void AddElement(T const& value) {
+        if (!m_store.Append(value))
+            ThrowMemory(__LINE__);
+    }
+    // index == size appends; index > size is out of bounds.
+    void InsertElementAt(T const& value, unsigned long index) {
+        if (index > m_store.Size())
+            throw base::CArrayIndexOutOfBoundsException(kUnit, __LINE__);
+        if (!m_store.Insert(static_cast<std::uint32_t>(index), value))
+            ThrowMemory(__LINE__);
+    }
+    void SetElementAt(T const& value, unsigned long index) {
+        m_store.Data()[CheckIndex(index, __LINE__)] = value;
+    }
+
+    // Removes the first element equal to `value`; nothing when there is none.
+    void RemoveElement(T const& value) {
+        long const index = GetIndexOf(value);
+        if (index >= 0)
+            RemoveElementAt(static_cast<unsigned long>(index));
+    }
+    void RemoveElementAt(unsigned long index) {
+        if (!m_store.RemoveAt(CheckIndex(index, __LINE__)))
+            ThrowMemory(__LINE__);
+    }
+    void RemoveAllElements() {
+        if (!m_store.Clear())
+            ThrowMemory(__LINE__);
+    }
+
+    // Grows (never shrinks) to the capacity rule for `n` slots.
+    void EnsureCapacity(unsigned long n) {
+        if (!m_store.Reserve(n))
+            ThrowMemory(__LINE__);
+    }
+    // Exactly size slots; an empty vector releases its buffer.
+    void TrimToSize() {
+        if (!m_store.TrimToSize())
+            ThrowMemory(__LINE__);
+    }
+
+    // The elements by index, read from the live vector.
+    CEnumeration<T> GetElements() const { return new (kUnit, __LINE__) VectorEnumeration<T>(this); }
+
+private:
+    static constexpr char const* kUnit = "lumo/util/Vector";
+
+    static std::uint32_t CheckedIncrement(unsigned long increment) {
+        if (increment == 0 || increment > 0xFFFFFFFFul)
+            throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid increment.");
+        return static_cast<std::uint32_t>(increment);
+    }
+
+    [[noreturn]] static void ThrowMemory(int line) {
+        throw base::CMemoryException(kUnit, static_cast<unsigned long>(line));
+    }
+
+    std::uint32_t CheckIndex(unsigned long index, int line) const {
+        if (index >= m_store.Size())
+            throw base::CArrayIndexOutOfBoundsException(kUnit, static_cast<unsigned long>(line));
+        return static_cast<std::uint32_t>(index);
+    }
+
+    std::uint32_t CheckNotEmpty(int line) const {
+        if (m_store.Size() == 0)
+            throw CNoSuchElementException(kUnit, static_cast<unsigned long>(line));
+        return 0;
+    }
+
+    void CopyFrom(Vector const& other) {
+        T const* source = other.m_store.Data();
+        if (!m_store.Assign(
+                other.m_store.Size(), [source](std::uint32_t i) -> T const& { return source[i]; },
+                [](T&) {}))
+            ThrowMemory(__LINE__);
+    }
+
+    detail::ArrayStore<T> m_store;
+};
+
+// Walks a vector by index.
+template <class T> class VectorEnumeration : public IEnumeration<T> {
+public:
+    explicit VectorEnumeration(Vector<T> const* vector) : m_vector(vector), m_index(0) {}
+    bool HasMoreElements() const override { return m_index < m_vector->GetSize(); }
+    T* NextElement() override {
+        if (m_index >= m_vector->GetSize())
+            throw CNoSuchElementException("lumo/util/Vector", __LINE__);
+        return const_cast<T*>(&m_vector->GetElementAt(m_index++));
+    }
+    void Reset() override { m_index = 0; }
+
+private:
+    Vector<T> const* m_vector;
+    unsigned long m_index;
+};
+
+} // namespace util
+} // namespace lumo
+
+#endif

@@ -1,0 +1,116 @@
+#include <lumo/util/Comparator.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <vector>
+
+using lumo::util::IComparator;
+
+namespace {
+
+// A record sorted by key, carrying a tag that shows where equal keys went.
+struct Record {
+    int key;
+    int tag;
+};
+
+class CByKey : public IComparator {
+public:
+    int Compare(void const* a, void const* b) const override {
+        ++calls;
+        int const x = static_cast<Record const*>(a)->key;
+        int const y = static_cast<Record const*>(b)->key;
+        return x < y ? -1 : (x > y ? 1 : 0);
+    }
+    mutable int calls = 0;
+};
+
+// Compares elements of any width by their first byte.
+class CFirstByte : public IComparator {
+public:
+    int Compare(void const* a, void const* b) const override {
+        return *static_cast<unsigned char const*>(a) - *static_cast<unsigned char const*>(b);
+    }
+};
+
+std::vector<int> Tags(std::vector<Record> const& records) {
+    std::vector<int> tags;
+    for (Record const& r : records)
+        tags.push_back(r.tag);
+    return tags;
+}
+
+} // namespace
+
+TEST(Comparator, QsortPlacesEqualElementsAsTheAlgorithmDefines) {
+    CByKey byKey;
+    // Selection of the maximum: the first of equal maxima goes to the end.
+    std::vector<Record> three = {{1, 0}, {1, 1}, {1, 2}};
+    lumo::util::qsort(three.data(), 3, sizeof(Record), byKey);
+    EXPECT_EQ(Tags(three), (std::vector<int>{1, 2, 0}));
+
+    // Nine equal keys: the middle element is swapped to the front as pivot and
+    // both cursors run through, so nothing else moves.
+    std::vector<Record> nine;
+    for (int i = 0; i < 9; ++i)
+        nine.push_back({7, i});
+    lumo::util::qsort(nine.data(), 9, sizeof(Record), byKey);
+    EXPECT_EQ(Tags(nine), (std::vector<int>{4, 1, 2, 3, 0, 5, 6, 7, 8}));
+
+    byKey.calls = 0;
+    lumo::util::qsort(nine.data(), 1, sizeof(Record), byKey);
+    lumo::util::qsort(nine.data(), 9, 0, byKey);
+    lumo::util::qsort(nullptr, 0, sizeof(Record), byKey);
+    EXPECT_EQ(byKey.calls, 0);
+}
+
+TEST(Comparator, QsortSortsAnyWidthAndShape) {
+    CByKey byKey;
+    std::mt19937 random(42);
+    for (unsigned count : {2u, 8u, 9u, 10u, 100u, 5000u}) {
+        std::vector<Record> records(count);
+        for (unsigned i = 0; i < count; ++i)
+            records[i] = {static_cast<int>(random() % (count / 2 + 1)), static_cast<int>(i)};
+        std::vector<Record> sorted = records;
+        lumo::util::qsort(sorted.data(), count, sizeof(Record), byKey);
+        ASSERT_TRUE(std::is_sorted(sorted.begin(), sorted.end(),
+                                   [](Record const& a, Record const& b) { return a.key < b.key; }))
+            << count;
+        // Same elements, just reordered.
+        std::vector<int> before = Tags(records), after = Tags(sorted);
+        std::sort(after.begin(), after.end());
+        EXPECT_EQ(before, after);
+    }
+    // Presorted, reversed and constant inputs of many elements.
+    std::vector<Record> up(100000), down(100000), flat(100000);
+    for (int i = 0; i < 100000; ++i) {
+        up[i] = {i, i};
+        down[i] = {100000 - i, i};
+        flat[i] = {3, i};
+    }
+    for (auto* v : {&up, &down, &flat}) {
+        lumo::util::qsort(v->data(), static_cast<unsigned>(v->size()), sizeof(Record), byKey);
+        EXPECT_TRUE(std::is_sorted(v->begin(), v->end(),
+                                   [](Record const& a, Record const& b) { return a.key < b.key; }));
+    }
+
+    // Odd widths: 1 byte, 3 bytes, and 100 bytes (beyond any single-step swap).
+    CFirstByte firstByte;
+    for (unsigned width : {1u, 3u, 100u}) {
+        unsigned const count = 50;
+        std::vector<unsigned char> data(width * count);
+        for (unsigned i = 0; i < count; ++i)
+            std::memset(&data[i * width], static_cast<int>((i * 37) % 251), width);
+        lumo::util::qsort(data.data(), count, width, firstByte);
+        for (unsigned i = 0; i < count; ++i) {
+            if (i > 0) {
+                EXPECT_LE(data[(i - 1) * width], data[i * width]);
+            }
+            for (unsigned j = 1; j < width; ++j) // elements moved whole
+                ASSERT_EQ(data[i * width + j], data[i * width]);
+        }
+    }
+}

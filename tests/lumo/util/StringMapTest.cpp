@@ -1,0 +1,135 @@
+#include <lumo/util/StringMap.h>
+
+#include <lumo/base/Exception.h>
+#include <lumo/util/NoSuchElementException.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using lumo::base::CArrayIndexOutOfBoundsException;
+using lumo::base::CIllegalArgumentException;
+using lumo::util::CNoSuchElementException;
+using lumo::util::CStringMap;
+
+namespace {
+
+std::vector<std::string> KeysOf(CStringMap const& map) {
+    std::vector<std::string> keys;
+    CStringMap::CKeyIterator it = map.GetKeyIterator();
+    while (it.HasMoreElements())
+        keys.push_back(static_cast<char const*>(it.NextElement()));
+    return keys;
+}
+
+template <class F> void ExpectInvalidKey(F f) {
+    try {
+        f();
+        ADD_FAILURE() << "no exception";
+    } catch (CIllegalArgumentException const& e) {
+        EXPECT_STREQ(e.GetErrorDescription(), "Invalid key.");
+        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringMap");
+    }
+}
+
+} // namespace
+
+TEST(StringMap, KeysInInsertionOrderWithOrWithoutCase) {
+    CStringMap map(false, 0, 0); // increment 0 means steps of 5
+    EXPECT_FALSE(map.IsKeyCaseSensitive());
+    map.Put("Key", "one");
+    EXPECT_EQ(map.GetCapacity(), 5u);
+    map.Put("KEY", "two"); // the same key: value replaced, first spelling kept
+    map.Put("beta", nullptr);
+    map.Put("alpha", "three");
+    EXPECT_EQ(map.GetSize(), 3u);
+    EXPECT_EQ(KeysOf(map), (std::vector<std::string>{"Key", "beta", "alpha"}));
+    EXPECT_STREQ(map.Get("key"), "two");
+    EXPECT_TRUE(map.Get("BETA").IsEmpty());
+    map.Put("beta", "x");
+    map.Put("beta", nullptr); // a null value empties the stored one
+    EXPECT_TRUE(map.GetAt(1).IsEmpty());
+    EXPECT_STREQ(map.GetKeyAt(2), "alpha");
+    EXPECT_EQ(map.GetIndexOfKey("ALPHA"), 2);
+    EXPECT_EQ(map.GetIndexOfKey("gamma"), -1);
+    EXPECT_TRUE(map.ContainsKey("kEY"));
+    EXPECT_EQ(map.GetIndexOf("three"), 2);
+    EXPECT_EQ(map.GetIndexOf("THREE"), -1); // values compare exactly
+    EXPECT_TRUE(map.Contains(""));
+    EXPECT_TRUE(map.Contains(nullptr));
+    EXPECT_THROW(map.GetKeyAt(3), CArrayIndexOutOfBoundsException);
+    EXPECT_THROW(map.GetAt(3), CArrayIndexOutOfBoundsException);
+    try {
+        map.Get("gamma");
+        ADD_FAILURE();
+    } catch (CNoSuchElementException const& e) {
+        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringMap");
+    }
+    for (int i = 0; i < 3; ++i)
+        map.Put(std::to_string(i).c_str(), "n");
+    EXPECT_EQ(map.GetCapacity(), 10u);
+
+    CStringMap exact;
+    exact.Put("Key", "1");
+    exact.Put("KEY", "2");
+    EXPECT_EQ(exact.GetSize(), 2u);
+    EXPECT_THROW(exact.Get("key"), CNoSuchElementException);
+
+    ExpectInvalidKey([&] { exact.Put("", "v"); });
+    ExpectInvalidKey([&] { exact.Put(nullptr, "v"); });
+    ExpectInvalidKey([&] { exact.Get(""); });
+    ExpectInvalidKey([&] { exact.ContainsKey(nullptr); });
+    ExpectInvalidKey([&] { exact.GetIndexOfKey(""); });
+    ExpectInvalidKey([&] { exact.Remove(nullptr); });
+    EXPECT_EQ(exact.GetSize(), 2u);
+}
+
+TEST(StringMap, RemovalCapacityCopiesAndIterators) {
+    CStringMap map(true, 7, 3);
+    EXPECT_EQ(map.GetCapacity(), 9u);
+    for (int i = 0; i < 8; ++i)
+        map.Put(("k" + std::to_string(i)).c_str(), std::to_string(i * i).c_str());
+    map.Remove("k2");
+    map.Remove("absent"); // nothing
+    EXPECT_EQ(map.GetSize(), 7u);
+    EXPECT_STREQ(map.GetKeyAt(2), "k3");
+    EXPECT_STREQ(map.GetAt(2), "9"); // the values moved with their keys
+    map.Remove("k0");
+    map.Remove("k1");
+    EXPECT_EQ(map.GetCapacity(), 6u);
+
+    CStringMap copy(map);
+    EXPECT_TRUE(copy == map);
+    copy.Get("k7") = "changed";
+    EXPECT_TRUE(copy != map);
+    EXPECT_STREQ(map.Get("k7"), "49");
+    CStringMap folded(false);
+    folded.Put("A", "1");
+    folded = map;
+    EXPECT_TRUE(folded.IsKeyCaseSensitive());
+    EXPECT_TRUE(folded == map);
+
+    CStringMap::CConstValueIterator values = map.GetValueIterator();
+    std::vector<std::string> seen;
+    while (values.HasMoreElements())
+        seen.push_back(static_cast<char const*>(values.NextElement()));
+    EXPECT_EQ(seen, (std::vector<std::string>{"9", "16", "25", "36", "49"}));
+    EXPECT_THROW(values.NextElement(), CNoSuchElementException);
+    values.Reset();
+    EXPECT_STREQ(values.NextElement(), "9");
+
+    map.TrimToSize();
+    EXPECT_EQ(map.GetCapacity(), 5u);
+    map.EnsureCapacity(7);
+    EXPECT_EQ(map.GetCapacity(), 9u);
+    map.RemoveAll();
+    EXPECT_TRUE(map.IsEmpty());
+    EXPECT_EQ(map.GetCapacity(), 3u);
+    map.TrimToSize();
+    EXPECT_EQ(map.GetCapacity(), 0u);
+    map.Put("again", "1");
+    EXPECT_STREQ(map.Get("again"), "1");
+    EXPECT_THROW(map.EnsureCapacity(0xFFFFFFFFul), lumo::base::CMemoryException);
+    EXPECT_EQ(map.GetSize(), 1u);
+}
