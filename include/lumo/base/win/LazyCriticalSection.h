@@ -1,0 +1,44 @@
+#ifndef LUMO_BASE_WIN_LAZYCRITICALSECTION_H
+#define LUMO_BASE_WIN_LAZYCRITICALSECTION_H
+
+#include <lumo/base/SpinLock.h>
+#include <lumo/base/win/SyncObject.h>
+
+namespace lumo {
+namespace base {
+namespace detail {
+struct CCriticalSection;
+}
+namespace win {
+
+// A critical section meant to be made on first use, guarded by a spin lock.
+//
+// Defined behaviour, kept from the original library (as for CLazyLock): the creation
+// step tests the stored pointer the wrong way round and makes a critical section
+// only when one already exists, so none is ever made. Acquire therefore throws
+// CSynchronizationException "Failed to enter critical section."; TryAcquire, which
+// in the original faults on the missing section, throws the same exception here;
+// Release does nothing.
+class LUMO_API CLazyCriticalSection : public CSyncObject {
+    LUMO_DECLARE_CLASS(CLazyCriticalSection);
+
+    CLazyCriticalSection();
+    ~CLazyCriticalSection() override;
+
+    bool IsTimeoutSupported() const override;
+    void Acquire() override;
+    bool TryAcquire(unsigned long timeout) override;
+    void Release() override;
+
+private:
+    void Create();
+
+    CSpinLock m_guard;
+    detail::CCriticalSection* m_section;
+};
+
+} // namespace win
+} // namespace base
+} // namespace lumo
+
+#endif

@@ -1,0 +1,33 @@
+#include <lumo/base/ThreadLocal.h>
+
+#include <lumo/base/win/WinThreadLocalImpl.h>
+
+namespace lumo {
+namespace base {
+
+CThreadLocalImpl::~CThreadLocalImpl() {}
+
+CThreadLocal::CThreadLocal()
+    : m_impl(new ("lumo/base/ThreadLocal", __LINE__) win::CWinThreadLocalImpl) {
+    try {
+        m_impl->Allocate();
+    } catch (...) {
+        delete m_impl;
+        throw;
+    }
+}
+
+CThreadLocal::~CThreadLocal() {
+    delete m_impl;
+}
+
+void* CThreadLocal::Get() const {
+    return m_impl->GetValue();
+}
+
+void CThreadLocal::Set(void* value) {
+    m_impl->SetValue(value);
+}
+
+} // namespace base
+} // namespace lumo

@@ -1,0 +1,40 @@
+// Helpers shared by the concurrency tests.
+#ifndef LUMO_TESTS_BASE_CONCURRENCYTESTSUPPORT_H
+#define LUMO_TESTS_BASE_CONCURRENCYTESTSUPPORT_H
+
+#include <lumo/base/Exception.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+namespace lumo_test {
+
+// The description of the exception of type E that f throws, "<none>" when it throws
+// nothing; any other exception fails the test by escaping.
+template <class E, class F> std::string Thrown(F&& f) {
+    try {
+        f();
+    } catch (E const& e) {
+        char const* d = e.GetErrorDescription();
+        return d != nullptr ? d : "<no description>";
+    }
+    return "<none>";
+}
+
+// Polls until pred holds; false when it still does not after `limit` (a hang guard,
+// not a timing assertion).
+template <class P>
+bool WaitUntil(P&& pred, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+    auto const end = std::chrono::steady_clock::now() + limit;
+    while (!pred()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    return true;
+}
+
+} // namespace lumo_test
+
+#endif
