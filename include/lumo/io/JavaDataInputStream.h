@@ -1,0 +1,24 @@
+#ifndef LUMO_IO_JAVADATAINPUTSTREAM_H
+#define LUMO_IO_JAVADATAINPUTSTREAM_H
+
+#include <lumo/io/DataInputStream.h>
+
+namespace lumo {
+namespace io {
+
+// A data input stream whose strings carry a 16-bit big-endian byte count, as Java's
+// DataOutputStream.writeUTF writes them.
+class LUMO_API CJavaDataInputStream : public CDataInputStream {
+    LUMO_DECLARE_CLASS(CJavaDataInputStream);
+
+    explicit CJavaDataInputStream(CInputStream* in);
+    explicit CJavaDataInputStream(base::CRef<CInputStream> const& in);
+    ~CJavaDataInputStream() override;
+
+    base::CUnicodeString ReadString() override;
+};
+
+} // namespace io
+} // namespace lumo
+
+#endif

@@ -1,0 +1,29 @@
+#ifndef LUMO_IO_OUTPUTSTREAM_H
+#define LUMO_IO_OUTPUTSTREAM_H
+
+#include <lumo/base/Object.h>
+
+namespace lumo {
+namespace io {
+
+// Abstract sink of bytes. The block writes default to one Write(char) per byte and
+// ignore a null buffer.
+class LUMO_API COutputStream : public base::CObject {
+    LUMO_DECLARE_CLASS(COutputStream);
+
+    ~COutputStream() override;
+
+    virtual void Write(char const* buf, unsigned long off, unsigned long len);
+    virtual void Write(char const* buf, unsigned long len);
+    virtual void Write(char c) = 0;
+    virtual void Flush() = 0;
+    virtual void Close() = 0;
+
+protected:
+    COutputStream() {}
+};
+
+} // namespace io
+} // namespace lumo
+
+#endif

@@ -1,0 +1,29 @@
+#ifndef LUMO_IO_SERIALIZABLE_H
+#define LUMO_IO_SERIALIZABLE_H
+
+#include <lumo/Config.h>
+
+namespace lumo {
+namespace io {
+
+class CDataInputStream;
+class CDataOutputStream;
+
+// An object that writes itself to a data stream and reads itself back. Nothing is
+// added around what Serialize writes.
+class LUMO_API ISerializable {
+public:
+    virtual ~ISerializable();
+    virtual void Deserialize(CDataInputStream& in) = 0;
+    virtual void Serialize(CDataOutputStream& out) const = 0;
+
+protected:
+    ISerializable() {}
+    ISerializable(ISerializable const&) {}
+    ISerializable& operator=(ISerializable const&) { return *this; }
+};
+
+} // namespace io
+} // namespace lumo
+
+#endif

@@ -1,0 +1,368 @@
+#include <lumo/base/BinaryData.h>
+
+#include <lumo/base/Exception.h>
+#include <vela/Memory.h>
+
+#include "BinaryDataCodec.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace lumo {
+namespace base {
+
+namespace {
+
+char const kUnit[] = "lumo/base/BinaryData";
+
+// Texts are 32-bit sized: anything longer cannot be represented.
+constexpr std::size_t kMaxText = 0xFFFFFFFEu;
+
+void CheckEncoderInput(char const* data, unsigned long length, unsigned long line) {
+    if (data == nullptr || !Vela::bnManager::IsReadable(data, length))
+        throw CIllegalArgumentException(kUnit, line, "Illegal data pointer.");
+}
+
+template <class String, class Unit>
+void EncodeBase64(char const* data, unsigned long length, String& out) {
+    CheckEncoderInput(data, length, 907);
+    if (length == 0) {
+        out.Empty();
+        return;
+    }
+    std::size_t const n = codec::Base64Length(length);
+    if (n > kMaxText)
+        throw CMemoryException(kUnit, __LINE__);
+    Unit* text = out.GetBuffer(n);
+    codec::EncodeBase64(reinterpret_cast<unsigned char const*>(data), length, text);
+    out.SetLength(n);
+}
+
+template <class String, class Unit>
+void EncodeBinHex(char const* data, unsigned long length, String& out) {
+    CheckEncoderInput(data, length, 985);
+    if (length == 0) {
+        out.Empty();
+        return;
+    }
+    if (length > kMaxText / 2)
+        throw CMemoryException(kUnit, __LINE__);
+    std::size_t const n = std::size_t(length) * 2;
+    Unit* text = out.GetBuffer(n);
+    codec::EncodeBinHex(reinterpret_cast<unsigned char const*>(data), length, text);
+    out.SetLength(n);
+}
+
+[[noreturn]] void ThrowBadBase64Char(unsigned long line, void* block) {
+    std::free(block);
+    throw CNumberFormatException(kUnit, line, "Invalid base 64 char found.", nullptr);
+}
+
+template <class Unit>
+void DecodeBase64(Unit const* text, std::size_t textLength, char*& data, unsigned long& length) {
+    data = nullptr;
+    length = 0;
+    if (textLength % 4 != 0)
+        throw CNumberFormatException(kUnit, 672, "Invalid base64 encoded binary data.", nullptr);
+    if (textLength == 0)
+        return;
+    auto* out = static_cast<unsigned char*>(std::malloc(textLength / 4 * 3));
+    if (out == nullptr)
+        throw CMemoryException(kUnit, 679);
+    std::size_t n = 0;
+    std::size_t i = 0;
+    // Fast path over whole groups of the alphabet. Every group but the last may
+    // store a fourth, scratch byte that the next group overwrites.
+    for (; i + 4 < textLength; i += 4) {
+        std::uint32_t const v0 = codec::Base64Value(text[i]);
+        std::uint32_t const v1 = codec::Base64Value(text[i + 1]);
+        std::uint32_t const v2 = codec::Base64Value(text[i + 2]);
+        std::uint32_t const v3 = codec::Base64Value(text[i + 3]);
+        if (((v0 | v1 | v2 | v3) & codec::kInvalid) != 0)
+            break;
+        codec::StoreGroup(out + n, (v0 << 18) | (v1 << 12) | (v2 << 6) | v3);
+        n += 3;
+    }
+    for (; i < textLength; i += 4) {
+        std::uint32_t const v0 = codec::Base64Value(text[i]);
+        std::uint32_t const v1 = codec::Base64Value(text[i + 1]);
+        std::uint32_t const v2 = codec::Base64Value(text[i + 2]);
+        std::uint32_t const v3 = codec::Base64Value(text[i + 3]);
+        if (((v0 | v1 | v2 | v3) & codec::kInvalid) == 0) {
+            std::uint32_t const v = (v0 << 18) | (v1 << 12) | (v2 << 6) | v3;
+            out[n] = static_cast<unsigned char>(v >> 16);
+            out[n + 1] = static_cast<unsigned char>(v >> 8);
+            out[n + 2] = static_cast<unsigned char>(v);
+            n += 3;
+            continue;
+        }
+        // Padding may end any group, not only the last one.
+        if (text[i + 3] == Unit('=') && text[i + 2] == Unit('=')) {
+            if ((v0 | v1) & codec::kInvalid)
+                ThrowBadBase64Char(172, out);
+            out[n++] = static_cast<unsigned char>((v0 << 2) | ((v1 >> 4) & 3));
+        } else if (text[i + 3] == Unit('=')) {
+            if ((v0 | v1 | v2) & codec::kInvalid)
+                ThrowBadBase64Char(185, out);
+            out[n++] = static_cast<unsigned char>((v0 << 2) | ((v1 >> 4) & 3));
+            out[n++] = static_cast<unsigned char>((v1 << 4) | ((v2 >> 2) & 15));
+        } else {
+            ThrowBadBase64Char(202, out);
+        }
+    }
+    data = reinterpret_cast<char*>(out);
+    length = static_cast<unsigned long>(n);
+}
+
+template <class Unit>
+void DecodeBinHex(Unit const* text, std::size_t textLength, char*& data, unsigned long& length,
+                  unsigned long digitLine) {
+    data = nullptr;
+    length = 0;
+    if (textLength % 2 != 0)
+        throw CNumberFormatException(kUnit, 318, "Invalid binhex encoded binary data.", nullptr);
+    std::size_t const n = textLength / 2;
+    if (n == 0)
+        return;
+    auto* out = static_cast<unsigned char*>(std::malloc(n));
+    if (out == nullptr)
+        throw CMemoryException(kUnit, 325);
+    for (std::size_t i = 0; i < n; ++i) {
+        int const hi = codec::BinHexDigit(text[2 * i]);
+        int const lo = codec::BinHexDigit(text[2 * i + 1]);
+        if (hi < 0 || lo < 0) {
+            std::free(out);
+            throw CNumberFormatException(kUnit, digitLine, "Invalid binhex digit.", nullptr);
+        }
+        out[i] = static_cast<unsigned char>((hi << 4) | lo);
+    }
+    data = reinterpret_cast<char*>(out);
+    length = static_cast<unsigned long>(n);
+}
+
+std::size_t UnitLength(unsigned short const* text) {
+    std::size_t n = 0;
+    while (text[n] != 0)
+        ++n;
+    return n;
+}
+
+char* CopyBlock(char const* data, unsigned long length) {
+    if (length == 0)
+        return nullptr;
+    if (data == nullptr)
+        throw CIllegalArgumentException(kUnit, __LINE__, "Illegal data pointer.");
+    char* block = static_cast<char*>(std::malloc(length));
+    if (block == nullptr)
+        throw CMemoryException(kUnit, 405);
+    std::memcpy(block, data, length);
+    return block;
+}
+
+} // namespace
+
+CBinaryData::CBinaryData(unsigned long length) : m_data(nullptr), m_length(0) {
+    if (length == 0)
+        return;
+    m_data = static_cast<char*>(std::calloc(length, 1));
+    if (m_data == nullptr)
+        throw CMemoryException(kUnit, 405);
+    m_length = length;
+}
+
+CBinaryData::CBinaryData(char const* data, unsigned long length)
+    : m_data(CopyBlock(data, length)), m_length(length) {}
+
+CBinaryData::CBinaryData(CBinaryData const& other)
+    : m_data(CopyBlock(other.m_data, other.m_length)), m_length(other.m_length) {}
+
+CBinaryData& CBinaryData::operator=(CBinaryData const& other) {
+    if (this != &other)
+        Replace(CopyBlock(other.m_data, other.m_length), other.m_length);
+    return *this;
+}
+
+CBinaryData::~CBinaryData() {
+    std::free(m_data);
+}
+
+void CBinaryData::Replace(char* data, unsigned long length) noexcept {
+    std::free(m_data);
+    m_data = data;
+    m_length = data == nullptr ? 0 : length;
+}
+
+void CBinaryData::Truncate(unsigned long newLength) {
+    if (newLength > m_length)
+        throw CIllegalArgumentException(kUnit, 547, "Invalid new data length.");
+    if (newLength == 0)
+        Replace(nullptr, 0);
+    else
+        m_length = newLength;
+}
+
+int CBinaryData::Compare(CBinaryData const& other) const {
+    if (m_length != other.m_length)
+        return m_length < other.m_length ? -1 : 1;
+    if (m_length == 0)
+        return 0;
+    int const c = std::memcmp(m_data, other.m_data, m_length);
+    return c < 0 ? -1 : (c > 0 ? 1 : 0);
+}
+
+CString CBinaryData::ToBinHexString() const {
+    CString out;
+    ToBinHexString(out);
+    return out;
+}
+
+CUnicodeString CBinaryData::ToBinHexUnicodeString() const {
+    CUnicodeString out;
+    ToBinHexUnicodeString(out);
+    return out;
+}
+
+void CBinaryData::ToBinHexString(CString& out) const {
+    if (m_length == 0)
+        out.Empty();
+    else
+        ToBinHexString(m_data, m_length, out);
+}
+
+void CBinaryData::ToBinHexUnicodeString(CUnicodeString& out) const {
+    if (m_length == 0)
+        out.Empty();
+    else
+        ToBinHexUnicodeString(m_data, m_length, out);
+}
+
+void CBinaryData::FromBinHexString(char const* text) {
+    if (text == nullptr || *text == '\0')
+        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+    Replace(nullptr, 0);
+    ParseBinHexString(text, m_data, m_length);
+}
+
+void CBinaryData::FromBinHexString(char const* text, unsigned long length) {
+    if (text == nullptr || length == 0)
+        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+    Replace(nullptr, 0);
+    ParseBinHexString(text, length, m_data, m_length);
+}
+
+void CBinaryData::FromBinHexUnicodeString(unsigned short const* text) {
+    if (text == nullptr || *text == 0)
+        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+    Replace(nullptr, 0);
+    ParseBinHexUnicodeString(text, m_data, m_length);
+}
+
+void CBinaryData::FromBinHexUnicodeString(unsigned short const* text, unsigned long length) {
+    if (text == nullptr || length == 0)
+        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+    Replace(nullptr, 0);
+    ParseBinHexUnicodeString(text, length, m_data, m_length);
+}
+
+void CBinaryData::ToBase64String(char const* data, unsigned long length, CString& out) {
+    EncodeBase64<CString, char>(data, length, out);
+}
+
+CString CBinaryData::ToBase64String(char const* data, unsigned long length) {
+    CString out;
+    EncodeBase64<CString, char>(data, length, out);
+    return out;
+}
+
+void CBinaryData::ToBase64UnicodeString(char const* data, unsigned long length,
+                                        CUnicodeString& out) {
+    EncodeBase64<CUnicodeString, unsigned short>(data, length, out);
+}
+
+CUnicodeString CBinaryData::ToBase64UnicodeString(char const* data, unsigned long length) {
+    CUnicodeString out;
+    EncodeBase64<CUnicodeString, unsigned short>(data, length, out);
+    return out;
+}
+
+void CBinaryData::ToBinHexString(char const* data, unsigned long length, CString& out) {
+    EncodeBinHex<CString, char>(data, length, out);
+}
+
+CString CBinaryData::ToBinHexString(char const* data, unsigned long length) {
+    CString out;
+    EncodeBinHex<CString, char>(data, length, out);
+    return out;
+}
+
+void CBinaryData::ToBinHexUnicodeString(char const* data, unsigned long length,
+                                        CUnicodeString& out) {
+    EncodeBinHex<CUnicodeString, unsigned short>(data, length, out);
+}
+
+CUnicodeString CBinaryData::ToBinHexUnicodeString(char const* data, unsigned long length) {
+    CUnicodeString out;
+    EncodeBinHex<CUnicodeString, unsigned short>(data, length, out);
+    return out;
+}
+
+void CBinaryData::ParseBase64String(CString const& text, char*& data, unsigned long& length) {
+    DecodeBase64(static_cast<char const*>(text), text.GetLength(), data, length);
+}
+
+void CBinaryData::ParseBase64UnicodeString(CUnicodeString const& text, char*& data,
+                                           unsigned long length) {
+    DecodeBase64(static_cast<unsigned short const*>(text), text.GetLength(), data, length);
+}
+
+void CBinaryData::ParseBinHexString(CString const& text, char*& data, unsigned long& length) {
+    DecodeBinHex(static_cast<char const*>(text), text.GetLength(), data, length, 269);
+}
+
+void CBinaryData::ParseBinHexString(char const* text, char*& data, unsigned long& length) {
+    data = nullptr;
+    length = 0;
+    if (text == nullptr || *text == '\0')
+        throw CIllegalArgumentException(kUnit, 833, "Invalid value buffer.");
+    DecodeBinHex(text, std::strlen(text), data, length, 269);
+}
+
+void CBinaryData::ParseBinHexString(char const* text, unsigned long textLength, char*& data,
+                                    unsigned long& length) {
+    data = nullptr;
+    length = 0;
+    if (text == nullptr)
+        throw CIllegalArgumentException(kUnit, 848, "Invalid value buffer.");
+    if (textLength == 0)
+        throw CIllegalArgumentException(kUnit, 850, "Invalid value buffer length.");
+    DecodeBinHex(text, textLength, data, length, 269);
+}
+
+void CBinaryData::ParseBinHexUnicodeString(CUnicodeString const& text, char*& data,
+                                           unsigned long& length) {
+    DecodeBinHex(static_cast<unsigned short const*>(text), text.GetLength(), data, length, 285);
+}
+
+void CBinaryData::ParseBinHexUnicodeString(unsigned short const* text, char*& data,
+                                           unsigned long& length) {
+    data = nullptr;
+    length = 0;
+    if (text == nullptr || *text == 0)
+        throw CIllegalArgumentException(kUnit, 833, "Invalid value buffer.");
+    DecodeBinHex(text, UnitLength(text), data, length, 285);
+}
+
+void CBinaryData::ParseBinHexUnicodeString(unsigned short const* text, unsigned long textLength,
+                                           char*& data, unsigned long& length) {
+    data = nullptr;
+    length = 0;
+    if (text == nullptr)
+        throw CIllegalArgumentException(kUnit, 848, "Invalid value buffer.");
+    if (textLength == 0)
+        throw CIllegalArgumentException(kUnit, 850, "Invalid value buffer length.");
+    DecodeBinHex(text, textLength, data, length, 285);
+}
+
+} // namespace base
+} // namespace lumo

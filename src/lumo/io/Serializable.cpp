@@ -1,0 +1,9 @@
+#include <lumo/io/Serializable.h>
+
+namespace lumo {
+namespace io {
+
+ISerializable::~ISerializable() {}
+
+} // namespace io
+} // namespace lumo

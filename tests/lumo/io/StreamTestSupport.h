@@ -1,0 +1,114 @@
+#ifndef LUMO_TESTS_IO_STREAMTESTSUPPORT_H
+#define LUMO_TESTS_IO_STREAMTESTSUPPORT_H
+
+// Test doubles for the byte stream interfaces: an output stream that records every
+// call, and an input stream over a string that counts its calls.
+
+#include <lumo/io/IOException.h>
+#include <lumo/io/InputStream.h>
+#include <lumo/io/OutputStream.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace streamtest {
+
+// Sets *destroyed when deleted, so tests can tell who deletes a wrapped stream.
+class RecordingOutputStream : public lumo::io::COutputStream {
+public:
+    explicit RecordingOutputStream(bool* destroyed = nullptr) : m_destroyed(destroyed) {}
+    ~RecordingOutputStream() override {
+        if (m_destroyed != nullptr)
+            *m_destroyed = true;
+    }
+
+    void Write(char const* buf, unsigned long off, unsigned long len) override {
+        blockWrites.push_back(len);
+        bytes.append(buf + off, len);
+    }
+    void Write(char const* buf, unsigned long len) override { Write(buf, 0, len); }
+    void Write(char c) override {
+        ++charWrites;
+        bytes.push_back(c);
+    }
+    void Flush() override {
+        ++flushes;
+        flushedAt.push_back(bytes.size());
+    }
+    void Close() override {
+        ++closes;
+        if (throwOnClose)
+            throw lumo::io::CIOException("test", 1, "close failed", nullptr);
+    }
+
+    std::string bytes;
+    std::vector<unsigned long> blockWrites;
+    std::vector<std::size_t> flushedAt;
+    int charWrites = 0;
+    int flushes = 0;
+    int closes = 0;
+    bool throwOnClose = false;
+
+private:
+    bool* m_destroyed;
+};
+
+// Hands out `data`, at most `chunk` bytes per block read.
+class ScriptedInputStream : public lumo::io::CInputStream {
+public:
+    explicit ScriptedInputStream(std::string data, unsigned long chunk = 0xFFFFFFFF,
+                                 bool* destroyed = nullptr)
+        : m_data(std::move(data)), m_chunk(chunk), m_destroyed(destroyed) {}
+    ~ScriptedInputStream() override {
+        if (m_destroyed != nullptr)
+            *m_destroyed = true;
+    }
+
+    unsigned long GetAvailable() const override { return m_data.size() - position; }
+    long Read(char* buf, unsigned long off, unsigned long len) override {
+        ++blockReads;
+        requested.push_back(len);
+        if (position >= m_data.size())
+            return -1;
+        unsigned long n = m_data.size() - position;
+        if (n > len)
+            n = len;
+        if (n > m_chunk)
+            n = m_chunk;
+        m_data.copy(buf + off, n, position);
+        position += n;
+        return static_cast<long>(n);
+    }
+    void Reset() override {
+        ++resets;
+        position = 0;
+    }
+    void Close() override { ++closes; }
+
+    std::size_t position = 0;
+    std::vector<unsigned long> requested;
+    int blockReads = 0;
+    int resets = 0;
+    int closes = 0;
+
+private:
+    std::string m_data;
+    unsigned long m_chunk;
+    bool* m_destroyed;
+};
+
+// Runs `f` and checks that it throws an exception of type E with `description`.
+template <class E, class F> void ExpectThrowWith(F&& f, char const* description) {
+    try {
+        f();
+        ADD_FAILURE() << "expected an exception with \"" << description << "\"";
+    } catch (E const& e) {
+        EXPECT_STREQ(e.GetErrorDescription(), description);
+    }
+}
+
+} // namespace streamtest
+
+#endif
