@@ -3,6 +3,7 @@
 #include "Module.h"
 
 #include "ThreadSupport.h"
+#include "io/Encoders.h"
 
 #include <vela/Resource.h>
 
@@ -22,6 +23,7 @@ struct ModuleEntry {
             g_moduleId = Vela::RSAddModule(GetModuleHandle());
             Vela::RSSetActiveModule(previous);
             StartThreadSupport();
+            RegisterBuiltInEncoders();
         } catch (...) {
             // A module whose attach work fails must not load.
             std::fputs("lumo: module start-up failed\n", stderr);

@@ -1,0 +1,42 @@
+#ifndef LUMO_IO_FILEWRITER_H
+#define LUMO_IO_FILEWRITER_H
+
+#include <lumo/io/Writer.h>
+#include <vela/File.h>
+#include <vela/Location.h>
+
+namespace lumo {
+namespace io {
+
+// Writes UTF-16 units to a file as they are: two bytes a unit, low byte first, no
+// byte-order mark. A missing file is created, an existing one emptied first. Every
+// operation throws CIOException "Writer closed." once closed.
+class LUMO_API CFileWriter : public CWriter {
+    LUMO_DECLARE_CLASS(CFileWriter);
+
+    // An empty or illegal location throws CIOException "Illegal file location.";
+    // a refused permission "Access denied."; any other failure "Failed to open the
+    // underlying file.".
+    explicit CFileWriter(IO::Location const& location);
+    ~CFileWriter() override;
+
+    CFileWriter(CFileWriter const&) = delete;
+    CFileWriter& operator=(CFileWriter const&) = delete;
+
+    using CWriter::Write;
+    // A null block writes nothing.
+    void Write(unsigned short const* buf, unsigned long off, unsigned long len) override;
+    void Write(unsigned short c) override;
+    void Flush() override;
+    void Close() override;
+
+private:
+    void CheckOpen() const;
+
+    IO::File m_file;
+};
+
+} // namespace io
+} // namespace lumo
+
+#endif

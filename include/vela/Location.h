@@ -1,0 +1,43 @@
+#ifndef VELA_LOCATION_H
+#define VELA_LOCATION_H
+
+#include <lumo/Config.h>
+
+namespace IO {
+
+// The name of a file. The path is kept in UTF-8 whichever form it was given in;
+// text that is not well-formed (malformed UTF-8, an unpaired UTF-16 surrogate)
+// makes the location illegal rather than being silently altered.
+class LUMO_API Location {
+public:
+    // An empty location.
+    Location() noexcept;
+    // A null path gives an empty location.
+    Location(char const* utf8Path);
+    Location(unsigned short const* utf16Path);
+    Location(Location const& other);
+    Location(Location&& other) noexcept;
+    Location& operator=(Location const& other);
+    Location& operator=(Location&& other) noexcept;
+    ~Location();
+
+    bool IsEmpty() const noexcept { return m_length == 0; }
+    // Non-empty, well-formed text within the platform's limits on path and name
+    // lengths. Whether the file exists is not asked.
+    bool IsLegal() const noexcept;
+
+    // The path in UTF-8; never null (an empty text for an empty location).
+    char const* GetPath() const noexcept;
+    unsigned long GetLength() const noexcept { return m_length; }
+
+private:
+    void Assign(char const* utf8, unsigned long length, bool wellFormed);
+
+    char* m_path;
+    unsigned long m_length;
+    bool m_wellFormed;
+};
+
+} // namespace IO
+
+#endif

@@ -1,0 +1,140 @@
+#include <lumo/io/BufferedWriter.h>
+
+#include <lumo/base/Exception.h>
+#include <lumo/io/IOException.h>
+#include <vela/Memory.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace lumo {
+namespace io {
+
+namespace {
+char const kUnit[] = "lumo/io/BufferedWriter";
+} // namespace
+
+LUMO_DEFINE_CLASS(CBufferedWriter, "lumo::io::CBufferedWriter", "lumo::io::CWriter");
+
+CBufferedWriter::CBufferedWriter(CWriter* writer, unsigned long size)
+    : m_writer(writer), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    Init(size);
+}
+
+CBufferedWriter::CBufferedWriter(base::CRef<CWriter> const& writer, unsigned long size)
+    : m_writer(writer.Get()), m_writerRef(writer), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    Init(size);
+}
+
+void CBufferedWriter::Init(unsigned long size) {
+    if (m_writer == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid writer.");
+    if (size == 0)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid buffer size.");
+    if (size > 0x7FFFFFFFul / sizeof(unsigned short))
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = static_cast<unsigned short*>(std::malloc(size * sizeof(unsigned short)));
+    if (m_buffer == nullptr)
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_capacity = size;
+}
+
+CBufferedWriter::~CBufferedWriter() {
+    std::free(m_buffer);
+}
+
+void CBufferedWriter::CheckOpen() const {
+    if (m_writer == nullptr)
+        throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
+}
+
+void CBufferedWriter::FlushBuffer() {
+    CheckOpen();
+    if (m_count == 0)
+        return;
+    // Cleared only after the write succeeded: a failed write keeps the units.
+    m_writer->Write(m_buffer, 0, m_count);
+    m_count = 0;
+}
+
+void CBufferedWriter::InternalWrite(unsigned short const* buf, unsigned long off,
+                                    unsigned long len) {
+    CheckOpen();
+    if (len >= m_capacity) {
+        FlushBuffer();
+        m_writer->Write(buf, off, len);
+        return;
+    }
+    while (len > 0) {
+        unsigned long piece = m_capacity - m_count;
+        if (piece > len)
+            piece = len;
+        std::memcpy(m_buffer + m_count, buf + off, piece * sizeof(unsigned short));
+        m_count += piece;
+        off += piece;
+        len -= piece;
+        if (m_count >= m_capacity)
+            FlushBuffer();
+    }
+}
+
+void CBufferedWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {
+    CheckOpen();
+    if (buf == nullptr || !Vela::bnManager::IsReadable(buf + off, len * sizeof(unsigned short)))
+        return;
+    InternalWrite(buf, off, len);
+}
+
+void CBufferedWriter::Write(unsigned short const* buf, unsigned long len) {
+    Write(buf, 0, len);
+}
+
+void CBufferedWriter::Write(unsigned short const* text) {
+    CheckOpen();
+    CWriter::Write(text);
+}
+
+void CBufferedWriter::Write(base::CUnicodeString const& s, unsigned long off, unsigned long len) {
+    CheckOpen();
+    CWriter::Write(s, off, len);
+}
+
+void CBufferedWriter::Write(base::CUnicodeString const& s) {
+    CheckOpen();
+    CWriter::Write(s);
+}
+
+void CBufferedWriter::Write(unsigned short c) {
+    CheckOpen();
+    if (m_count >= m_capacity)
+        FlushBuffer();
+    m_buffer[m_count++] = c;
+}
+
+void CBufferedWriter::Flush() {
+    FlushBuffer();
+    m_writer->Flush();
+}
+
+void CBufferedWriter::Close() {
+    if (m_writer == nullptr)
+        return;
+    try {
+        FlushBuffer();
+    } catch (...) {
+        InternalClose();
+        throw;
+    }
+    InternalClose();
+}
+
+void CBufferedWriter::InternalClose() {
+    if (m_writer == nullptr)
+        return;
+    CWriter* const writer = m_writer;
+    m_writer = nullptr;
+    writer->Close();
+}
+
+} // namespace io
+} // namespace lumo

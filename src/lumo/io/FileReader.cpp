@@ -1,0 +1,133 @@
+#include <lumo/io/FileReader.h>
+
+#include <lumo/io/IOException.h>
+#include <vela/Memory.h>
+
+#include <cstdint>
+
+namespace lumo {
+namespace io {
+
+namespace {
+
+char const kUnit[] = "lumo/io/FileReader";
+char const kReadFailed[] =
+    "Failed to read the specified number of wide chars from the underlying file.";
+
+// Results are signed 32-bit and the file counts bytes: one call moves at most this
+// many units.
+unsigned long const kMaxUnits = 0x3FFFFFFF;
+
+} // namespace
+
+LUMO_DEFINE_CLASS(CFileReader, "lumo::io::CFileReader", "lumo::io::CReader");
+
+CFileReader::CFileReader(IO::Location const& location)
+    : m_file(location, IO::File::NOT_FOUND_FAIL) {
+    if (location.IsEmpty() || !location.IsLegal())
+        throw CIOException(kUnit, __LINE__, "Illegal file location.", nullptr);
+    if (m_file.GetStatus() != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, nullptr, nullptr);
+    IO::Result const result = m_file.Open(IO::File::MODE_READ);
+    if (result == IO::RESULT_ACCESS_DENIED)
+        throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
+    if (result != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to open the underlying file.", nullptr);
+    // A throw from here on destroys m_file, which closes it.
+    std::uint64_t length = 0;
+    if (m_file.GetDataLength(&length) != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to get the length of the underlying file.",
+                           nullptr);
+    if (length % 2 != 0)
+        throw CIOException(kUnit, __LINE__, "Invalid unicode file: the file length must be even.",
+                           nullptr);
+}
+
+CFileReader::~CFileReader() {}
+
+void CFileReader::CheckOpen() const {
+    if (!m_file.IsOpen())
+        throw CIOException(kUnit, __LINE__, "Reader closed.", nullptr);
+}
+
+long CFileReader::Read() {
+    CheckOpen();
+    unsigned short unit = 0;
+    IO::Result const result = m_file.ReadUnit16(&unit);
+    if (result == IO::RESULT_END_OF_DATA)
+        return EOS;
+    if (result != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, kReadFailed, nullptr);
+    return static_cast<long>(unit);
+}
+
+long CFileReader::Read(unsigned short* buf, unsigned long len) {
+    return Read(buf, 0, len);
+}
+
+long CFileReader::Read(unsigned short* buf, unsigned long off, unsigned long len) {
+    CheckOpen();
+    if (buf == nullptr || !Vela::bnManager::IsWritable(buf + off, len * sizeof(unsigned short)))
+        return len > 0 ? Skip(len) : 0;
+    if (len == 0)
+        return 0;
+    if (len > kMaxUnits)
+        len = kMaxUnits;
+    unsigned short* const target = buf + off;
+    unsigned long done = 0;
+    IO::Result const result = m_file.Read(target, len * 2, &done);
+    if (result == IO::RESULT_END_OF_DATA)
+        return -1;
+    if (result != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, kReadFailed, nullptr);
+    if (done % 2 != 0) {
+        // The file ends inside a unit (it changed since it was opened): keep the
+        // half unit for the next read, which then fails.
+        if (done == 1 || m_file.Seek(-1, IO::File::SEEK_FROM_CURRENT) != IO::RESULT_OK)
+            throw CIOException(kUnit, __LINE__, kReadFailed, nullptr);
+    }
+    unsigned long const units = done / 2;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    // The file keeps units low byte first.
+    for (unsigned long i = 0; i < units; ++i)
+        target[i] = static_cast<unsigned short>((target[i] >> 8) | (target[i] << 8));
+#endif
+    return static_cast<long>(units);
+}
+
+long CFileReader::Skip(unsigned long n) {
+    CheckOpen();
+    if (n == 0)
+        return 0;
+    std::uint64_t available = 0;
+    if (m_file.GetAvailable(&available) != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__,
+                           "Failed to get the number of available bytes of the underlying file.",
+                           nullptr);
+    std::uint64_t units = available / 2;
+    if (units > n)
+        units = n;
+    if (units > kMaxUnits)
+        units = kMaxUnits;
+    if (m_file.Seek(static_cast<std::int64_t>(units * 2), IO::File::SEEK_FROM_CURRENT) !=
+        IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to seek in the underlying file.", nullptr);
+    return static_cast<long>(units);
+}
+
+void CFileReader::Reset() {
+    CheckOpen();
+    if (m_file.SetPosition(0) != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__,
+                           "Failed to set the position of file pointer in the underlying file.",
+                           nullptr);
+}
+
+void CFileReader::Close() {
+    CheckOpen();
+    if (m_file.Close() != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to close the underlying file.", nullptr);
+}
+
+} // namespace io
+} // namespace lumo

@@ -1,0 +1,83 @@
+#include <lumo/io/FileWriter.h>
+
+#include <lumo/io/IOException.h>
+#include <vela/Memory.h>
+
+namespace lumo {
+namespace io {
+
+namespace {
+char const kUnit[] = "lumo/io/FileWriter";
+} // namespace
+
+LUMO_DEFINE_CLASS(CFileWriter, "lumo::io::CFileWriter", "lumo::io::CWriter");
+
+CFileWriter::CFileWriter(IO::Location const& location)
+    : m_file(location, IO::File::NOT_FOUND_CREATE) {
+    if (location.IsEmpty() || !location.IsLegal())
+        throw CIOException(kUnit, __LINE__, "Illegal file location.", nullptr);
+    if (m_file.GetStatus() != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, nullptr, nullptr);
+    IO::Result const result = m_file.Open(IO::File::MODE_WRITE);
+    if (result == IO::RESULT_ACCESS_DENIED)
+        throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
+    if (result != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to open the underlying file.", nullptr);
+}
+
+CFileWriter::~CFileWriter() {}
+
+void CFileWriter::CheckOpen() const {
+    if (!m_file.IsOpen())
+        throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
+}
+
+void CFileWriter::Write(unsigned short c) {
+    CheckOpen();
+    if (m_file.WriteUnit16(c) != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__,
+                           "Failed to write the specified wide char to the underlying file.",
+                           nullptr);
+}
+
+void CFileWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {
+    CheckOpen();
+    if (buf == nullptr || len == 0 ||
+        !Vela::bnManager::IsReadable(buf + off, len * sizeof(unsigned short)))
+        return;
+    IO::Result result = IO::RESULT_OK;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    // The file keeps units low byte first.
+    unsigned char bytes[4096];
+    for (unsigned long i = 0; i < len && result == IO::RESULT_OK;) {
+        unsigned long n = 0;
+        for (; n < sizeof bytes && i < len; ++i) {
+            bytes[n++] = static_cast<unsigned char>(buf[off + i] & 0xFF);
+            bytes[n++] = static_cast<unsigned char>(buf[off + i] >> 8);
+        }
+        result = m_file.Write(bytes, n, nullptr);
+    }
+#else
+    result = m_file.Write(buf + off, len * sizeof(unsigned short), nullptr);
+#endif
+    if (result != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__,
+                           "Failed to write the specified number of wide chars to the "
+                           "underlying file.",
+                           nullptr);
+}
+
+void CFileWriter::Flush() {
+    CheckOpen();
+    if (m_file.Flush() != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to flush the underlying file.", nullptr);
+}
+
+void CFileWriter::Close() {
+    CheckOpen();
+    if (m_file.Close() != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "Failed to close the underlying file.", nullptr);
+}
+
+} // namespace io
+} // namespace lumo

@@ -1,0 +1,149 @@
+#include <lumo/io/OutputStreamWriter.h>
+
+#include <lumo/base/Exception.h>
+#include <lumo/io/IOException.h>
+#include <vela/Memory.h>
+
+#include <cstdlib>
+
+namespace lumo {
+namespace io {
+
+namespace {
+char const kUnit[] = "lumo/io/OutputStreamWriter";
+unsigned long const kInitialCapacity = 8196;
+} // namespace
+
+LUMO_DEFINE_CLASS(COutputStreamWriter, "lumo::io::COutputStreamWriter", "lumo::io::CWriter");
+
+COutputStreamWriter::COutputStreamWriter(COutputStream* out, char const* encoding)
+    : m_out(out), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    Init(encoding);
+}
+
+COutputStreamWriter::COutputStreamWriter(base::CRef<COutputStream> const& out, char const* encoding)
+    : m_out(out.Get()), m_outRef(out), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    Init(encoding);
+}
+
+void COutputStreamWriter::Init(char const* encoding) {
+    if (m_out == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream..");
+    if (encoding == nullptr || *encoding == '\0')
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid encoding.");
+    m_encoding = encoding;
+    m_converter = CWCharToCharConverter::GetConverter(encoding);
+    m_buffer = static_cast<char*>(std::malloc(kInitialCapacity));
+    if (m_buffer == nullptr)
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_capacity = kInitialCapacity;
+}
+
+COutputStreamWriter::~COutputStreamWriter() {
+    std::free(m_buffer);
+}
+
+void COutputStreamWriter::CheckOpen() const {
+    if (m_out == nullptr)
+        throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
+}
+
+void COutputStreamWriter::FlushBuffer() {
+    CheckOpen();
+    if (m_count == 0)
+        return;
+    m_out->Write(m_buffer, 0, m_count);
+    m_count = 0;
+}
+
+void COutputStreamWriter::InternalWrite(unsigned short const* buf, unsigned long off,
+                                        unsigned long len) {
+    CheckOpen();
+    bool wroteOut = false;
+    while (len > 0) {
+        bool writeNow = false;
+        long const n = m_converter->Convert(buf, off, len, m_buffer, m_count, m_capacity - m_count);
+        if (n >= 0) {
+            // All units consumed; 0 bytes is a success too (a high surrogate
+            // waiting in the converter for its other half).
+            m_count += static_cast<unsigned long>(n);
+            len = 0;
+        } else if (wroteOut && m_count == 0) {
+            // Even an empty buffer is too small. The converter stands where it
+            // was before the call, so the same units are converted again.
+            if (m_capacity > 0x7FFFFFFFul)
+                throw CIOException(kUnit, __LINE__, "Memory full.", nullptr);
+            char* const larger = static_cast<char*>(std::malloc(m_capacity * 2));
+            if (larger == nullptr)
+                throw CIOException(kUnit, __LINE__, "Memory full.", nullptr);
+            std::free(m_buffer);
+            m_buffer = larger;
+            m_capacity *= 2;
+        } else {
+            writeNow = true;
+        }
+        if (m_count >= m_capacity || writeNow) {
+            FlushBuffer();
+            wroteOut = true;
+        }
+    }
+}
+
+void COutputStreamWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {
+    CheckOpen();
+    if (buf == nullptr || !Vela::bnManager::IsReadable(buf + off, len * sizeof(unsigned short)))
+        return;
+    InternalWrite(buf, off, len);
+}
+
+void COutputStreamWriter::Write(unsigned short const* buf, unsigned long len) {
+    Write(buf, 0, len);
+}
+
+void COutputStreamWriter::Write(unsigned short const* text) {
+    CheckOpen();
+    CWriter::Write(text);
+}
+
+void COutputStreamWriter::Write(base::CUnicodeString const& s, unsigned long off,
+                                unsigned long len) {
+    CheckOpen();
+    CWriter::Write(s, off, len);
+}
+
+void COutputStreamWriter::Write(base::CUnicodeString const& s) {
+    CheckOpen();
+    CWriter::Write(s);
+}
+
+void COutputStreamWriter::Write(unsigned short c) {
+    InternalWrite(&c, 0, 1);
+}
+
+void COutputStreamWriter::Flush() {
+    FlushBuffer();
+    m_out->Flush();
+}
+
+void COutputStreamWriter::Close() {
+    if (m_out == nullptr)
+        return;
+    try {
+        FlushBuffer();
+    } catch (...) {
+        InternalClose();
+        throw;
+    }
+    InternalClose();
+}
+
+void COutputStreamWriter::InternalClose() {
+    if (m_out == nullptr)
+        return;
+    COutputStream* const out = m_out;
+    m_out = nullptr;
+    out->Close();
+}
+
+} // namespace io
+} // namespace lumo

@@ -1,0 +1,345 @@
+#include <lumo/io/PrintWriter.h>
+
+#include <lumo/base/Exception.h>
+#include <lumo/io/IOException.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace lumo {
+namespace io {
+
+namespace {
+
+char const kUnit[] = "lumo/io/PrintWriter";
+
+// Formatted numbers fit here; only "%f" of a huge value needs the heap.
+unsigned long const kScratchUnits = 256;
+
+unsigned short const kLineEnd[] = {0x000D, 0x000A, 0};
+unsigned short const kTrue[] = {'t', 'r', 'u', 'e'};
+unsigned short const kFalse[] = {'f', 'a', 'l', 's', 'e'};
+
+// Decodes one UTF-8 sequence at s (n > 0 bytes left); returns its length and the
+// code point, or length 1 and U+FFFD for a malformed byte.
+unsigned long DecodeUtf8(unsigned char const* s, unsigned long n, unsigned long* cp) {
+    unsigned char const c = s[0];
+    unsigned long extra;
+    unsigned long value;
+    unsigned long minimum;
+    if (c < 0x80) {
+        *cp = c;
+        return 1;
+    } else if (c >= 0xC2 && c <= 0xDF) {
+        extra = 1;
+        value = c & 0x1F;
+        minimum = 0x80;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+        extra = 2;
+        value = c & 0x0F;
+        minimum = 0x800;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+        extra = 3;
+        value = c & 0x07;
+        minimum = 0x10000;
+    } else {
+        *cp = 0xFFFD;
+        return 1;
+    }
+    if (n <= extra) {
+        *cp = 0xFFFD;
+        return 1;
+    }
+    for (unsigned long k = 1; k <= extra; ++k) {
+        if ((s[k] & 0xC0) != 0x80) {
+            *cp = 0xFFFD;
+            return 1;
+        }
+        value = (value << 6) | (s[k] & 0x3F);
+    }
+    if (value < minimum || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) {
+        *cp = 0xFFFD;
+        return 1;
+    }
+    *cp = value;
+    return extra + 1;
+}
+
+} // namespace
+
+LUMO_DEFINE_CLASS(CPrintWriter, "lumo::io::CPrintWriter", "lumo::io::CWriter");
+
+CPrintWriter::CPrintWriter(CWriter* writer, bool autoFlush)
+    : m_writer(writer), m_autoFlush(autoFlush) {
+    if (m_writer == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid writer.");
+}
+
+CPrintWriter::CPrintWriter(base::CRef<CWriter> const& writer, bool autoFlush)
+    : m_writer(writer.Get()), m_writerRef(writer), m_autoFlush(autoFlush) {
+    if (m_writer == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid writer.");
+}
+
+CPrintWriter::~CPrintWriter() {}
+
+void CPrintWriter::CheckOpen() const {
+    if (m_writer == nullptr)
+        throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
+}
+
+void CPrintWriter::WriteNewLine() {
+    // A closed print writer has no writer left to hand the line end to.
+    CheckOpen();
+    m_writer->Write(kLineEnd);
+    if (m_autoFlush)
+        m_writer->Flush();
+}
+
+void CPrintWriter::PrintNumber(char const* format, ...) {
+    CheckOpen();
+    char scratch[kScratchUnits];
+    va_list args;
+    va_start(args, format);
+    int length = std::vsnprintf(scratch, sizeof scratch, format, args);
+    va_end(args);
+    if (length < 0)
+        return;
+    char* text = scratch;
+    if (static_cast<unsigned long>(length) >= sizeof scratch) {
+        text = static_cast<char*>(std::malloc(static_cast<std::size_t>(length) + 1));
+        if (text == nullptr)
+            throw base::CMemoryException(kUnit, __LINE__);
+        va_start(args, format);
+        length = std::vsnprintf(text, static_cast<std::size_t>(length) + 1, format, args);
+        va_end(args);
+    }
+    unsigned short units[kScratchUnits];
+    unsigned long const n = static_cast<unsigned long>(length);
+    try {
+        // Numbers are ASCII; widen in pieces so a long one needs no second block.
+        for (unsigned long done = 0; done < n;) {
+            unsigned long piece = n - done < kScratchUnits ? n - done : kScratchUnits;
+            for (unsigned long i = 0; i < piece; ++i)
+                units[i] = static_cast<unsigned char>(text[done + i]);
+            m_writer->Write(units, 0, piece);
+            done += piece;
+        }
+    } catch (...) {
+        if (text != scratch)
+            std::free(text);
+        throw;
+    }
+    if (text != scratch)
+        std::free(text);
+}
+
+void CPrintWriter::PrintUtf8(char const* text, unsigned long length) {
+    CheckOpen();
+    unsigned short units[kScratchUnits];
+    unsigned long n = 0;
+    unsigned char const* s = reinterpret_cast<unsigned char const*>(text);
+    unsigned long i = 0;
+    while (i < length) {
+        // Room for a surrogate pair.
+        if (n + 2 > kScratchUnits) {
+            m_writer->Write(units, 0, n);
+            n = 0;
+        }
+        unsigned long cp;
+        i += DecodeUtf8(s + i, length - i, &cp);
+        if (cp >= 0x10000) {
+            units[n++] = static_cast<unsigned short>(0xD800 + ((cp - 0x10000) >> 10));
+            units[n++] = static_cast<unsigned short>(0xDC00 + ((cp - 0x10000) & 0x3FF));
+        } else {
+            units[n++] = static_cast<unsigned short>(cp);
+        }
+    }
+    if (n > 0)
+        m_writer->Write(units, 0, n);
+}
+
+void CPrintWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {
+    CheckOpen();
+    m_writer->Write(buf, off, len);
+}
+
+void CPrintWriter::Write(unsigned short const* buf, unsigned long len) {
+    Write(buf, 0, len);
+}
+
+void CPrintWriter::Write(unsigned short const* text) {
+    CheckOpen();
+    m_writer->Write(text);
+}
+
+void CPrintWriter::Write(base::CUnicodeString const& s, unsigned long off, unsigned long len) {
+    CheckOpen();
+    m_writer->Write(s, off, len);
+}
+
+void CPrintWriter::Write(base::CUnicodeString const& s) {
+    CheckOpen();
+    m_writer->Write(s);
+}
+
+void CPrintWriter::Write(unsigned short c) {
+    CheckOpen();
+    m_writer->Write(c);
+}
+
+void CPrintWriter::Flush() {
+    CheckOpen();
+    m_writer->Flush();
+}
+
+void CPrintWriter::Close() {
+    if (m_writer == nullptr)
+        return;
+    CWriter* const writer = m_writer;
+    m_writer = nullptr;
+    writer->Close();
+}
+
+void CPrintWriter::Print(bool value) {
+    CheckOpen();
+    if (value)
+        m_writer->Write(kTrue, 0, 4);
+    else
+        m_writer->Write(kFalse, 0, 5);
+}
+
+void CPrintWriter::Print(short value) {
+    PrintNumber("%d", value);
+}
+void CPrintWriter::Print(long value) {
+    PrintNumber("%ld", value);
+}
+void CPrintWriter::Print(unsigned long value) {
+    PrintNumber("%lu", value);
+}
+void CPrintWriter::Print(float value) {
+    PrintNumber("%f", static_cast<double>(value));
+}
+void CPrintWriter::Print(double value) {
+    PrintNumber("%lf", value);
+}
+
+void CPrintWriter::Print(char value) {
+    CheckOpen();
+    unsigned char const byte = static_cast<unsigned char>(value);
+    m_writer->Write(static_cast<unsigned short>(byte < 0x80 ? byte : 0xFFFD));
+}
+
+void CPrintWriter::Print(unsigned short value) {
+    CheckOpen();
+    m_writer->Write(value);
+}
+
+void CPrintWriter::Print(char const* value) {
+    CheckOpen();
+    if (value != nullptr)
+        PrintUtf8(value, static_cast<unsigned long>(std::strlen(value)));
+}
+
+void CPrintWriter::Print(base::CString const& value) {
+    PrintUtf8(static_cast<char const*>(value), value.GetLength());
+}
+
+void CPrintWriter::Print(base::CUnicodeString const& value) {
+    CheckOpen();
+    if (!value.IsEmpty())
+        m_writer->Write(static_cast<unsigned short const*>(value), 0, value.GetLength());
+}
+
+void CPrintWriter::Print(unsigned short const* value) {
+    CheckOpen();
+    if (value != nullptr)
+        m_writer->Write(value);
+}
+
+void CPrintWriter::PrintUnsignedChar(unsigned char value) {
+    PrintNumber("%d", value);
+}
+void CPrintWriter::PrintUnsignedShort(unsigned short value) {
+    PrintNumber("%hu", value);
+}
+void CPrintWriter::PrintInt(int value) {
+    PrintNumber("%d", value);
+}
+void CPrintWriter::PrintUnsignedInt(unsigned int value) {
+    PrintNumber("%u", value);
+}
+
+void CPrintWriter::Println(bool value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(short value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(long value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(unsigned long value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(float value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(double value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(char value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(unsigned short value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(char const* value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(base::CString const& value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(base::CUnicodeString const& value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println(unsigned short const* value) {
+    Print(value);
+    WriteNewLine();
+}
+void CPrintWriter::PrintlnUnsignedChar(unsigned char value) {
+    PrintUnsignedChar(value);
+    WriteNewLine();
+}
+void CPrintWriter::PrintlnUnsignedShort(unsigned short value) {
+    PrintUnsignedShort(value);
+    WriteNewLine();
+}
+void CPrintWriter::PrintlnInt(int value) {
+    PrintInt(value);
+    WriteNewLine();
+}
+void CPrintWriter::PrintlnUnsignedInt(unsigned int value) {
+    PrintUnsignedInt(value);
+    WriteNewLine();
+}
+void CPrintWriter::Println() {
+    WriteNewLine();
+}
+
+} // namespace io
+} // namespace lumo

@@ -1,0 +1,133 @@
+#include <lumo/io/PushbackReader.h>
+
+#include <lumo/base/Exception.h>
+#include <lumo/io/IOException.h>
+#include <vela/Memory.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace lumo {
+namespace io {
+
+namespace {
+char const kUnit[] = "lumo/io/PushbackReader";
+} // namespace
+
+LUMO_DEFINE_CLASS(CPushbackReader, "lumo::io::CPushbackReader", "lumo::io::CReader");
+
+CPushbackReader::CPushbackReader(CReader* reader, unsigned long size)
+    : m_reader(reader), m_buffer(nullptr), m_capacity(0), m_position(0) {
+    Init(size);
+}
+
+CPushbackReader::CPushbackReader(base::CRef<CReader> const& reader, unsigned long size)
+    : m_reader(reader.Get()), m_readerRef(reader), m_buffer(nullptr), m_capacity(0), m_position(0) {
+    Init(size);
+}
+
+void CPushbackReader::Init(unsigned long size) {
+    if (m_reader == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid reader.");
+    if (size == 0)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pushback buffer size.");
+    if (size > 0x7FFFFFFFul / sizeof(unsigned short))
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = static_cast<unsigned short*>(std::malloc(size * sizeof(unsigned short)));
+    if (m_buffer == nullptr)
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_capacity = size;
+    m_position = size;
+}
+
+CPushbackReader::~CPushbackReader() {
+    std::free(m_buffer);
+}
+
+void CPushbackReader::CheckOpen() const {
+    if (m_reader == nullptr)
+        throw CIOException(kUnit, __LINE__, "Reader closed.", nullptr);
+}
+
+long CPushbackReader::Read() {
+    CheckOpen();
+    if (m_position < m_capacity)
+        return static_cast<long>(m_buffer[m_position++]);
+    return m_reader->Read();
+}
+
+long CPushbackReader::Read(unsigned short* buf, unsigned long len) {
+    return Read(buf, 0, len);
+}
+
+long CPushbackReader::Read(unsigned short* buf, unsigned long off, unsigned long len) {
+    CheckOpen();
+    if (buf == nullptr || !Vela::bnManager::IsWritable(buf + off, len * sizeof(unsigned short)))
+        return len > 0 ? Skip(len) : 0;
+    if (len == 0)
+        return 0;
+    unsigned long const held = m_capacity - m_position;
+    if (len < held) {
+        std::memcpy(buf + off, m_buffer + m_position, len * sizeof(unsigned short));
+        m_position += len;
+        return static_cast<long>(len);
+    }
+    if (held > 0)
+        std::memcpy(buf + off, m_buffer + m_position, held * sizeof(unsigned short));
+    m_position = m_capacity;
+    if (len == held)
+        return static_cast<long>(held);
+    long const more = m_reader->Read(buf, off + held, len - held);
+    if (more < 0)
+        return held > 0 ? static_cast<long>(held) : more;
+    return static_cast<long>(held) + more;
+}
+
+long CPushbackReader::Skip(unsigned long n) {
+    CheckOpen();
+    if (n == 0)
+        return 0;
+    unsigned long const held = m_capacity - m_position;
+    if (n < held) {
+        m_position += n;
+        return static_cast<long>(n);
+    }
+    m_position = m_capacity;
+    return static_cast<long>(held) + m_reader->Skip(n - held);
+}
+
+void CPushbackReader::Reset() {
+    CheckOpen();
+    m_position = m_capacity;
+    m_reader->Reset();
+}
+
+void CPushbackReader::Close() {
+    CheckOpen();
+    CReader* const reader = m_reader;
+    m_reader = nullptr;
+    reader->Close();
+}
+
+void CPushbackReader::Unread(unsigned short c) {
+    if (m_position == 0)
+        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
+    m_buffer[--m_position] = c;
+}
+
+void CPushbackReader::Unread(unsigned short const* buf, unsigned long len) {
+    Unread(buf, 0, len);
+}
+
+void CPushbackReader::Unread(unsigned short const* buf, unsigned long off, unsigned long len) {
+    if (len > m_position)
+        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
+    if (buf == nullptr || len == 0 ||
+        !Vela::bnManager::IsReadable(buf + off, len * sizeof(unsigned short)))
+        return;
+    m_position -= len;
+    std::memcpy(m_buffer + m_position, buf + off, len * sizeof(unsigned short));
+}
+
+} // namespace io
+} // namespace lumo

@@ -1,0 +1,143 @@
+#include <lumo/io/FileReader.h>
+#include <lumo/io/FileWriter.h>
+
+#include "lumo/io/CharStreamsTestSupport.h"
+#include "lumo/io/FileTestSupport.h"
+
+#include <gtest/gtest.h>
+#include <unicode/ustring.h>
+
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+using lumo::base::CUnicodeString;
+using lumo::io::CFileReader;
+using lumo::io::CFileWriter;
+using lumotest::IOErrorOf;
+using lumotest::ReadAll;
+using lumotest::TempDir;
+
+namespace {
+
+std::string AsString(std::vector<unsigned char> const& v) {
+    return std::string(v.begin(), v.end());
+}
+
+std::string Utf8(std::u16string const& text) {
+    std::string out(text.size() * 3, '\0');
+    int32_t length = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strToUTF8(&out[0], static_cast<int32_t>(out.size()), &length,
+                reinterpret_cast<UChar const*>(text.data()), static_cast<int32_t>(text.size()),
+                &status);
+    out.resize(static_cast<std::size_t>(length));
+    return out;
+}
+
+// The output of a shell command, or false when it failed.
+bool RunCommand(std::string const& command, std::string* output) {
+    std::FILE* p = ::popen(command.c_str(), "r");
+    if (p == nullptr)
+        return false;
+    output->clear();
+    char buf[4096];
+    std::size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0)
+        output->append(buf, n);
+    return ::pclose(p) == 0;
+}
+
+} // namespace
+
+TEST(FileWriterTest, WritesUtf16LittleEndian) {
+    TempDir dir;
+    ASSERT_TRUE(dir.Ok());
+    std::string const path = dir.File("text.u16");
+    ASSERT_TRUE(lumotest::WriteAll(path, "longer text that must go away"));
+    {
+        CFileWriter w(IO::Location(path.c_str()));
+        w.Write(static_cast<unsigned short>('A'));
+        w.Write(static_cast<unsigned short>(0x20AC));
+        unsigned short const pair[] = {'-', 0xD83D, 0xDE00, '-'};
+        w.Write(pair, 1, 2);
+        w.Write(static_cast<unsigned short const*>(nullptr), 0, 4);
+        w.Write(CUnicodeString("z"));
+        w.Flush();
+        w.Close();
+        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(static_cast<unsigned short>('x')); }));
+        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(pair, 0, 1); }));
+        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Flush(); }));
+        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Close(); }));
+    }
+    EXPECT_EQ(std::string("A\0\xAC\x20\x3D\xD8\x00\xDE"
+                          "z\0",
+                          10),
+              AsString(ReadAll(path)));
+}
+
+TEST(FileWriterTest, RoundTripAndIconv) {
+    TempDir dir;
+    ASSERT_TRUE(dir.Ok());
+    std::u16string text;
+    for (int i = 0; i < 3000; ++i) {
+        text += static_cast<char16_t>('a' + i % 26);
+        text += static_cast<char16_t>(0x391 + i % 20);   // Greek
+        text += static_cast<char16_t>(0x4E00 + i % 500); // CJK
+        text += u"\U0001F600\r\n";
+    }
+    std::string const path = dir.File("round.u16");
+    {
+        CFileWriter w(IO::Location(path.c_str()));
+        w.Write(reinterpret_cast<unsigned short const*>(text.data()), 0,
+                static_cast<unsigned long>(text.size()));
+        w.Close();
+    }
+    std::u16string back;
+    {
+        CFileReader r(IO::Location(path.c_str()));
+        unsigned short buf[1000];
+        long n;
+        while ((n = r.Read(buf, 0, 1000)) != -1)
+            back.append(buf, buf + n);
+    }
+    EXPECT_TRUE(back == text);
+
+    if (std::system("command -v iconv >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no iconv command on this system: the check against iconv is skipped";
+    // iconv reads the file as UTF-16LE and finds the text.
+    std::string converted;
+    ASSERT_TRUE(RunCommand("iconv -f UTF-16LE -t UTF-8 " + path, &converted));
+    EXPECT_TRUE(converted == Utf8(text));
+    // And what iconv writes as UTF-16LE reads back unchanged.
+    std::string const utf8Path = dir.File("text.utf8");
+    std::string const fromIconv = dir.File("iconv.u16");
+    ASSERT_TRUE(lumotest::WriteAll(utf8Path, Utf8(text)));
+    std::string ignored;
+    ASSERT_TRUE(RunCommand("iconv -f UTF-8 -t UTF-16LE " + utf8Path + " > " + fromIconv, &ignored));
+    EXPECT_TRUE(ReadAll(fromIconv) == ReadAll(path));
+}
+
+TEST(FileWriterTest, OpenFailures) {
+    TempDir dir;
+    ASSERT_TRUE(dir.Ok());
+    int const before = lumotest::OpenDescriptorCount();
+    auto openError = [](std::string const& path) {
+        return IOErrorOf([&] { CFileWriter w(IO::Location(path.c_str())); });
+    };
+    EXPECT_EQ("Failed to open the underlying file.", openError(dir.Path()));
+    EXPECT_EQ("Failed to open the underlying file.", openError(dir.File("none/x")));
+    EXPECT_EQ("Illegal file location.", IOErrorOf([] { CFileWriter w{IO::Location()}; }));
+    EXPECT_EQ(before, lumotest::OpenDescriptorCount());
+
+    std::string const locked = dir.File("locked");
+    ASSERT_TRUE(lumotest::WriteAll(locked, "keep"));
+    ASSERT_EQ(0, ::chmod(locked.c_str(), 0444));
+    std::string error;
+    if (!lumotest::RunWithoutPrivileges([&] { return openError(locked); }, &error))
+        GTEST_SKIP() << "running as root and unable to drop root's rights: "
+                        "refused permissions cannot be checked";
+    EXPECT_EQ("Access denied.", error);
+    EXPECT_EQ("keep", AsString(ReadAll(locked)));
+}

@@ -1,0 +1,107 @@
+#include <lumo/io/NativeFileOutputStream.h>
+
+#include "lumo/io/CharStreamsTestSupport.h"
+#include "lumo/io/FileTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using lumo::io::CNativeFileOutputStream;
+using lumotest::IOErrorOf;
+using lumotest::ReadAll;
+using lumotest::TempDir;
+
+namespace {
+
+std::vector<unsigned short> U16Path(std::string const& path) {
+    std::vector<unsigned short> units(path.begin(), path.end());
+    units.push_back(0);
+    return units;
+}
+
+std::string AsString(std::vector<unsigned char> const& v) {
+    return std::string(v.begin(), v.end());
+}
+
+std::string ArgumentErrorOf(unsigned short const* path) {
+    try {
+        CNativeFileOutputStream out(path, false);
+    } catch (lumo::base::CIllegalArgumentException const& e) {
+        return e.GetErrorDescription();
+    }
+    return "(none)";
+}
+
+} // namespace
+
+TEST(NativeFileOutputStreamTest, OverwritesWithoutTruncating) {
+    TempDir dir;
+    ASSERT_TRUE(dir.Ok());
+    std::string const path = dir.File("native.bin");
+    ASSERT_TRUE(lumotest::WriteAll(path, "0123456789"));
+    int const before = lumotest::OpenDescriptorCount();
+    {
+        CNativeFileOutputStream out(U16Path(path).data(), false);
+        out.Write('a');
+        out.Write("-bc-", 1, 2);
+        out.Flush();
+    }
+    EXPECT_EQ("abc3456789", AsString(ReadAll(path)));
+    {
+        CNativeFileOutputStream out(U16Path(path).data(), true);
+        out.Write("xy", 2);
+        out.Close();
+        out.Close();
+        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Write('z'); }));
+        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Write("z", 1); }));
+        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Flush(); }));
+    }
+    EXPECT_EQ("abc3456789xy", AsString(ReadAll(path)));
+    {
+        std::u16string const name = u"\u00E9t\u00E9.bin";
+        std::vector<unsigned short> created = U16Path(dir.Path() + "/");
+        created.insert(created.end() - 1, name.begin(), name.end());
+        CNativeFileOutputStream out(created.data(), false);
+        out.Write("new", 3);
+    }
+    EXPECT_EQ("new", AsString(ReadAll(dir.File("\xC3\xA9t\xC3\xA9.bin"))));
+    EXPECT_EQ(before, lumotest::OpenDescriptorCount());
+}
+
+TEST(NativeFileOutputStreamTest, Failures) {
+    TempDir dir;
+    ASSERT_TRUE(dir.Ok());
+    int const before = lumotest::OpenDescriptorCount();
+    unsigned short const empty[] = {0};
+    unsigned short const lone[] = {'/', 't', 'm', 'p', '/', 0xD800, 0};
+    EXPECT_EQ("Invalid file path.", ArgumentErrorOf(nullptr));
+    EXPECT_EQ("Invalid file path.", ArgumentErrorOf(empty));
+    EXPECT_EQ("Invalid file path.", ArgumentErrorOf(lone));
+    EXPECT_EQ("Failed to open the specified file.",
+              IOErrorOf([&] { CNativeFileOutputStream out(U16Path(dir.Path()).data(), false); }));
+    EXPECT_EQ("Failed to open the specified file.", IOErrorOf([&] {
+                  CNativeFileOutputStream out(U16Path(dir.File("no/file")).data(), true);
+              }));
+    {
+        CNativeFileOutputStream out(U16Path(dir.File("f")).data(), false);
+        EXPECT_EQ("Failed to write the specified byte the the underlying file.",
+                  IOErrorOf([&] { out.Write(static_cast<char const*>(nullptr), 0, 2); }));
+        out.Write(static_cast<char const*>(nullptr), 0, 0);
+    }
+    EXPECT_EQ(before, lumotest::OpenDescriptorCount());
+
+    std::string const locked = dir.File("locked");
+    ASSERT_TRUE(lumotest::WriteAll(locked, "keep"));
+    ASSERT_EQ(0, ::chmod(locked.c_str(), 0444));
+    std::string error;
+    if (!lumotest::RunWithoutPrivileges(
+            [&] {
+                return IOErrorOf(
+                    [&] { CNativeFileOutputStream out(U16Path(locked).data(), true); });
+            },
+            &error))
+        GTEST_SKIP() << "running as root and unable to drop root's rights: "
+                        "refused permissions cannot be checked";
+    EXPECT_EQ("Access denied.", error);
+}
