@@ -3,9 +3,9 @@
 #include <lumo/base/ClassNotFoundException.h>
 #include <lumo/base/Object.h>
 #include <lumo/util/HashCode.h>
-#include <vela/Chars.h>
 
 #include <cstdlib>
+#include <cstring>
 
 namespace lumo {
 namespace base {
@@ -179,9 +179,11 @@ CClass* CClassManager::FindClass(char const* name) {
         }
         return nullptr;
     }
+    // A case-sensitive text comparison finds two texts equal exactly when their bytes
+    // are, so the walk compares bytes: it runs over every record on each miss.
     for (CClass* cls = m_head; cls != nullptr; cls = cls->m_next) {
-        if (Vela::CHCompareTexts(cls->GetQualifiedName(), -1, name, -1, Vela::CH_CASE_SENSITIVE,
-                                 0) == 0)
+        char const* qualified = cls->GetQualifiedName();
+        if (qualified != nullptr && std::strcmp(qualified, name) == 0)
             return cls;
     }
     return nullptr;
