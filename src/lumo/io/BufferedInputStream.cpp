@@ -3,7 +3,7 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include <cstdlib>
+#include "FilterCore.h"
 #include <cstring>
 
 namespace lumo {
@@ -34,9 +34,7 @@ void CBufferedInputStream::CreateBuffer(unsigned long size) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid input stream.");
     if (size == 0)
         size = 512;
-    m_buffer = static_cast<char*>(std::malloc(size));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<char>(size, kUnit, __LINE__);
     m_capacity = size;
 }
 
@@ -79,23 +77,13 @@ long CBufferedInputStream::Read(char* buf, unsigned long off, unsigned long len)
     // Large requests bypass the buffer, ahead of anything still waiting in it.
     if (len > m_capacity)
         return m_in->Read(buf, off, len);
-    unsigned long const waiting = m_count - m_position;
-    if (len <= waiting) {
-        std::memcpy(buf + off, m_buffer + m_position, len);
-        m_position += len;
+    unsigned long const waiting =
+        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_count);
+    if (waiting == len)
         return static_cast<long>(len);
-    }
-    if (waiting > 0)
-        std::memcpy(buf + off, m_buffer + m_position, waiting);
-    m_position = m_count;
     FillBuffer();
-    unsigned long const more = m_count - m_position;
-    if (more == 0)
-        return static_cast<long>(waiting);
-    unsigned long const n = len - waiting < more ? len - waiting : more;
-    std::memcpy(buf + off + waiting, m_buffer + m_position, n);
-    m_position += n;
-    return static_cast<long>(waiting + n);
+    return static_cast<long>(waiting + detail::TakeWaiting(buf + off + waiting, len - waiting,
+                                                           m_buffer, m_position, m_count));
 }
 
 long CBufferedInputStream::Read(char* buf, unsigned long len) {
@@ -104,15 +92,7 @@ long CBufferedInputStream::Read(char* buf, unsigned long len) {
 
 long CBufferedInputStream::Skip(unsigned long n) {
     CheckOpen();
-    if (n == 0)
-        return 0;
-    unsigned long const waiting = m_count - m_position;
-    if (n <= waiting) {
-        m_position += n;
-        return static_cast<long>(n);
-    }
-    m_position = m_count;
-    return static_cast<long>(waiting) + m_in->Skip(n - waiting);
+    return detail::SkipBuffered(m_in, n, m_position, m_count);
 }
 
 void CBufferedInputStream::Reset() {
@@ -124,9 +104,7 @@ void CBufferedInputStream::Reset() {
 
 void CBufferedInputStream::Close() {
     CheckOpen();
-    CInputStream* in = m_in;
-    m_in = nullptr;
-    in->Close();
+    detail::ReleaseAndClose(m_in);
 }
 
 } // namespace io

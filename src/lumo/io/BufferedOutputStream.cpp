@@ -3,6 +3,7 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
+#include "FilterCore.h"
 #include <cstdlib>
 #include <cstring>
 
@@ -36,9 +37,7 @@ void CBufferedOutputStream::Init(unsigned long size) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
     if (size == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invaid buffer size.");
-    m_buffer = static_cast<char*>(std::malloc(size));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<char>(size, kUnit, __LINE__);
     m_capacity = size;
 }
 
@@ -66,24 +65,11 @@ void CBufferedOutputStream::InternalWrite(char const* buf, unsigned long off, un
         m_count += len;
         return;
     }
-    while (len > 0) {
-        unsigned long const room = m_capacity - m_count;
-        unsigned long const piece = len < room ? len : room;
-        std::memcpy(m_buffer + m_count, src, piece);
-        m_count += piece;
-        src += piece;
-        len -= piece;
-        if (m_count >= m_capacity)
-            FlushBuffer();
-    }
+    detail::FillAndDrain(m_buffer, m_capacity, m_count, src, len, [this] { FlushBuffer(); });
 }
 
 void CBufferedOutputStream::InternalClose() {
-    if (m_out == nullptr)
-        return;
-    COutputStream* out = m_out;
-    m_out = nullptr;
-    out->Close();
+    detail::ReleaseAndClose(m_out);
 }
 
 void CBufferedOutputStream::Write(char const* buf, unsigned long off, unsigned long len) {
@@ -110,15 +96,7 @@ void CBufferedOutputStream::Flush() {
 }
 
 void CBufferedOutputStream::Close() {
-    if (m_out == nullptr)
-        return;
-    try {
-        FlushBuffer();
-    } catch (...) {
-        InternalClose();
-        throw;
-    }
-    InternalClose();
+    detail::FlushAndClose(m_out, [this] { FlushBuffer(); });
 }
 
 } // namespace io

@@ -4,7 +4,7 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include <cstdlib>
+#include "FilterCore.h"
 #include <cstring>
 
 namespace lumo {
@@ -34,9 +34,7 @@ void CBufferedReader::Init(unsigned long size) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid buffer size.");
     if (size > 0x7FFFFFFFul / sizeof(unsigned short))
         throw base::CMemoryException(kUnit, __LINE__);
-    m_buffer = static_cast<unsigned short*>(std::malloc(size * sizeof(unsigned short)));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<unsigned short>(size, kUnit, __LINE__);
     m_capacity = size;
 }
 
@@ -85,37 +83,21 @@ long CBufferedReader::Read(unsigned short* buf, unsigned long off, unsigned long
         return 0;
     if (len > m_capacity)
         return m_reader->Read(buf, off, len);
-    unsigned long const waiting = m_count - m_position;
-    if (len <= waiting) {
-        std::memcpy(buf + off, m_buffer + m_position, len * sizeof(unsigned short));
-        m_position += len;
+    unsigned long const waiting =
+        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_count);
+    if (waiting == len)
         return static_cast<long>(len);
-    }
-    if (waiting > 0)
-        std::memcpy(buf + off, m_buffer + m_position, waiting * sizeof(unsigned short));
-    m_position = m_count;
     bool const more = FillBuffer();
-    unsigned long n = m_count - m_position;
-    if (n == 0)
+    // Unlike the byte stream, the wrapped reader's end shows when nothing was read.
+    if (m_count == m_position)
         return waiting == 0 && !more ? -1 : static_cast<long>(waiting);
-    if (n > len - waiting)
-        n = len - waiting;
-    std::memcpy(buf + off + waiting, m_buffer + m_position, n * sizeof(unsigned short));
-    m_position += n;
-    return static_cast<long>(waiting + n);
+    return static_cast<long>(waiting + detail::TakeWaiting(buf + off + waiting, len - waiting,
+                                                           m_buffer, m_position, m_count));
 }
 
 long CBufferedReader::Skip(unsigned long n) {
     CheckOpen();
-    if (n == 0)
-        return 0;
-    unsigned long const waiting = m_count - m_position;
-    if (n <= waiting) {
-        m_position += n;
-        return static_cast<long>(n);
-    }
-    m_position = m_count;
-    return static_cast<long>(waiting) + m_reader->Skip(n - waiting);
+    return detail::SkipBuffered(m_reader, n, m_position, m_count);
 }
 
 void CBufferedReader::Reset() {
@@ -127,10 +109,7 @@ void CBufferedReader::Reset() {
 
 void CBufferedReader::Close() {
     CheckOpen();
-    CReader* const reader = m_reader;
-    // Closed from here on, also when the wrapped reader's Close throws.
-    m_reader = nullptr;
-    reader->Close();
+    detail::ReleaseAndClose(m_reader);
 }
 
 } // namespace io

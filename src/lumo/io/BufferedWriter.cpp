@@ -4,8 +4,8 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
+#include "FilterCore.h"
 #include <cstdlib>
-#include <cstring>
 
 namespace lumo {
 namespace io {
@@ -33,9 +33,7 @@ void CBufferedWriter::Init(unsigned long size) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid buffer size.");
     if (size > 0x7FFFFFFFul / sizeof(unsigned short))
         throw base::CMemoryException(kUnit, __LINE__);
-    m_buffer = static_cast<unsigned short*>(std::malloc(size * sizeof(unsigned short)));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<unsigned short>(size, kUnit, __LINE__);
     m_capacity = size;
 }
 
@@ -65,17 +63,7 @@ void CBufferedWriter::InternalWrite(unsigned short const* buf, unsigned long off
         m_writer->Write(buf, off, len);
         return;
     }
-    while (len > 0) {
-        unsigned long piece = m_capacity - m_count;
-        if (piece > len)
-            piece = len;
-        std::memcpy(m_buffer + m_count, buf + off, piece * sizeof(unsigned short));
-        m_count += piece;
-        off += piece;
-        len -= piece;
-        if (m_count >= m_capacity)
-            FlushBuffer();
-    }
+    detail::FillAndDrain(m_buffer, m_capacity, m_count, buf + off, len, [this] { FlushBuffer(); });
 }
 
 void CBufferedWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {
@@ -117,23 +105,11 @@ void CBufferedWriter::Flush() {
 }
 
 void CBufferedWriter::Close() {
-    if (m_writer == nullptr)
-        return;
-    try {
-        FlushBuffer();
-    } catch (...) {
-        InternalClose();
-        throw;
-    }
-    InternalClose();
+    detail::FlushAndClose(m_writer, [this] { FlushBuffer(); });
 }
 
 void CBufferedWriter::InternalClose() {
-    if (m_writer == nullptr)
-        return;
-    CWriter* const writer = m_writer;
-    m_writer = nullptr;
-    writer->Close();
+    detail::ReleaseAndClose(m_writer);
 }
 
 } // namespace io

@@ -1,5 +1,6 @@
 #include <lumo/io/FileInputStream.h>
 
+#include "FileCore.h"
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
@@ -21,15 +22,8 @@ LUMO_DEFINE_CLASS(CFileInputStream, "lumo::io::CFileInputStream", "lumo::io::CIn
 
 CFileInputStream::CFileInputStream(IO::Location const& location)
     : m_file(location, IO::File::NOT_FOUND_FAIL) {
-    if (location.IsEmpty() || !location.IsLegal())
-        throw CIOException(kUnit, __LINE__, "Illegal file location.", nullptr);
-    if (m_file.GetStatus() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, nullptr, nullptr);
-    IO::Result const result = m_file.Open(IO::File::MODE_READ);
-    if (result == IO::RESULT_ACCESS_DENIED)
-        throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
-    if (result != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "An error occured while trying to open file.", nullptr);
+    detail::OpenFile(m_file, location, IO::File::MODE_READ, kUnit,
+                     "An error occured while trying to open file.", {25, 27, 30, 32});
 }
 
 CFileInputStream::~CFileInputStream() {}
@@ -106,16 +100,12 @@ long CFileInputStream::Skip(unsigned long n) {
 
 void CFileInputStream::Reset() {
     CheckOpen();
-    if (m_file.SetPosition(0) != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__,
-                           "Failed to set the position of file pointer in the underlying file.",
-                           nullptr);
+    detail::RewindFile(m_file, kUnit, __LINE__);
 }
 
 void CFileInputStream::Close() {
     CheckOpen();
-    if (m_file.Close() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to close the underlying file.", nullptr);
+    detail::CloseFile(m_file, kUnit, __LINE__);
 }
 
 } // namespace io

@@ -1,5 +1,6 @@
 #include <lumo/io/FileReader.h>
 
+#include "FileCore.h"
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
@@ -24,15 +25,8 @@ LUMO_DEFINE_CLASS(CFileReader, "lumo::io::CFileReader", "lumo::io::CReader");
 
 CFileReader::CFileReader(IO::Location const& location)
     : m_file(location, IO::File::NOT_FOUND_FAIL) {
-    if (location.IsEmpty() || !location.IsLegal())
-        throw CIOException(kUnit, __LINE__, "Illegal file location.", nullptr);
-    if (m_file.GetStatus() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, nullptr, nullptr);
-    IO::Result const result = m_file.Open(IO::File::MODE_READ);
-    if (result == IO::RESULT_ACCESS_DENIED)
-        throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
-    if (result != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to open the underlying file.", nullptr);
+    detail::OpenFile(m_file, location, IO::File::MODE_READ, kUnit,
+                     "Failed to open the underlying file.", {28, 30, 33, 35});
     // A throw from here on destroys m_file, which closes it.
     std::uint64_t length = 0;
     if (m_file.GetDataLength(&length) != IO::RESULT_OK)
@@ -117,16 +111,12 @@ long CFileReader::Skip(unsigned long n) {
 
 void CFileReader::Reset() {
     CheckOpen();
-    if (m_file.SetPosition(0) != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__,
-                           "Failed to set the position of file pointer in the underlying file.",
-                           nullptr);
+    detail::RewindFile(m_file, kUnit, __LINE__);
 }
 
 void CFileReader::Close() {
     CheckOpen();
-    if (m_file.Close() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to close the underlying file.", nullptr);
+    detail::CloseFile(m_file, kUnit, __LINE__);
 }
 
 } // namespace io

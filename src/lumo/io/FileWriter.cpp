@@ -1,5 +1,6 @@
 #include <lumo/io/FileWriter.h>
 
+#include "FileCore.h"
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
@@ -14,15 +15,8 @@ LUMO_DEFINE_CLASS(CFileWriter, "lumo::io::CFileWriter", "lumo::io::CWriter");
 
 CFileWriter::CFileWriter(IO::Location const& location)
     : m_file(location, IO::File::NOT_FOUND_CREATE) {
-    if (location.IsEmpty() || !location.IsLegal())
-        throw CIOException(kUnit, __LINE__, "Illegal file location.", nullptr);
-    if (m_file.GetStatus() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, nullptr, nullptr);
-    IO::Result const result = m_file.Open(IO::File::MODE_WRITE);
-    if (result == IO::RESULT_ACCESS_DENIED)
-        throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
-    if (result != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to open the underlying file.", nullptr);
+    detail::OpenFile(m_file, location, IO::File::MODE_WRITE, kUnit,
+                     "Failed to open the underlying file.", {18, 20, 23, 25});
 }
 
 CFileWriter::~CFileWriter() {}
@@ -69,14 +63,12 @@ void CFileWriter::Write(unsigned short const* buf, unsigned long off, unsigned l
 
 void CFileWriter::Flush() {
     CheckOpen();
-    if (m_file.Flush() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to flush the underlying file.", nullptr);
+    detail::FlushFile(m_file, kUnit, __LINE__);
 }
 
 void CFileWriter::Close() {
     CheckOpen();
-    if (m_file.Close() != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to close the underlying file.", nullptr);
+    detail::CloseFile(m_file, kUnit, __LINE__);
 }
 
 } // namespace io

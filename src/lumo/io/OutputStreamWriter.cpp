@@ -4,7 +4,7 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include <cstdlib>
+#include "FilterCore.h"
 
 namespace lumo {
 namespace io {
@@ -33,9 +33,7 @@ void COutputStreamWriter::Init(char const* encoding) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid encoding.");
     m_encoding = encoding;
     m_converter = CWCharToCharConverter::GetConverter(encoding);
-    m_buffer = static_cast<char*>(std::malloc(kInitialCapacity));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<char>(kInitialCapacity, kUnit, __LINE__);
     m_capacity = kInitialCapacity;
 }
 
@@ -126,23 +124,11 @@ void COutputStreamWriter::Flush() {
 }
 
 void COutputStreamWriter::Close() {
-    if (m_out == nullptr)
-        return;
-    try {
-        FlushBuffer();
-    } catch (...) {
-        InternalClose();
-        throw;
-    }
-    InternalClose();
+    detail::FlushAndClose(m_out, [this] { FlushBuffer(); });
 }
 
 void COutputStreamWriter::InternalClose() {
-    if (m_out == nullptr)
-        return;
-    COutputStream* const out = m_out;
-    m_out = nullptr;
-    out->Close();
+    detail::ReleaseAndClose(m_out);
 }
 
 } // namespace io

@@ -3,8 +3,7 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include <cstdlib>
-#include <cstring>
+#include "FilterCore.h"
 
 namespace lumo {
 namespace io {
@@ -34,9 +33,7 @@ void CPushbackInputStream::Init(unsigned long size) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid input stream.");
     if (size == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pushback buffer size.");
-    m_buffer = static_cast<char*>(std::malloc(size));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<char>(size, kUnit, __LINE__);
     m_capacity = size;
     m_position = size;
 }
@@ -53,9 +50,7 @@ unsigned long CPushbackInputStream::GetAvailable() const {
 
 long CPushbackInputStream::Read() {
     CheckOpen();
-    if (m_position < m_capacity)
-        return static_cast<long>(m_buffer[m_position++]);
-    return m_in->Read();
+    return detail::ReadPushedBack(m_in, m_buffer, m_capacity, m_position);
 }
 
 long CPushbackInputStream::Read(char* buf, unsigned long off, unsigned long len) {
@@ -64,15 +59,10 @@ long CPushbackInputStream::Read(char* buf, unsigned long off, unsigned long len)
         return len > 0 ? Skip(len) : 0;
     if (len == 0)
         return 0;
-    unsigned long const held = m_capacity - m_position;
-    if (len < held) {
-        std::memcpy(buf + off, m_buffer + m_position, len);
-        m_position += len;
+    unsigned long const held =
+        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_capacity);
+    if (held == len && m_position < m_capacity)
         return static_cast<long>(len);
-    }
-    if (held > 0)
-        std::memcpy(buf + off, m_buffer + m_position, held);
-    m_position = m_capacity;
     // The wrapped result is added as it is: -1 at its end gives held - 1.
     return static_cast<long>(held) + m_in->Read(buf, off + held, len - held);
 }
@@ -83,15 +73,7 @@ long CPushbackInputStream::Read(char* buf, unsigned long len) {
 
 long CPushbackInputStream::Skip(unsigned long n) {
     CheckOpen();
-    if (n == 0)
-        return 0;
-    unsigned long const held = m_capacity - m_position;
-    if (n < held) {
-        m_position += n;
-        return static_cast<long>(n);
-    }
-    m_position = m_capacity;
-    return static_cast<long>(held) + m_in->Skip(n - held);
+    return detail::SkipPushedBack(m_in, n, m_position, m_capacity);
 }
 
 void CPushbackInputStream::Reset() {
@@ -102,9 +84,7 @@ void CPushbackInputStream::Reset() {
 
 void CPushbackInputStream::Close() {
     CheckOpen();
-    CInputStream* in = m_in;
-    m_in = nullptr;
-    in->Close();
+    detail::ReleaseAndClose(m_in);
 }
 
 void CPushbackInputStream::Unread(char c) {
@@ -118,12 +98,7 @@ void CPushbackInputStream::Unread(char const* buf, unsigned long len) {
 }
 
 void CPushbackInputStream::Unread(char const* buf, unsigned long off, unsigned long len) {
-    if (len > m_position)
-        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
-    if (buf == nullptr || len == 0 || !Vela::bnManager::IsReadable(buf + off, len))
-        return;
-    m_position -= len;
-    std::memcpy(m_buffer + m_position, buf + off, len);
+    detail::PushBack(m_buffer, m_position, buf, off, len, kUnit, __LINE__);
 }
 
 } // namespace io

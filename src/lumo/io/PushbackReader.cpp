@@ -4,8 +4,7 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include <cstdlib>
-#include <cstring>
+#include "FilterCore.h"
 
 namespace lumo {
 namespace io {
@@ -33,9 +32,7 @@ void CPushbackReader::Init(unsigned long size) {
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pushback buffer size.");
     if (size > 0x7FFFFFFFul / sizeof(unsigned short))
         throw base::CMemoryException(kUnit, __LINE__);
-    m_buffer = static_cast<unsigned short*>(std::malloc(size * sizeof(unsigned short)));
-    if (m_buffer == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer = detail::AllocateUnits<unsigned short>(size, kUnit, __LINE__);
     m_capacity = size;
     m_position = size;
 }
@@ -51,9 +48,7 @@ void CPushbackReader::CheckOpen() const {
 
 long CPushbackReader::Read() {
     CheckOpen();
-    if (m_position < m_capacity)
-        return static_cast<long>(m_buffer[m_position++]);
-    return m_reader->Read();
+    return detail::ReadPushedBack(m_reader, m_buffer, m_capacity, m_position);
 }
 
 long CPushbackReader::Read(unsigned short* buf, unsigned long len) {
@@ -66,15 +61,11 @@ long CPushbackReader::Read(unsigned short* buf, unsigned long off, unsigned long
         return len > 0 ? Skip(len) : 0;
     if (len == 0)
         return 0;
-    unsigned long const held = m_capacity - m_position;
-    if (len < held) {
-        std::memcpy(buf + off, m_buffer + m_position, len * sizeof(unsigned short));
-        m_position += len;
+    unsigned long const held =
+        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_capacity);
+    if (held == len && m_position < m_capacity)
         return static_cast<long>(len);
-    }
-    if (held > 0)
-        std::memcpy(buf + off, m_buffer + m_position, held * sizeof(unsigned short));
-    m_position = m_capacity;
+    // From here every pushed-back unit was taken: held is how many that was.
     if (len == held)
         return static_cast<long>(held);
     long const more = m_reader->Read(buf, off + held, len - held);
@@ -85,15 +76,7 @@ long CPushbackReader::Read(unsigned short* buf, unsigned long off, unsigned long
 
 long CPushbackReader::Skip(unsigned long n) {
     CheckOpen();
-    if (n == 0)
-        return 0;
-    unsigned long const held = m_capacity - m_position;
-    if (n < held) {
-        m_position += n;
-        return static_cast<long>(n);
-    }
-    m_position = m_capacity;
-    return static_cast<long>(held) + m_reader->Skip(n - held);
+    return detail::SkipPushedBack(m_reader, n, m_position, m_capacity);
 }
 
 void CPushbackReader::Reset() {
@@ -104,9 +87,7 @@ void CPushbackReader::Reset() {
 
 void CPushbackReader::Close() {
     CheckOpen();
-    CReader* const reader = m_reader;
-    m_reader = nullptr;
-    reader->Close();
+    detail::ReleaseAndClose(m_reader);
 }
 
 void CPushbackReader::Unread(unsigned short c) {
@@ -120,13 +101,7 @@ void CPushbackReader::Unread(unsigned short const* buf, unsigned long len) {
 }
 
 void CPushbackReader::Unread(unsigned short const* buf, unsigned long off, unsigned long len) {
-    if (len > m_position)
-        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
-    if (buf == nullptr || len == 0 ||
-        !Vela::bnManager::IsReadable(buf + off, len * sizeof(unsigned short)))
-        return;
-    m_position -= len;
-    std::memcpy(m_buffer + m_position, buf + off, len * sizeof(unsigned short));
+    detail::PushBack(m_buffer, m_position, buf, off, len, kUnit, __LINE__);
 }
 
 } // namespace io

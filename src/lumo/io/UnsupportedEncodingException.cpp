@@ -8,8 +8,7 @@ namespace io {
 LUMO_DEFINE_CLASS(CUnsupportedEncodingException, "lumo::io::CUnsupportedEncodingException",
                   "lumo::io::CIOException");
 
-CUnsupportedEncodingException::CUnsupportedEncodingException(char const* file,
-                                                             unsigned long line,
+CUnsupportedEncodingException::CUnsupportedEncodingException(char const* file, unsigned long line,
                                                              char const* encoding)
     : CIOException(file, line, nullptr, nullptr) {
     base::CopyExceptionText(m_encoding, encoding);

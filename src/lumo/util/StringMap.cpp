@@ -2,7 +2,6 @@
 
 #include "StringMapImpl.h"
 
-#include <cstdlib>
 #include <utility>
 
 namespace lumo {
@@ -35,19 +34,13 @@ CStringMap& CStringMap::operator=(CStringMap const& other) {
     if (this != &other) {
         CStringMap copy(other);
         std::swap(m_caseSensitive, copy.m_caseSensitive);
-        std::swap(m_keys, copy.m_keys);
-        std::swap(m_values, copy.m_values);
-        std::swap(m_size, copy.m_size);
-        std::swap(m_capacity, copy.m_capacity);
-        std::swap(m_increment, copy.m_increment);
+        LUMO_STRINGMAP_IMPL(*this).Swap(LUMO_STRINGMAP_IMPL(copy));
     }
     return *this;
 }
 
 CStringMap::~CStringMap() {
-    Impl::Destroy(m_keys, m_values, m_size);
-    std::free(m_keys);
-    std::free(m_values);
+    LUMO_STRINGMAP_IMPL(*this).Release();
 }
 
 void CStringMap::Put(char const* key, char const* value) {
@@ -71,7 +64,7 @@ long CStringMap::GetIndexOf(char const* value) const {
 }
 
 CString& CStringMap::GetKeyAt(unsigned long index) {
-    return m_keys[LUMO_STRINGMAP_IMPL(*this).CheckIndex(index, __LINE__)];
+    return LUMO_STRINGMAP_IMPL(*this).KeyAt(index, __LINE__);
 }
 
 CString const& CStringMap::GetKeyAt(unsigned long index) const {
@@ -79,7 +72,7 @@ CString const& CStringMap::GetKeyAt(unsigned long index) const {
 }
 
 CString& CStringMap::GetAt(unsigned long index) {
-    return m_values[LUMO_STRINGMAP_IMPL(*this).CheckIndex(index, __LINE__)];
+    return LUMO_STRINGMAP_IMPL(*this).ValueAt(index, __LINE__);
 }
 
 CString const& CStringMap::GetAt(unsigned long index) const {
@@ -87,10 +80,7 @@ CString const& CStringMap::GetAt(unsigned long index) const {
 }
 
 void CStringMap::Remove(char const* key) {
-    Impl impl = LUMO_STRINGMAP_IMPL(*this);
-    long const index = impl.IndexOfKey(key, m_caseSensitive);
-    if (index >= 0)
-        impl.RemoveAt(static_cast<std::uint32_t>(index));
+    LUMO_STRINGMAP_IMPL(*this).Remove(key, m_caseSensitive);
 }
 
 void CStringMap::RemoveAll() {
@@ -121,15 +111,11 @@ CStringMap::CConstValueIterator CStringMap::GetValueIterator() const {
 }
 
 CString const& CStringMap::CKeyIterator::NextElement() {
-    if (m_index >= m_map->m_size)
-        throw CNoSuchElementException(kUnit, __LINE__);
-    return m_map->m_keys[m_index++];
+    return Impl::Next(m_map->m_keys, m_map->m_size, m_index, kUnit, __LINE__);
 }
 
 CString const& CStringMap::CConstValueIterator::NextElement() {
-    if (m_index >= m_map->m_size)
-        throw CNoSuchElementException(kUnit, __LINE__);
-    return m_map->m_values[m_index++];
+    return Impl::Next(m_map->m_values, m_map->m_size, m_index, kUnit, __LINE__);
 }
 
 } // namespace util

@@ -29,7 +29,7 @@ public:
     typedef ArrayStore<S> Slots;
 
     StringMapImpl(S*& keys, S*& values, std::uint32_t& size, std::uint32_t& capacity,
-                  std::uint32_t increment, char const* unit)
+                  std::uint32_t& increment, char const* unit)
         : m_keys(keys), m_values(values), m_size(size), m_capacity(capacity),
           m_increment(increment), m_unit(unit) {}
 
@@ -175,6 +175,39 @@ public:
         return true;
     }
 
+    // Range-checked access; `line` is the caller's, reported on a bad index.
+    S& KeyAt(unsigned long index, int line) const { return m_keys[CheckIndex(index, line)]; }
+    S& ValueAt(unsigned long index, int line) const { return m_values[CheckIndex(index, line)]; }
+
+    void Remove(Ch const* key, bool caseSensitive) {
+        long const index = IndexOfKey(key, caseSensitive);
+        if (index >= 0)
+            RemoveAt(static_cast<std::uint32_t>(index));
+    }
+
+    // Exchanges everything but the case rule, which only CStringMap has.
+    void Swap(StringMapImpl&& other) noexcept {
+        std::swap(m_keys, other.m_keys);
+        std::swap(m_values, other.m_values);
+        std::swap(m_size, other.m_size);
+        std::swap(m_capacity, other.m_capacity);
+        std::swap(m_increment, other.m_increment);
+    }
+
+    void Release() noexcept {
+        Destroy(m_keys, m_values, m_size);
+        std::free(m_keys);
+        std::free(m_values);
+    }
+
+    // One step of a key or value iterator over `count` live entries.
+    static S const& Next(S const* array, std::uint32_t count, std::uint32_t& index,
+                         char const* unit, int line) {
+        if (index >= count)
+            throw CNoSuchElementException(unit, line);
+        return array[index++];
+    }
+
 private:
     // Both arrays of `capacity` slots, or CMemoryException with nothing held.
     void Allocate(std::uint32_t capacity, int line) {
@@ -219,7 +252,7 @@ private:
     S*& m_values;
     std::uint32_t& m_size;
     std::uint32_t& m_capacity;
-    std::uint32_t m_increment;
+    std::uint32_t& m_increment;
     char const* m_unit;
 };
 

@@ -2,9 +2,6 @@
 
 #include "StringMapImpl.h"
 
-#include <cstdlib>
-#include <utility>
-
 namespace lumo {
 namespace util {
 
@@ -34,19 +31,13 @@ CUnicodeStringMap::CUnicodeStringMap(CUnicodeStringMap const& other)
 CUnicodeStringMap& CUnicodeStringMap::operator=(CUnicodeStringMap const& other) {
     if (this != &other) {
         CUnicodeStringMap copy(other);
-        std::swap(m_keys, copy.m_keys);
-        std::swap(m_values, copy.m_values);
-        std::swap(m_size, copy.m_size);
-        std::swap(m_capacity, copy.m_capacity);
-        std::swap(m_increment, copy.m_increment);
+        LUMO_UNICODESTRINGMAP_IMPL(*this).Swap(LUMO_UNICODESTRINGMAP_IMPL(copy));
     }
     return *this;
 }
 
 CUnicodeStringMap::~CUnicodeStringMap() {
-    Impl::Destroy(m_keys, m_values, m_size);
-    std::free(m_keys);
-    std::free(m_values);
+    LUMO_UNICODESTRINGMAP_IMPL(*this).Release();
 }
 
 void CUnicodeStringMap::Put(unsigned short const* key, unsigned short const* value) {
@@ -71,7 +62,7 @@ long CUnicodeStringMap::GetIndexOf(unsigned short const* value) const {
 }
 
 CUnicodeString& CUnicodeStringMap::GetKeyAt(unsigned long index) {
-    return m_keys[LUMO_UNICODESTRINGMAP_IMPL(*this).CheckIndex(index, __LINE__)];
+    return LUMO_UNICODESTRINGMAP_IMPL(*this).KeyAt(index, __LINE__);
 }
 
 CUnicodeString const& CUnicodeStringMap::GetKeyAt(unsigned long index) const {
@@ -79,7 +70,7 @@ CUnicodeString const& CUnicodeStringMap::GetKeyAt(unsigned long index) const {
 }
 
 CUnicodeString& CUnicodeStringMap::GetAt(unsigned long index) {
-    return m_values[LUMO_UNICODESTRINGMAP_IMPL(*this).CheckIndex(index, __LINE__)];
+    return LUMO_UNICODESTRINGMAP_IMPL(*this).ValueAt(index, __LINE__);
 }
 
 CUnicodeString const& CUnicodeStringMap::GetAt(unsigned long index) const {
@@ -87,10 +78,7 @@ CUnicodeString const& CUnicodeStringMap::GetAt(unsigned long index) const {
 }
 
 void CUnicodeStringMap::Remove(unsigned short const* key) {
-    Impl impl = LUMO_UNICODESTRINGMAP_IMPL(*this);
-    long const index = impl.IndexOfKey(key, kCaseSensitive);
-    if (index >= 0)
-        impl.RemoveAt(static_cast<std::uint32_t>(index));
+    LUMO_UNICODESTRINGMAP_IMPL(*this).Remove(key, kCaseSensitive);
 }
 
 void CUnicodeStringMap::RemoveAll() {
@@ -121,15 +109,11 @@ CUnicodeStringMap::CConstValueIterator CUnicodeStringMap::GetValueIterator() con
 }
 
 CUnicodeString const& CUnicodeStringMap::CKeyIterator::NextElement() {
-    if (m_index >= m_map->m_size)
-        throw CNoSuchElementException(kUnit, __LINE__);
-    return m_map->m_keys[m_index++];
+    return Impl::Next(m_map->m_keys, m_map->m_size, m_index, kUnit, __LINE__);
 }
 
 CUnicodeString const& CUnicodeStringMap::CConstValueIterator::NextElement() {
-    if (m_index >= m_map->m_size)
-        throw CNoSuchElementException(kUnit, __LINE__);
-    return m_map->m_values[m_index++];
+    return Impl::Next(m_map->m_values, m_map->m_size, m_index, kUnit, __LINE__);
 }
 
 } // namespace util
