@@ -8,17 +8,10 @@
 
 #include <string>
 
-using lumotest::ReadAll;
 using lumotest::TempDir;
 using lumotest::WriteAll;
 
-namespace {
-
-std::string AsString(std::vector<unsigned char> const& v) {
-    return std::string(v.begin(), v.end());
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(FileTest, WriteTruncatesAppendAppendsReadReadsBack) {
     TempDir dir;
@@ -45,7 +38,7 @@ TEST(FileTest, WriteTruncatesAppendAppendsReadReadsBack) {
         EXPECT_EQ(IO::RESULT_NOT_OPEN, f.Close());
         EXPECT_EQ(IO::RESULT_NOT_OPEN, f.Write("x", 1, nullptr));
     }
-    EXPECT_EQ(std::string("abcd\x34\x12", 6), AsString(ReadAll(path)));
+    EXPECT_EQ(std::string("abcd\x34\x12", 6), lumotest::ReadText(path));
     {
         IO::File f(where, IO::File::NOT_FOUND_FAIL);
         ASSERT_EQ(IO::RESULT_OK, f.Open(IO::File::MODE_APPEND));
@@ -53,7 +46,7 @@ TEST(FileTest, WriteTruncatesAppendAppendsReadReadsBack) {
         EXPECT_EQ(IO::RESULT_OK, f.SetPosition(0));
         EXPECT_EQ(IO::RESULT_OK, f.Write("Z", 1, nullptr));
     } // the destructor closes
-    ASSERT_EQ(std::string("abcd\x34\x12Z", 7), AsString(ReadAll(path)));
+    ASSERT_EQ(std::string("abcd\x34\x12Z", 7), lumotest::ReadText(path));
 
     IO::File f(where, IO::File::NOT_FOUND_FAIL);
     ASSERT_EQ(IO::RESULT_OK, f.Open(IO::File::MODE_READ));

@@ -106,10 +106,7 @@ TEST(BufferedInputStream, SkipResetAndClose) {
     inner.position = 0;
     in.Close();
     EXPECT_EQ(inner.closes, 1);
-    ExpectThrowWith<CIOException>([&] { in.Read(); }, "Stream closed.");
-    ExpectThrowWith<CIOException>([&] { in.Close(); }, "Stream closed.");
-    ExpectThrowWith<CIOException>([&] { in.GetAvailable(); }, "Stream closed.");
-    ExpectThrowWith<CIOException>([&] { in.Skip(1); }, "Stream closed.");
+    streamtest::ExpectInputClosed(in);
     EXPECT_EQ(inner.closes, 1);
 }
 

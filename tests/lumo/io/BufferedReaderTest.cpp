@@ -7,27 +7,16 @@
 using lumo::base::CRef;
 using lumo::io::CBufferedReader;
 using lumo::io::CReader;
+using lumotest::ArgumentErrorOf;
 using lumotest::ArrayReader;
 using lumotest::IOErrorOf;
 using lumotest::ToU16;
 
-namespace {
-
-std::string ArgumentErrorOf(CReader* reader, unsigned long size) {
-    try {
-        CBufferedReader r(reader, size);
-    } catch (lumo::base::CIllegalArgumentException const& e) {
-        return e.GetErrorDescription();
-    }
-    return "(none)";
-}
-
-} // namespace
-
 TEST(BufferedReaderTest, Construction) {
     ArrayReader source(u"x");
-    EXPECT_EQ("Invalid reader.", ArgumentErrorOf(nullptr, 4));
-    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf(&source, 0));
+    EXPECT_EQ("Invalid reader.",
+              ArgumentErrorOf([&] { CBufferedReader r(static_cast<CReader*>(nullptr), 4); }));
+    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf([&] { CBufferedReader r(&source, 0); }));
     EXPECT_THROW(CBufferedReader(CRef<CReader>(), 4), lumo::base::CIllegalArgumentException);
 
     // The CRef form shares the reader; the raw form borrows it.
@@ -104,12 +93,7 @@ TEST(BufferedReaderTest, Close) {
     CBufferedReader r(&source, 4);
     r.Close();
     EXPECT_TRUE(source.closed);
-    unsigned short buf[2];
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(buf, 0, 2); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Skip(1); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Reset(); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Close(); }));
+    lumotest::ExpectReaderClosed(r);
 
     // Closed even when the wrapped reader's Close fails.
     ArrayReader already(u"");

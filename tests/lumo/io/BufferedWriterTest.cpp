@@ -8,26 +8,15 @@ using lumo::base::CRef;
 using lumo::base::CUnicodeString;
 using lumo::io::CBufferedWriter;
 using lumo::io::CWriter;
+using lumotest::ArgumentErrorOf;
 using lumotest::ArrayWriter;
 using lumotest::IOErrorOf;
 
-namespace {
-
-std::string ArgumentErrorOf(CWriter* writer, unsigned long size) {
-    try {
-        CBufferedWriter w(writer, size);
-    } catch (lumo::base::CIllegalArgumentException const& e) {
-        return e.GetErrorDescription();
-    }
-    return "(none)";
-}
-
-} // namespace
-
 TEST(BufferedWriterTest, Construction) {
     ArrayWriter sink;
-    EXPECT_EQ("Invalid writer.", ArgumentErrorOf(nullptr, 4));
-    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf(&sink, 0));
+    EXPECT_EQ("Invalid writer.",
+              ArgumentErrorOf([&] { CBufferedWriter w(static_cast<CWriter*>(nullptr), 4); }));
+    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf([&] { CBufferedWriter w(&sink, 0); }));
     int destroyed = 0;
     ArrayWriter* shared = new ArrayWriter;
     shared->destroyed = &destroyed;
@@ -85,9 +74,7 @@ TEST(BufferedWriterTest, CloseAndFailures) {
     EXPECT_EQ(u"kept", sink.text);
     EXPECT_TRUE(sink.closed);
     w.Close(); // a second Close does nothing
-    EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(static_cast<unsigned short>('x')); }));
-    EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(CUnicodeString("x")); }));
-    EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Flush(); }));
+    lumotest::ExpectWriterClosed(w);
 
     // When the buffer cannot be written out, Close still closes the wrapped writer.
     ArrayWriter failing;

@@ -3,9 +3,14 @@
 #ifndef LUMO_TESTS_IO_CHARSTREAMSTESTSUPPORT_H
 #define LUMO_TESTS_IO_CHARSTREAMSTESTSUPPORT_H
 
+#include <lumo/base/Exception.h>
 #include <lumo/io/IOException.h>
 #include <lumo/io/Reader.h>
 #include <lumo/io/Writer.h>
+
+#include <unicode/ustring.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -19,6 +24,18 @@ inline U16 ToU16(std::vector<unsigned short> const& v) {
 }
 inline U16 ToU16(unsigned short const* p, unsigned long n) {
     return U16(p, p + n);
+}
+
+// The UTF-8 form of a text, as ICU writes it.
+inline std::string IcuUtf8(U16 const& text) {
+    std::string out(text.size() * 3, '\0');
+    int32_t length = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strToUTF8(&out[0], static_cast<int32_t>(out.size()), &length,
+                reinterpret_cast<UChar const*>(text.data()), static_cast<int32_t>(text.size()),
+                &status);
+    out.resize(U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
+    return out;
 }
 
 // Hands out a fixed text; block reads give at most `maxBlock` units.
@@ -108,6 +125,35 @@ template <class F> std::string IOErrorOf(F f) {
         return e.GetErrorDescription() != nullptr ? e.GetErrorDescription() : "";
     }
     return "(none)";
+}
+
+// The error description of the CIllegalArgumentException that `f` throws, or
+// "(none)" when it throws nothing.
+template <class F> std::string ArgumentErrorOf(F f) {
+    try {
+        f();
+    } catch (lumo::base::CIllegalArgumentException const& e) {
+        return e.GetErrorDescription() != nullptr ? e.GetErrorDescription() : "";
+    }
+    return "(none)";
+}
+
+// Checks that the calls on a closed reader fail with "Reader closed.".
+template <class R> void ExpectReaderClosed(R& r) {
+    unsigned short buf[2];
+    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(); }));
+    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(buf, 0, 2); }));
+    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Skip(1); }));
+    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Reset(); }));
+    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Close(); }));
+}
+
+// Checks that writing to or flushing a closed writer fails with "Writer closed.".
+template <class W> void ExpectWriterClosed(W& w) {
+    unsigned short const units[] = {'x', 'y'};
+    EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(static_cast<unsigned short>('x')); }));
+    EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(units, 0, 2); }));
+    EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Flush(); }));
 }
 
 } // namespace lumotest

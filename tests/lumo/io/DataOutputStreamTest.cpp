@@ -134,8 +134,7 @@ TEST(DataOutputStream, OperatorsObjectsAndClose) {
         ExpectThrowWith<CIOException>([&] { out.WriteString(CUnicodeString("a")); },
                                       "Stream closed.");
         ExpectThrowWith<CIOException>([&] { out.WriteObject(p); }, "Stream closed.");
-        ExpectThrowWith<CIOException>([&] { out.Write('a'); }, "Stream closed.");
-        ExpectThrowWith<CIOException>([&] { out.Flush(); }, "Stream closed.");
+        streamtest::ExpectOutputClosed(out);
     }
     ExpectThrowWith<CIllegalArgumentException>(
         [] { CDataOutputStream(static_cast<COutputStream*>(nullptr)); }, "Invalid output stream.");

@@ -2,6 +2,7 @@
 
 #include "lumo/io/CharStreamsTestSupport.h"
 #include "lumo/io/FileTestSupport.h"
+#include "lumo/io/StreamTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -50,12 +51,8 @@ TEST(FileInputStreamTest, ReadsBytes) {
     EXPECT_EQ(0u, in.GetAvailable());
 
     in.Close();
-    EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.Read(); }));
-    EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.Read(buf, 0, 1); }));
-    EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.GetAvailable(); }));
-    EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.Skip(1); }));
+    streamtest::ExpectInputClosed(in);
     EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.Reset(); }));
-    EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.Close(); }));
 }
 
 TEST(FileInputStreamTest, OpenFailures) {
@@ -76,10 +73,8 @@ TEST(FileInputStreamTest, OpenFailures) {
     ASSERT_TRUE(lumotest::WriteAll(locked, "secret"));
     ASSERT_EQ(0, ::chmod(locked.c_str(), 0));
     std::string error;
-    if (!lumotest::RunWithoutPrivileges([&] { return OpenErrorOf(IO::Location(locked.c_str())); },
-                                        &error))
-        GTEST_SKIP() << "running as root and unable to drop root's rights: "
-                        "refused permissions cannot be checked";
+    LUMOTEST_WITHOUT_PRIVILEGES_OR_SKIP([&] { return OpenErrorOf(IO::Location(locked.c_str())); },
+                                        &error);
     EXPECT_EQ("Access denied.", error);
     EXPECT_EQ(before, lumotest::OpenDescriptorCount());
 }

@@ -5,6 +5,7 @@
 
 #include "lumo/io/CharStreamsTestSupport.h"
 #include "lumo/io/FileTestSupport.h"
+#include "lumo/io/StreamTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -22,10 +23,6 @@ using lumotest::ReadAll;
 using lumotest::TempDir;
 
 namespace {
-
-std::string AsString(std::vector<unsigned char> const& v) {
-    return std::string(v.begin(), v.end());
-}
 
 std::string OpenErrorOf(IO::Location const& where, bool append) {
     return IOErrorOf([&] { CFileOutputStream out(where, append); });
@@ -47,23 +44,21 @@ TEST(FileOutputStreamTest, WriteAndAppend) {
         out.Write("de", 2);
         out.Flush();
         out.Close();
-        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Write('y'); }));
-        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Write("y", 1); }));
-        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Flush(); }));
+        streamtest::ExpectOutputClosed(out);
         EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Close(); }));
     }
     // Without append an existing file is replaced.
-    EXPECT_EQ("xabcde", AsString(ReadAll(path)));
+    EXPECT_EQ("xabcde", lumotest::ReadText(path));
     {
         CFileOutputStream out(where, true);
         out.Write("fg", 2);
     } // the destructor closes
-    EXPECT_EQ("xabcdefg", AsString(ReadAll(path)));
+    EXPECT_EQ("xabcdefg", lumotest::ReadText(path));
     {
         CFileOutputStream created(IO::Location(dir.File("new.bin").c_str()), true);
         created.Write('n');
     }
-    EXPECT_EQ("n", AsString(ReadAll(dir.File("new.bin"))));
+    EXPECT_EQ("n", lumotest::ReadText(dir.File("new.bin")));
 }
 
 TEST(FileOutputStreamTest, OpenFailures) {
@@ -81,16 +76,14 @@ TEST(FileOutputStreamTest, OpenFailures) {
     ASSERT_TRUE(lumotest::WriteAll(locked, "keep"));
     ASSERT_EQ(0, ::chmod(locked.c_str(), 0444));
     std::string error;
-    if (!lumotest::RunWithoutPrivileges(
-            [&] {
-                return OpenErrorOf(IO::Location(locked.c_str()), false) + "|" +
-                       OpenErrorOf(IO::Location(locked.c_str()), true);
-            },
-            &error))
-        GTEST_SKIP() << "running as root and unable to drop root's rights: "
-                        "refused permissions cannot be checked";
+    LUMOTEST_WITHOUT_PRIVILEGES_OR_SKIP(
+        [&] {
+            return OpenErrorOf(IO::Location(locked.c_str()), false) + "|" +
+                   OpenErrorOf(IO::Location(locked.c_str()), true);
+        },
+        &error);
     EXPECT_EQ("Access denied.|Access denied.", error);
-    EXPECT_EQ("keep", AsString(ReadAll(locked)));
+    EXPECT_EQ("keep", lumotest::ReadText(locked));
     EXPECT_EQ(before, lumotest::OpenDescriptorCount());
 }
 
@@ -126,7 +119,7 @@ TEST(FileOutputStreamTest, BufferedFileMatchesStdio) {
     ASSERT_EQ(data.size(), std::fwrite(data.data(), 1, data.size(), f));
     ASSERT_EQ(0, std::fclose(f));
     EXPECT_TRUE(ReadAll(ours) == ReadAll(stdio));
-    if (std::system("command -v cmp >/dev/null 2>&1") == 0) {
+    if (lumotest::HaveCommand("cmp")) {
         EXPECT_EQ(0, std::system(("cmp -s " + ours + " " + stdio).c_str()));
     }
 

@@ -47,11 +47,7 @@ TEST(FileReaderTest, ReadsUnits) {
     EXPECT_EQ(CReader::EOS, r.Read());
 
     r.Close();
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(buf, 0, 1); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Skip(1); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Reset(); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Close(); }));
+    lumotest::ExpectReaderClosed(r);
 }
 
 TEST(FileReaderTest, OpenFailures) {
@@ -79,9 +75,7 @@ TEST(FileReaderTest, OpenFailures) {
     ASSERT_TRUE(lumotest::WriteAll(locked, "ab"));
     ASSERT_EQ(0, ::chmod(locked.c_str(), 0));
     std::string error;
-    if (!lumotest::RunWithoutPrivileges([&] { return OpenErrorOf(IO::Location(locked.c_str())); },
-                                        &error))
-        GTEST_SKIP() << "running as root and unable to drop root's rights: "
-                        "refused permissions cannot be checked";
+    LUMOTEST_WITHOUT_PRIVILEGES_OR_SKIP([&] { return OpenErrorOf(IO::Location(locked.c_str())); },
+                                        &error);
     EXPECT_EQ("Access denied.", error);
 }

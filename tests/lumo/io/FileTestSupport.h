@@ -70,12 +70,35 @@ inline std::vector<unsigned char> ReadAll(std::string const& path) {
     return bytes;
 }
 
+inline std::string ReadText(std::string const& path) {
+    std::vector<unsigned char> const bytes = ReadAll(path);
+    return std::string(bytes.begin(), bytes.end());
+}
+
 inline bool WriteAll(std::string const& path, std::string const& bytes) {
     std::FILE* f = std::fopen(path.c_str(), "wb");
     if (f == nullptr)
         return false;
     bool const ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
     return std::fclose(f) == 0 && ok;
+}
+
+// Whether a command is installed.
+inline bool HaveCommand(std::string const& name) {
+    return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+// The output of a shell command, or false when it failed.
+inline bool RunCommand(std::string const& command, std::string* output) {
+    std::FILE* p = ::popen(command.c_str(), "r");
+    if (p == nullptr)
+        return false;
+    output->clear();
+    char buf[4096];
+    std::size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0)
+        output->append(buf, n);
+    return ::pclose(p) == 0;
 }
 
 // Descriptors this process has open, to prove that failures leak none.
@@ -145,5 +168,12 @@ inline bool RunWithoutPrivileges(std::function<std::string()> const& f, std::str
 }
 
 } // namespace lumotest
+
+// Stores in *result what `f` reports about a refused permission (see
+// RunWithoutPrivileges), or skips the test when that cannot be seen.
+#define LUMOTEST_WITHOUT_PRIVILEGES_OR_SKIP(f, result)                                             \
+    if (!lumotest::RunWithoutPrivileges(f, result))                                                \
+    GTEST_SKIP() << "running as root and unable to drop root's rights: "                           \
+                    "refused permissions cannot be checked"
 
 #endif

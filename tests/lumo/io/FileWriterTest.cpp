@@ -5,12 +5,8 @@
 #include "lumo/io/FileTestSupport.h"
 
 #include <gtest/gtest.h>
-#include <unicode/ustring.h>
 
 #include <sys/stat.h>
-
-#include <cstdio>
-#include <cstdlib>
 
 using lumo::base::CUnicodeString;
 using lumo::io::CFileReader;
@@ -18,38 +14,6 @@ using lumo::io::CFileWriter;
 using lumotest::IOErrorOf;
 using lumotest::ReadAll;
 using lumotest::TempDir;
-
-namespace {
-
-std::string AsString(std::vector<unsigned char> const& v) {
-    return std::string(v.begin(), v.end());
-}
-
-std::string Utf8(std::u16string const& text) {
-    std::string out(text.size() * 3, '\0');
-    int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strToUTF8(&out[0], static_cast<int32_t>(out.size()), &length,
-                reinterpret_cast<UChar const*>(text.data()), static_cast<int32_t>(text.size()),
-                &status);
-    out.resize(static_cast<std::size_t>(length));
-    return out;
-}
-
-// The output of a shell command, or false when it failed.
-bool RunCommand(std::string const& command, std::string* output) {
-    std::FILE* p = ::popen(command.c_str(), "r");
-    if (p == nullptr)
-        return false;
-    output->clear();
-    char buf[4096];
-    std::size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0)
-        output->append(buf, n);
-    return ::pclose(p) == 0;
-}
-
-} // namespace
 
 TEST(FileWriterTest, WritesUtf16LittleEndian) {
     TempDir dir;
@@ -66,15 +30,13 @@ TEST(FileWriterTest, WritesUtf16LittleEndian) {
         w.Write(CUnicodeString("z"));
         w.Flush();
         w.Close();
-        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(static_cast<unsigned short>('x')); }));
-        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Write(pair, 0, 1); }));
-        EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Flush(); }));
+        lumotest::ExpectWriterClosed(w);
         EXPECT_EQ("Writer closed.", IOErrorOf([&] { w.Close(); }));
     }
     EXPECT_EQ(std::string("A\0\xAC\x20\x3D\xD8\x00\xDE"
                           "z\0",
                           10),
-              AsString(ReadAll(path)));
+              lumotest::ReadText(path));
 }
 
 TEST(FileWriterTest, RoundTripAndIconv) {
@@ -104,18 +66,19 @@ TEST(FileWriterTest, RoundTripAndIconv) {
     }
     EXPECT_TRUE(back == text);
 
-    if (std::system("command -v iconv >/dev/null 2>&1") != 0)
+    if (!lumotest::HaveCommand("iconv"))
         GTEST_SKIP() << "no iconv command on this system: the check against iconv is skipped";
     // iconv reads the file as UTF-16LE and finds the text.
     std::string converted;
-    ASSERT_TRUE(RunCommand("iconv -f UTF-16LE -t UTF-8 " + path, &converted));
-    EXPECT_TRUE(converted == Utf8(text));
+    ASSERT_TRUE(lumotest::RunCommand("iconv -f UTF-16LE -t UTF-8 " + path, &converted));
+    EXPECT_TRUE(converted == lumotest::IcuUtf8(text));
     // And what iconv writes as UTF-16LE reads back unchanged.
     std::string const utf8Path = dir.File("text.utf8");
     std::string const fromIconv = dir.File("iconv.u16");
-    ASSERT_TRUE(lumotest::WriteAll(utf8Path, Utf8(text)));
+    ASSERT_TRUE(lumotest::WriteAll(utf8Path, lumotest::IcuUtf8(text)));
     std::string ignored;
-    ASSERT_TRUE(RunCommand("iconv -f UTF-8 -t UTF-16LE " + utf8Path + " > " + fromIconv, &ignored));
+    ASSERT_TRUE(lumotest::RunCommand("iconv -f UTF-8 -t UTF-16LE " + utf8Path + " > " + fromIconv,
+                                     &ignored));
     EXPECT_TRUE(ReadAll(fromIconv) == ReadAll(path));
 }
 
@@ -135,9 +98,7 @@ TEST(FileWriterTest, OpenFailures) {
     ASSERT_TRUE(lumotest::WriteAll(locked, "keep"));
     ASSERT_EQ(0, ::chmod(locked.c_str(), 0444));
     std::string error;
-    if (!lumotest::RunWithoutPrivileges([&] { return openError(locked); }, &error))
-        GTEST_SKIP() << "running as root and unable to drop root's rights: "
-                        "refused permissions cannot be checked";
+    LUMOTEST_WITHOUT_PRIVILEGES_OR_SKIP([&] { return openError(locked); }, &error);
     EXPECT_EQ("Access denied.", error);
-    EXPECT_EQ("keep", AsString(ReadAll(locked)));
+    EXPECT_EQ("keep", lumotest::ReadText(locked));
 }

@@ -6,16 +6,15 @@
 #include <lumo/io/MemoryInputStream.h>
 #include <lumo/io/MemoryOutputStream.h>
 
+#include "lumo/io/FileTestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 using lumo::base::CUnicodeString;
@@ -72,10 +71,6 @@ public class Check {
 }
 )JAVA";
 
-bool HaveJava() {
-    return std::system("command -v java >/dev/null 2>&1") == 0;
-}
-
 std::string Units(CUnicodeString const& s) {
     std::string line = "T " + std::to_string(s.GetLength());
     char hex[8];
@@ -94,13 +89,12 @@ CUnicodeString FromUnits(std::vector<unsigned short> units) {
 } // namespace
 
 TEST(JavaDataOutputStream, TheJdkReadsWhatWeWriteAndWeReadWhatItWrites) {
-    if (!HaveJava())
+    if (!lumotest::HaveCommand("java"))
         GTEST_SKIP() << "no `java` launcher on this machine: JDK interoperability not checked";
 
-    char dirTemplate[] = "/tmp/lumo-java-XXXXXX";
-    ASSERT_NE(mkdtemp(dirTemplate), nullptr);
-    std::string const dir = dirTemplate;
-    std::ofstream(dir + "/Check.java") << kJavaSource;
+    lumotest::TempDir dir;
+    ASSERT_TRUE(dir.Ok());
+    ASSERT_TRUE(lumotest::WriteAll(dir.File("Check.java"), kJavaSource));
 
     long const ints[] = {0, 1, -1, INT_MIN, INT_MAX, 0x01020304};
     short const shorts[] = {-2, SHRT_MIN, SHRT_MAX};
@@ -143,26 +137,16 @@ TEST(JavaDataOutputStream, TheJdkReadsWhatWeWriteAndWeReadWhatItWrites) {
         expected << Units(s) << "\n";
     }
     expected << "END 0\n";
-    std::ofstream(dir + "/in.bin", std::ios::binary)
-        .write(memory.GetBuffer(), static_cast<std::streamsize>(memory.GetBufferSize()));
+    ASSERT_TRUE(lumotest::WriteAll(dir.File("in.bin"),
+                                   std::string(memory.GetBuffer(), memory.GetBufferSize())));
 
-    std::string const command = "cd '" + dir + "' && java Check.java in.bin out.bin 2>java.err";
-    FILE* pipe = popen(command.c_str(), "r");
-    ASSERT_NE(pipe, nullptr);
     std::string printed;
-    char chunk[4096];
-    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;)
-        printed.append(chunk, n);
-    int const status = pclose(pipe);
-    std::ifstream errors(dir + "/java.err");
-    std::string const errorText((std::istreambuf_iterator<char>(errors)),
-                                std::istreambuf_iterator<char>());
-    ASSERT_EQ(status, 0) << errorText;
+    ASSERT_TRUE(lumotest::RunCommand(
+        "cd '" + dir.Path() + "' && java Check.java in.bin out.bin 2>java.err", &printed))
+        << lumotest::ReadText(dir.File("java.err"));
     EXPECT_EQ(printed, expected.str());
 
-    std::ifstream javaFile(dir + "/out.bin", std::ios::binary);
-    std::string const javaBytes((std::istreambuf_iterator<char>(javaFile)),
-                                std::istreambuf_iterator<char>());
+    std::string const javaBytes = lumotest::ReadText(dir.File("out.bin"));
     CMemoryInputStream memIn(javaBytes.data(), javaBytes.size(), false);
     CJavaDataInputStream in(&memIn);
     EXPECT_EQ(in.ReadInt32(), 123456789);
@@ -181,8 +165,4 @@ TEST(JavaDataOutputStream, TheJdkReadsWhatWeWriteAndWeReadWhatItWrites) {
     EXPECT_EQ(euros.GetLength(), 20000u);
     EXPECT_EQ(euros[19999], 0x20AC);
     EXPECT_EQ(memIn.GetAvailable(), 0u);
-
-    for (char const* name : {"Check.java", "in.bin", "out.bin", "java.err"})
-        std::remove((dir + "/" + name).c_str());
-    rmdir(dir.c_str());
 }

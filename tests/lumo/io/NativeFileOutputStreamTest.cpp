@@ -2,14 +2,15 @@
 
 #include "lumo/io/CharStreamsTestSupport.h"
 #include "lumo/io/FileTestSupport.h"
+#include "lumo/io/StreamTestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
 using lumo::io::CNativeFileOutputStream;
+using lumotest::ArgumentErrorOf;
 using lumotest::IOErrorOf;
-using lumotest::ReadAll;
 using lumotest::TempDir;
 
 namespace {
@@ -18,19 +19,6 @@ std::vector<unsigned short> U16Path(std::string const& path) {
     std::vector<unsigned short> units(path.begin(), path.end());
     units.push_back(0);
     return units;
-}
-
-std::string AsString(std::vector<unsigned char> const& v) {
-    return std::string(v.begin(), v.end());
-}
-
-std::string ArgumentErrorOf(unsigned short const* path) {
-    try {
-        CNativeFileOutputStream out(path, false);
-    } catch (lumo::base::CIllegalArgumentException const& e) {
-        return e.GetErrorDescription();
-    }
-    return "(none)";
 }
 
 } // namespace
@@ -47,17 +35,15 @@ TEST(NativeFileOutputStreamTest, OverwritesWithoutTruncating) {
         out.Write("-bc-", 1, 2);
         out.Flush();
     }
-    EXPECT_EQ("abc3456789", AsString(ReadAll(path)));
+    EXPECT_EQ("abc3456789", lumotest::ReadText(path));
     {
         CNativeFileOutputStream out(U16Path(path).data(), true);
         out.Write("xy", 2);
         out.Close();
         out.Close();
-        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Write('z'); }));
-        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Write("z", 1); }));
-        EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Flush(); }));
+        streamtest::ExpectOutputClosed(out);
     }
-    EXPECT_EQ("abc3456789xy", AsString(ReadAll(path)));
+    EXPECT_EQ("abc3456789xy", lumotest::ReadText(path));
     {
         std::u16string const name = u"\u00E9t\u00E9.bin";
         std::vector<unsigned short> created = U16Path(dir.Path() + "/");
@@ -65,7 +51,7 @@ TEST(NativeFileOutputStreamTest, OverwritesWithoutTruncating) {
         CNativeFileOutputStream out(created.data(), false);
         out.Write("new", 3);
     }
-    EXPECT_EQ("new", AsString(ReadAll(dir.File("\xC3\xA9t\xC3\xA9.bin"))));
+    EXPECT_EQ("new", lumotest::ReadText(dir.File("\xC3\xA9t\xC3\xA9.bin")));
     EXPECT_EQ(before, lumotest::OpenDescriptorCount());
 }
 
@@ -75,9 +61,13 @@ TEST(NativeFileOutputStreamTest, Failures) {
     int const before = lumotest::OpenDescriptorCount();
     unsigned short const empty[] = {0};
     unsigned short const lone[] = {'/', 't', 'm', 'p', '/', 0xD800, 0};
-    EXPECT_EQ("Invalid file path.", ArgumentErrorOf(nullptr));
-    EXPECT_EQ("Invalid file path.", ArgumentErrorOf(empty));
-    EXPECT_EQ("Invalid file path.", ArgumentErrorOf(lone));
+    EXPECT_EQ("Invalid file path.", ArgumentErrorOf([&] {
+                  CNativeFileOutputStream out(static_cast<unsigned short const*>(nullptr), false);
+              }));
+    EXPECT_EQ("Invalid file path.",
+              ArgumentErrorOf([&] { CNativeFileOutputStream out(empty, false); }));
+    EXPECT_EQ("Invalid file path.",
+              ArgumentErrorOf([&] { CNativeFileOutputStream out(lone, false); }));
     EXPECT_EQ("Failed to open the specified file.",
               IOErrorOf([&] { CNativeFileOutputStream out(U16Path(dir.Path()).data(), false); }));
     EXPECT_EQ("Failed to open the specified file.", IOErrorOf([&] {
@@ -95,13 +85,10 @@ TEST(NativeFileOutputStreamTest, Failures) {
     ASSERT_TRUE(lumotest::WriteAll(locked, "keep"));
     ASSERT_EQ(0, ::chmod(locked.c_str(), 0444));
     std::string error;
-    if (!lumotest::RunWithoutPrivileges(
-            [&] {
-                return IOErrorOf(
-                    [&] { CNativeFileOutputStream out(U16Path(locked).data(), true); });
-            },
-            &error))
-        GTEST_SKIP() << "running as root and unable to drop root's rights: "
-                        "refused permissions cannot be checked";
+    LUMOTEST_WITHOUT_PRIVILEGES_OR_SKIP(
+        [&] {
+            return IOErrorOf([&] { CNativeFileOutputStream out(U16Path(locked).data(), true); });
+        },
+        &error);
     EXPECT_EQ("Access denied.", error);
 }

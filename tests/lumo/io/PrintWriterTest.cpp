@@ -92,12 +92,9 @@ TEST(PrintWriterTest, LineEndsAndAutoFlush) {
 }
 
 TEST(PrintWriterTest, ConstructionAndClose) {
-    try {
-        CPrintWriter p(static_cast<CWriter*>(nullptr), false);
-        ADD_FAILURE();
-    } catch (lumo::base::CIllegalArgumentException const& e) {
-        EXPECT_STREQ("Invalid writer.", e.GetErrorDescription());
-    }
+    EXPECT_EQ("Invalid writer.", lumotest::ArgumentErrorOf([] {
+                  CPrintWriter p(static_cast<CWriter*>(nullptr), false);
+              }));
     EXPECT_THROW(CPrintWriter(CRef<CWriter>(), true), lumo::base::CIllegalArgumentException);
 
     ArrayWriter sink;
@@ -108,7 +105,6 @@ TEST(PrintWriterTest, ConstructionAndClose) {
     EXPECT_EQ("Writer closed.", IOErrorOf([&] { p.Print(1L); }));
     EXPECT_EQ("Writer closed.", IOErrorOf([&] { p.Print("x"); }));
     EXPECT_EQ("Writer closed.", IOErrorOf([&] { p.Println(); }));
-    EXPECT_EQ("Writer closed.", IOErrorOf([&] { p.Write(static_cast<unsigned short>('x')); }));
-    EXPECT_EQ("Writer closed.", IOErrorOf([&] { p.Flush(); }));
+    lumotest::ExpectWriterClosed(p);
     EXPECT_TRUE(sink.text.empty());
 }

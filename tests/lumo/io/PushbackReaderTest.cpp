@@ -7,24 +7,17 @@
 using lumo::base::CRef;
 using lumo::io::CPushbackReader;
 using lumo::io::CReader;
+using lumotest::ArgumentErrorOf;
 using lumotest::ArrayReader;
 using lumotest::IOErrorOf;
 using lumotest::ToU16;
 
 TEST(PushbackReaderTest, Construction) {
     ArrayReader source(u"x");
-    try {
-        CPushbackReader r(static_cast<CReader*>(nullptr), 2);
-        ADD_FAILURE();
-    } catch (lumo::base::CIllegalArgumentException const& e) {
-        EXPECT_STREQ("Invalid reader.", e.GetErrorDescription());
-    }
-    try {
-        CPushbackReader r(&source, 0);
-        ADD_FAILURE();
-    } catch (lumo::base::CIllegalArgumentException const& e) {
-        EXPECT_STREQ("Invalid pushback buffer size.", e.GetErrorDescription());
-    }
+    EXPECT_EQ("Invalid reader.",
+              ArgumentErrorOf([] { CPushbackReader r(static_cast<CReader*>(nullptr), 2); }));
+    EXPECT_EQ("Invalid pushback buffer size.",
+              ArgumentErrorOf([&] { CPushbackReader r(&source, 0); }));
     int destroyed = 0;
     ArrayReader* shared = new ArrayReader(u"q");
     shared->destroyed = &destroyed;
@@ -99,12 +92,7 @@ TEST(PushbackReaderTest, SkipResetClose) {
 
     r.Close();
     EXPECT_TRUE(source.closed);
-    unsigned short buf[2];
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Read(buf, 0, 2); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Skip(1); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Reset(); }));
-    EXPECT_EQ("Reader closed.", IOErrorOf([&] { r.Close(); }));
+    lumotest::ExpectReaderClosed(r);
     // Giving back makes no closed test.
     r.Unread('z');
 }

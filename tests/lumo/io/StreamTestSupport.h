@@ -25,6 +25,8 @@ public:
     }
 
     void Write(char const* buf, unsigned long off, unsigned long len) override {
+        if (throwOnWrite)
+            throw lumo::io::CIOException("test", 1, "write failed", nullptr);
         blockWrites.push_back(len);
         bytes.append(buf + off, len);
     }
@@ -50,6 +52,7 @@ public:
     int flushes = 0;
     int closes = 0;
     bool throwOnClose = false;
+    bool throwOnWrite = false;
 
 private:
     bool* m_destroyed;
@@ -107,6 +110,24 @@ template <class E, class F> void ExpectThrowWith(F&& f, char const* description)
     } catch (E const& e) {
         EXPECT_STREQ(e.GetErrorDescription(), description);
     }
+}
+
+// Checks that writing to or flushing a closed stream fails with "Stream closed.".
+template <class S> void ExpectOutputClosed(S& out) {
+    ExpectThrowWith<lumo::io::CIOException>([&] { out.Write('x'); }, "Stream closed.");
+    ExpectThrowWith<lumo::io::CIOException>([&] { out.Write("xy", 2); }, "Stream closed.");
+    ExpectThrowWith<lumo::io::CIOException>([&] { out.Flush(); }, "Stream closed.");
+}
+
+// Checks that reading, skipping, asking for the available bytes and closing a
+// closed stream fail with "Stream closed.".
+template <class S> void ExpectInputClosed(S& in) {
+    char buf[2];
+    ExpectThrowWith<lumo::io::CIOException>([&] { in.Read(); }, "Stream closed.");
+    ExpectThrowWith<lumo::io::CIOException>([&] { in.Read(buf, 0, 2); }, "Stream closed.");
+    ExpectThrowWith<lumo::io::CIOException>([&] { in.Skip(1); }, "Stream closed.");
+    ExpectThrowWith<lumo::io::CIOException>([&] { in.GetAvailable(); }, "Stream closed.");
+    ExpectThrowWith<lumo::io::CIOException>([&] { in.Close(); }, "Stream closed.");
 }
 
 } // namespace streamtest

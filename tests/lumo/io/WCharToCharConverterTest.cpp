@@ -1,8 +1,9 @@
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 
+#include "lumo/io/CharStreamsTestSupport.h"
+
 #include <gtest/gtest.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <random>
@@ -13,6 +14,7 @@ using lumo::base::CRef;
 using lumo::io::CWCharToCharConverter;
 using lumo::io::CWCharToCharConverterFactory;
 using lumo::io::CWCharToCharUTF8;
+using lumotest::IcuUtf8;
 
 namespace {
 
@@ -26,17 +28,6 @@ std::string Convert(CWCharToCharConverter& c, Units const& units, unsigned long 
     if (n < 0)
         return "<-1>";
     return std::string(out.data() + 4, static_cast<std::size_t>(n));
-}
-
-std::string Icu(Units const& units) {
-    std::vector<char> out(units.size() * 4 + 4);
-    int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strToUTF8(out.data(), static_cast<int32_t>(out.size()), &length,
-                reinterpret_cast<UChar const*>(units.data()), static_cast<int32_t>(units.size()),
-                &status);
-    EXPECT_TRUE(U_SUCCESS(status));
-    return std::string(out.data(), static_cast<std::size_t>(length));
 }
 
 std::string Invalid(char const* name) {
@@ -136,7 +127,8 @@ TEST(WCharToCharConverterTest, MatchesIcu) {
             text.push_back(static_cast<unsigned short>(c));
     std::shuffle(text.begin(), text.end(), random);
     CWCharToCharUTF8 c;
-    EXPECT_EQ(Icu(text), Convert(c, text, static_cast<unsigned long>(text.size() * 3)));
+    EXPECT_EQ(IcuUtf8(lumotest::ToU16(text)),
+              Convert(c, text, static_cast<unsigned long>(text.size() * 3)));
 
     // Supplementary characters split across calls come out as ICU writes them.
     Units mixed;
@@ -158,7 +150,7 @@ TEST(WCharToCharConverterTest, MatchesIcu) {
         from = cut;
     }
     ours += Convert(c, Units(mixed.begin() + static_cast<long>(from), mixed.end()));
-    EXPECT_EQ(Icu(mixed), ours);
+    EXPECT_EQ(IcuUtf8(lumotest::ToU16(mixed)), ours);
 }
 
 TEST(WCharToCharConverterTest, Registry) {

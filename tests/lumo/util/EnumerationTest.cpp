@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 using lumo::base::CNullReferenceException;
 using lumo::util::CEnumeration;
 using lumo::util::CNoSuchElementException;
@@ -60,12 +62,8 @@ TEST(Enumeration, HandlesShareOneEnumerationAndDeleteItOnce) {
     CEnumeration<int> empty;
     CEnumeration<int> fromNull(nullptr);
     EXPECT_EQ(fromNull.GetEnumeration(), nullptr);
-    try {
-        empty.HasMoreElements();
-        ADD_FAILURE();
-    } catch (CNullReferenceException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/Enumeration");
-    }
+    testutil::ExpectThrowIn<CNullReferenceException>("lumo/util/Enumeration",
+                                                     [&] { empty.HasMoreElements(); });
     EXPECT_THROW(fromNull.NextElement(), CNullReferenceException);
     EXPECT_THROW(empty.Reset(), CNullReferenceException);
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <lumo/util/Tracked.h>
 
 #include <set>
@@ -29,12 +31,8 @@ TEST(Hashtable, StringKeyedRegistryOfBorrowedPointers) {
     EXPECT_EQ(registry.Get("UTF-8"), &utf8);
     EXPECT_EQ(*registry.Find("ISO-8859-1"), &latin);
     EXPECT_EQ(registry.Find("utf-8"), nullptr); // case matters
-    try {
-        registry.Get("UTF-16");
-        ADD_FAILURE();
-    } catch (CNoSuchElementException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/Hashtable");
-    }
+    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/Hashtable",
+                                                     [&] { registry.Get("UTF-16"); });
     Factory* previous = nullptr;
     EXPECT_TRUE(registry.Put("UTF-8", &latin, &previous));
     EXPECT_EQ(previous, &utf8);

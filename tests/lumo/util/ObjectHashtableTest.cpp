@@ -9,7 +9,6 @@
 
 #include <vector>
 
-using lumo::base::CIllegalArgumentException;
 using lumo::base::CObject;
 using lumo::util::CEnumeration;
 using lumo::util::CNoSuchElementException;
@@ -27,15 +26,7 @@ std::vector<int> Keys(CObjectHashtable const& table) {
     return keys;
 }
 
-template <class F> void ExpectIllegal(F f, char const* description) {
-    try {
-        f();
-        ADD_FAILURE() << "no exception";
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), description);
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/ObjectHashtable");
-    }
-}
+testutil::IllegalIn const ExpectIllegal{"lumo/util/ObjectHashtable"};
 
 // Puts new keys 1000 + size, ... (distinct hashes) until the table holds `count`
 // entries.

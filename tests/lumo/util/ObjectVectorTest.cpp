@@ -10,7 +10,6 @@
 #include <cstring>
 
 using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CIllegalArgumentException;
 using lumo::base::CMemoryException;
 using lumo::base::CObject;
 using lumo::util::CNoSuchElementException;
@@ -26,15 +25,7 @@ void Fill(CObjectVector& v, int count) {
         v.AddElement(new CValue(i));
 }
 
-template <class F> void ExpectIllegal(F f, char const* description) {
-    try {
-        f();
-        ADD_FAILURE() << "no exception";
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), description);
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/ObjectVector");
-    }
-}
+testutil::IllegalIn const ExpectIllegal{"lumo/util/ObjectVector"};
 
 } // namespace
 
@@ -90,12 +81,8 @@ TEST(ObjectVector, AccessSearchAndBadArguments) {
     v.AddElement(new CValue(5));
     EXPECT_EQ(ValueOf(v.GetFirstElement()), 5);
     EXPECT_EQ(ValueOf(v.GetLastElement()), 5);
-    try {
-        v.GetElementAt(3);
-        ADD_FAILURE();
-    } catch (CArrayIndexOutOfBoundsException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/ObjectVector");
-    }
+    testutil::ExpectThrowIn<CArrayIndexOutOfBoundsException>("lumo/util/ObjectVector",
+                                                             [&] { v.GetElementAt(3); });
     CValue five(5), seven(7);
     EXPECT_EQ(v.GetIndexOf(&five), 0);
     EXPECT_EQ(v.GetLastIndexOf(&five), 2);

@@ -30,12 +30,7 @@ TEST(Queue, FirstInFirstOutAcrossWrapAroundGrowthAndShrink) {
     for (int expected = 2; expected <= 4; ++expected)
         EXPECT_EQ(q.Dequeue(), expected);
     EXPECT_EQ(q.GetCapacity(), 2u);
-    try {
-        q.Dequeue();
-        ADD_FAILURE();
-    } catch (CEmptyQueueException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/Queue");
-    }
+    testutil::ExpectThrowIn<CEmptyQueueException>("lumo/util/Queue", [&] { q.Dequeue(); });
     EXPECT_THROW(q.Peek(), CEmptyQueueException);
     EXPECT_EQ(copy.GetSize(), 3u);
     q = copy;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <lumo/util/Tracked.h>
 
 using lumo::util::CEmptyStackException;
@@ -11,12 +13,7 @@ using testutil::Tracked;
 TEST(Stack, LastInFirstOutWithTheCapacityRule) {
     {
         Stack<Tracked> s(0, 3);
-        try {
-            s.Pop();
-            ADD_FAILURE();
-        } catch (CEmptyStackException const& e) {
-            EXPECT_STREQ(e.GetSourceFile(), "lumo/util/Stack");
-        }
+        testutil::ExpectThrowIn<CEmptyStackException>("lumo/util/Stack", [&] { s.Pop(); });
         EXPECT_THROW(s.Peek(), CEmptyStackException);
         for (int i = 0; i < 7; ++i)
             s.Push(Tracked(i));

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <string>
 #include <vector>
 
@@ -24,13 +26,7 @@ std::vector<std::string> KeysOf(CStringMap const& map) {
 }
 
 template <class F> void ExpectInvalidKey(F f) {
-    try {
-        f();
-        ADD_FAILURE() << "no exception";
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), "Invalid key.");
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringMap");
-    }
+    testutil::ExpectThrowIn<CIllegalArgumentException>("lumo/util/StringMap", f, "Invalid key.");
 }
 
 } // namespace
@@ -60,12 +56,8 @@ TEST(StringMap, KeysInInsertionOrderWithOrWithoutCase) {
     EXPECT_TRUE(map.Contains(nullptr));
     EXPECT_THROW(map.GetKeyAt(3), CArrayIndexOutOfBoundsException);
     EXPECT_THROW(map.GetAt(3), CArrayIndexOutOfBoundsException);
-    try {
-        map.Get("gamma");
-        ADD_FAILURE();
-    } catch (CNoSuchElementException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringMap");
-    }
+    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringMap",
+                                                     [&] { map.Get("gamma"); });
     for (int i = 0; i < 3; ++i)
         map.Put(std::to_string(i).c_str(), "n");
     EXPECT_EQ(map.GetCapacity(), 10u);

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <set>
 #include <string>
 
@@ -43,20 +45,11 @@ TEST(StringSet, MembershipGrowthAndBadKeys) {
     EXPECT_FALSE(set.Contains("APPLE"));
     set.Remove("apple");
     EXPECT_FALSE(set.Contains("apple"));
-    try {
-        set.Remove("apple");
-        ADD_FAILURE();
-    } catch (CNoSuchElementException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringHashtable");
-    }
+    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringHashtable",
+                                                     [&] { set.Remove("apple"); });
     for (char const* bad : {"", static_cast<char const*>(nullptr)}) {
-        try {
-            set.Put(bad);
-            ADD_FAILURE();
-        } catch (CIllegalArgumentException const& e) {
-            EXPECT_STREQ(e.GetErrorDescription(), "Invalid key.");
-            EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringHashtable");
-        }
+        testutil::ExpectThrowIn<CIllegalArgumentException>(
+            "lumo/util/StringHashtable", [&] { set.Put(bad); }, "Invalid key.");
         EXPECT_THROW(set.Contains(bad), CIllegalArgumentException);
         EXPECT_THROW(set.Remove(bad), CIllegalArgumentException);
     }

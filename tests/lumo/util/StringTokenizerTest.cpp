@@ -5,10 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <string>
 #include <vector>
 
-using lumo::base::CIllegalArgumentException;
 using lumo::util::CNoSuchElementException;
 using lumo::util::CStringTokenizer;
 
@@ -21,15 +22,7 @@ std::vector<std::string> Drain(CStringTokenizer& t) {
     return tokens;
 }
 
-template <class F> void ExpectIllegal(F f, char const* description) {
-    try {
-        f();
-        ADD_FAILURE() << "no exception";
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), description);
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringTokenizer");
-    }
-}
+testutil::IllegalIn const ExpectIllegal{"lumo/util/StringTokenizer"};
 
 } // namespace
 
@@ -41,12 +34,8 @@ TEST(StringTokenizer, RunsOfDelimitersSeparateTokens) {
     EXPECT_STREQ(t.GetNextToken(), "b");
     EXPECT_FALSE(t.HasMoreTokens());
     EXPECT_EQ(t.GetTokenCount(), 0u);
-    try {
-        t.GetNextToken();
-        ADD_FAILURE();
-    } catch (CNoSuchElementException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringTokenizer");
-    }
+    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringTokenizer",
+                                                     [&] { t.GetNextToken(); });
 
     CStringTokenizer commas(",,,", ",");
     EXPECT_EQ(commas.GetTokenCount(), 0u);

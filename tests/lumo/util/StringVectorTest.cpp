@@ -5,12 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <cstring>
 #include <string>
 #include <vector>
 
 using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CIllegalArgumentException;
 using lumo::base::CString;
 using lumo::util::CEnumeration;
 using lumo::util::CNoSuchElementException;
@@ -25,15 +26,7 @@ std::vector<std::string> Texts(CStringVector const& v) {
     return texts;
 }
 
-template <class F> void ExpectIllegal(F f, char const* description) {
-    try {
-        f();
-        ADD_FAILURE() << "no exception";
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), description);
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/StringVector");
-    }
-}
+testutil::IllegalIn const ExpectIllegal{"lumo/util/StringVector"};
 
 } // namespace
 

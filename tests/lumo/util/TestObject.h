@@ -1,7 +1,10 @@
 #ifndef LUMO_TESTS_UTIL_TESTOBJECT_H
 #define LUMO_TESTS_UTIL_TESTOBJECT_H
 
+#include <lumo/base/Exception.h>
 #include <lumo/base/Object.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 
@@ -44,6 +47,29 @@ public:
 inline int ValueOf(lumo::base::CObject const* obj) {
     return dynamic_cast<CValue const&>(*obj).Value();
 }
+
+// Checks that `f` throws E raised in `sourceFile`, with `description` unless null.
+template <class E, class F>
+void ExpectThrowIn(char const* sourceFile, F f, char const* description = nullptr) {
+    try {
+        f();
+        ADD_FAILURE() << "no exception";
+    } catch (E const& e) {
+        if (description != nullptr) {
+            EXPECT_STREQ(e.GetErrorDescription(), description);
+        }
+        EXPECT_STREQ(e.GetSourceFile(), sourceFile);
+    }
+}
+
+// Checks CIllegalArgumentException from one source file:
+// `IllegalIn const ExpectIllegal{"lumo/util/X"};`.
+struct IllegalIn {
+    char const* sourceFile;
+    template <class F> void operator()(F f, char const* description) const {
+        ExpectThrowIn<lumo::base::CIllegalArgumentException>(sourceFile, f, description);
+    }
+};
 
 } // namespace testutil
 

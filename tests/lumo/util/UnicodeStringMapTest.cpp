@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <lumo/util/WideText.h>
 
 using lumo::base::CArrayIndexOutOfBoundsException;
@@ -31,13 +33,8 @@ TEST(UnicodeStringMap, PrefixMapWithExactKeys) {
     EXPECT_TRUE(map.Contains(nullptr));
     EXPECT_THROW(map.Get(W(u"xsi")), CNoSuchElementException);
     EXPECT_THROW(map.GetAt(3), CArrayIndexOutOfBoundsException);
-    try {
-        map.Put(W(u""), W(u"v"));
-        ADD_FAILURE();
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), "Invalid key.");
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/UnicodeStringMap");
-    }
+    testutil::ExpectThrowIn<CIllegalArgumentException>(
+        "lumo/util/UnicodeStringMap", [&] { map.Put(W(u""), W(u"v")); }, "Invalid key.");
     EXPECT_THROW(map.ContainsKey(nullptr), CIllegalArgumentException);
 
     CUnicodeStringMap copy(map);

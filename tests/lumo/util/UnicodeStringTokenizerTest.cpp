@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <lumo/util/WideText.h>
 
 #include <vector>
@@ -23,12 +25,8 @@ TEST(UnicodeStringTokenizer, SplitsOnUtf16Delimiters) {
     while (t.HasMoreTokens())
         tokens.push_back(U16(t.GetNextToken()));
     EXPECT_EQ(tokens, (std::vector<std::u16string>{u"\u00e9t\u00e9", u"hiver"}));
-    try {
-        t.GetNextToken();
-        ADD_FAILURE();
-    } catch (CNoSuchElementException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/UnicodeStringTokenizer");
-    }
+    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/UnicodeStringTokenizer",
+                                                     [&] { t.GetNextToken(); });
 
     CUnicodeStringTokenizer path(W(u"a/b:c"), W(u"/"));
     EXPECT_EQ(U16(path.GetNextToken()), u"a");
@@ -50,13 +48,9 @@ TEST(UnicodeStringTokenizer, SplitsOnUtf16Delimiters) {
     EXPECT_FALSE(only.HasMoreTokens());
     EXPECT_EQ(only.GetTokenCount(), 0u);
 
-    try {
-        CUnicodeStringTokenizer bad(W(u""), nullptr);
-        ADD_FAILURE();
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), "Invalid source text.");
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/UnicodeStringTokenizer");
-    }
+    testutil::ExpectThrowIn<CIllegalArgumentException>(
+        "lumo/util/UnicodeStringTokenizer", [&] { CUnicodeStringTokenizer bad(W(u""), nullptr); },
+        "Invalid source text.");
     EXPECT_THROW(CUnicodeStringTokenizer(W(u"a"), W(u"")), CIllegalArgumentException);
     EXPECT_THROW(path.GetNextToken(nullptr), CIllegalArgumentException);
 }

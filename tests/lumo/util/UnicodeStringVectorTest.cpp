@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <lumo/util/WideText.h>
 
 #include <vector>
@@ -69,13 +71,8 @@ TEST(UnicodeStringVector, ElementOperationsOverUtf16Texts) {
     }
     EXPECT_EQ(seen, 3);
 
-    try {
-        v.AddElement(nullptr);
-        ADD_FAILURE();
-    } catch (CIllegalArgumentException const& e) {
-        EXPECT_STREQ(e.GetErrorDescription(), "Invalid element.");
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/UnicodeStringVector");
-    }
+    testutil::ExpectThrowIn<CIllegalArgumentException>(
+        "lumo/util/UnicodeStringVector", [&] { v.AddElement(nullptr); }, "Invalid element.");
     EXPECT_THROW(v.Contains(nullptr), CIllegalArgumentException);
     EXPECT_THROW(v.SetElementAt(nullptr, 9), CIllegalArgumentException);
     EXPECT_EQ(v.GetSize(), 3u);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <lumo/util/TestObject.h>
+
 #include <lumo/util/Tracked.h>
 
 #include <stdexcept>
@@ -62,12 +64,8 @@ TEST(Vector, CapacityRuleAndElementOperations) {
     v.TrimToSize();
     EXPECT_EQ(v.GetCapacity(), 3u);
     EXPECT_THROW(v.GetElementAt(3), CArrayIndexOutOfBoundsException);
-    try {
-        v.RemoveElementAt(3);
-        ADD_FAILURE();
-    } catch (CArrayIndexOutOfBoundsException const& e) {
-        EXPECT_STREQ(e.GetSourceFile(), "lumo/util/Vector");
-    }
+    testutil::ExpectThrowIn<CArrayIndexOutOfBoundsException>("lumo/util/Vector",
+                                                             [&] { v.RemoveElementAt(3); });
     v.RemoveAllElements();
     EXPECT_EQ(v.GetCapacity(), 3u); // below one increment already: kept
     EXPECT_THROW(v.GetFirstElement(), CNoSuchElementException);
