@@ -1,16 +1,14 @@
 #include <lumo/base/UnicodeString.h>
 
-#include <lumo/base/Exception.h>
-#include <lumo/base/FixBlockAllocator.h>
 #include <vela/Chars.h>
 #include <vela/Ucs.h>
 
+#include "StringCore.h"
+
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -25,120 +23,54 @@ namespace {
 using Unit = unsigned short;
 using Byte = std::uint8_t;
 
-char const kUnit[] = "lumo/base/UnicodeString";
-// A buffer the C heap cannot supply (creation or growth beyond the pools) is
-// reported at this line; the formatting work buffer has its own lines, 2310 and 2327.
-unsigned long const kHeapFailureLine = 2294;
-unsigned long const kFormatFirstLine = 2310;
-unsigned long const kFormatRetryLine = 2327;
+// What CUnicodeString's storage and shared algorithms (StringCore.h) need to know of
+// UTF-16 units.
+struct Traits {
+    using Unit = unsigned short;
+    static constexpr char kUnitName[] = "lumo/base/UnicodeString";
+    // A buffer the C heap cannot supply (creation or growth beyond the pools) is
+    // reported at this line; the formatting work buffer has its own lines.
+    static constexpr unsigned long kHeapFailureLine = 2294;
+    static constexpr unsigned long kFormatFirstLine = 2310;
+    static constexpr unsigned long kFormatRetryLine = 2327;
 
-// Three 32-bit words in front of the units (the layout UnicodeString.h reads inline).
-struct Header {
-    std::uint32_t capacity;
-    std::uint32_t length;
-    std::uint32_t references;
+    static CFixBlockAllocator& Pool(int sizeClass) {
+        return CFixBlockAllocator::UnicodeStringPool(sizeClass);
+    }
+    static std::size_t Length(Unit const* s) { return Vela::ucslen(s); }
+    static int Compare(Unit const* a, Unit const* b, bool ignoreCase) {
+        return ignoreCase ? Vela::ucsicmp(a, b) : Vela::ucscmp(a, b);
+    }
+    static bool Same(Unit const* a, Unit const* b) { return Vela::ucscmp(a, b) == 0; }
+    static bool SameN(Unit const* a, Unit const* b, std::size_t n, bool ignoreCase) {
+        return ignoreCase ? Vela::ucsnicmp(a, b, n) == 0 : Vela::ucsncmp(a, b, n) == 0;
+    }
+    // The unit 0 is never found; the search runs to the terminator.
+    static Unit const* SearchUnit(Unit const* p, std::size_t, Unit c, bool reverse) {
+        if (c == 0)
+            return nullptr;
+        return reverse ? Vela::ucsrchr(p, c) : Vela::ucschr(p, c);
+    }
+    // Runs to the terminator, which stands at `end` or before.
+    static Unit const* Search(Unit const* p, Unit const*, Unit const* s, std::size_t) {
+        return Vela::ucsstr(p, s);
+    }
+    // One formatting round; the arguments are copied so that a retry can read them
+    // again.
+    static int FormatRound(Unit* buffer, std::size_t size, Unit const* format, va_list args) {
+        va_list copy;
+        va_copy(copy, args);
+        buffer[0] = 0;
+        int const result = Vela::vsnuprintf(buffer, size, format, copy);
+        va_end(copy);
+        buffer[size - 1] = 0;
+        return result;
+    }
 };
-static_assert(sizeof(Header) == 12, "the header is three 32-bit words");
+
+using Core = StringCore<Traits>;
 
 Unit const kEmpty[1] = {0};
-
-// The largest capacity in units that the header and a 32-bit size can describe.
-std::uint64_t const kMaxCapacity = (0xFFFFFFFFu - sizeof(Header)) / sizeof(Unit);
-
-Header* HeaderOf(Unit* text) {
-    return reinterpret_cast<Header*>(text) - 1;
-}
-std::uint32_t LengthOf(Unit const* text) {
-    return text == nullptr ? 0 : HeaderOf(const_cast<Unit*>(text))->length;
-}
-std::size_t TextLength(Unit const* s) {
-    return s == nullptr ? 0 : Vela::ucslen(s);
-}
-
-// The five pools, looked up once.
-CFixBlockAllocator* Pool(int sizeClass) {
-    static CFixBlockAllocator* const pools[5] = {
-        &CFixBlockAllocator::UnicodeStringPool(0), &CFixBlockAllocator::UnicodeStringPool(1),
-        &CFixBlockAllocator::UnicodeStringPool(2), &CFixBlockAllocator::UnicodeStringPool(3),
-        &CFixBlockAllocator::UnicodeStringPool(4)};
-    return pools[sizeClass];
-}
-
-// A private buffer for n units (terminator included) holding an empty text.
-Unit* NewBuffer(std::uint64_t n) {
-    Header* header;
-    std::uint32_t capacity;
-    if (n <= 1024) {
-        int const sizeClass = n <= 64 ? 0 : n <= 128 ? 1 : n <= 256 ? 2 : n <= 512 ? 3 : 4;
-        header = static_cast<Header*>(Pool(sizeClass)->AllocateCached());
-        capacity = 64u << sizeClass;
-    } else {
-        if (n > kMaxCapacity)
-            throw CMemoryException(kUnit, kHeapFailureLine);
-        header = static_cast<Header*>(std::malloc(sizeof(Header) + n * sizeof(Unit)));
-        if (header == nullptr)
-            throw CMemoryException(kUnit, kHeapFailureLine);
-        capacity = static_cast<std::uint32_t>(n);
-    }
-    header->capacity = capacity;
-    header->length = 0;
-    header->references = 1;
-    Unit* text = reinterpret_cast<Unit*>(header + 1);
-    text[0] = 0;
-    return text;
-}
-
-// Back to the pool of the buffer's class, or to the heap.
-void FreeText(Unit* text) {
-    Header* header = HeaderOf(text);
-    std::uint32_t const capacity = header->capacity;
-    if (capacity < 65)
-        Pool(0)->FreeCached(header);
-    else if (capacity < 129)
-        Pool(1)->FreeCached(header);
-    else if (capacity <= 256)
-        Pool(2)->FreeCached(header);
-    else if (capacity <= 512)
-        Pool(3)->FreeCached(header);
-    else if (capacity <= 1024)
-        Pool(4)->FreeCached(header);
-    else
-        std::free(header);
-}
-
-// Leaves a shared buffer to its other users, frees a private one; null is ignored.
-void ReleaseText(Unit* text) {
-    if (text == nullptr)
-        return;
-    if (HeaderOf(text)->references >= 2)
-        --HeaderOf(text)->references;
-    else
-        FreeText(text);
-}
-
-// Owns a private buffer for the length of a scope.
-struct Scratch {
-    Unit* text = nullptr;
-    ~Scratch() { ReleaseText(text); }
-};
-
-void SetTextLength(Unit* text, std::uint64_t length) {
-    HeaderOf(text)->length = static_cast<std::uint32_t>(length);
-    text[length] = 0;
-}
-
-// The string becomes exactly the n units at s (n = 0: no storage). The new buffer is
-// taken before the old one goes, so s may point into it and a failure changes nothing.
-void AssignUnits(Unit*& text, Unit const* s, std::uint64_t n) {
-    Unit* fresh = nullptr;
-    if (n != 0) {
-        fresh = NewBuffer(n + 1);
-        std::memcpy(fresh, s, n * sizeof(Unit));
-        SetTextLength(fresh, n);
-    }
-    ReleaseText(text);
-    text = fresh;
-}
 
 // The string becomes the UTF-16 form of at most n bytes of UTF-8 text (stopping at a
 // 0 byte).
@@ -146,95 +78,13 @@ void AssignConverted(Unit*& text, char const* s, std::size_t n) {
     std::size_t const bytes = s == nullptr ? 0 : strnlen(s, n);
     long const needed = bytes == 0 ? 0 : Vela::CHANSI2Unicode(s, long(bytes), nullptr, 0);
     if (needed <= 0) {
-        AssignUnits(text, nullptr, 0);
+        Core::Assign(text, nullptr, 0);
         return;
     }
-    Unit* fresh = NewBuffer(std::uint64_t(needed) + 1);
+    Unit* fresh = Core::NewBuffer(std::uint64_t(needed) + 1);
     long const written = Vela::CHANSI2Unicode(s, long(bytes), fresh, needed + 1);
-    SetTextLength(fresh, written < 0 ? 0 : written > needed ? needed : written);
-    ReleaseText(text);
-    text = fresh;
-}
-
-// Makes the buffer private and able to hold n units (never fewer than the text needs),
-// keeping the text. `append` lets a heap buffer grow geometrically so that repeated
-// appends stay linear; a private heap buffer is resized in place where the heap can.
-void Reserve(Unit*& text, std::uint64_t n, bool append) {
-    std::uint32_t length = 0;
-    if (text != nullptr) {
-        Header* header = HeaderOf(text);
-        length = header->length;
-        if (n < std::uint64_t(length) + 1)
-            n = std::uint64_t(length) + 1;
-        if (header->references < 2) {
-            if (header->capacity >= n)
-                return;
-            if (append && n > 1024) {
-                std::uint64_t const doubled = std::uint64_t(header->capacity) * 2;
-                if (doubled > n)
-                    n = doubled < kMaxCapacity ? doubled : (n > kMaxCapacity ? n : kMaxCapacity);
-            }
-            if (header->capacity > 1024) {
-                if (n > kMaxCapacity)
-                    throw CMemoryException(kUnit, kHeapFailureLine);
-                auto* moved =
-                    static_cast<Header*>(std::realloc(header, sizeof(Header) + n * sizeof(Unit)));
-                if (moved == nullptr)
-                    throw CMemoryException(kUnit, kHeapFailureLine);
-                moved->capacity = static_cast<std::uint32_t>(n);
-                text = reinterpret_cast<Unit*>(moved + 1);
-                return;
-            }
-        }
-    }
-    Unit* fresh = NewBuffer(n);
-    if (text != nullptr) {
-        std::memcpy(fresh, text, (std::size_t(length) + 1) * sizeof(Unit));
-        HeaderOf(fresh)->length = length;
-        ReleaseText(text);
-    }
-    text = fresh;
-}
-
-// Room for n units and a terminator; a count the header cannot describe fails like
-// the heap (and cannot wrap around).
-std::uint64_t WithTerminator(unsigned long n) {
-    if (std::uint64_t(n) >= kMaxCapacity)
-        throw CMemoryException(kUnit, kHeapFailureLine);
-    return std::uint64_t(n) + 1;
-}
-
-void MakePrivate(Unit*& text) {
-    if (text != nullptr && HeaderOf(text)->references > 1)
-        Reserve(text, 0, false);
-}
-
-// True when s points into the string's own buffer (which a change may move).
-bool Inside(Unit const* text, Unit const* s) {
-    if (text == nullptr)
-        return false;
-    std::uintptr_t const start = reinterpret_cast<std::uintptr_t>(text);
-    std::uintptr_t const at = reinterpret_cast<std::uintptr_t>(s);
-    return at >= start && at - start < HeaderOf(const_cast<Unit*>(text))->capacity * sizeof(Unit);
-}
-
-// Inserts n units at `index` (cut to the length); returns the new length.
-unsigned long InsertUnits(Unit*& text, std::uint64_t index, Unit const* s, std::uint64_t n) {
-    std::uint32_t const length = LengthOf(text);
-    if (n == 0)
-        return length;
-    if (index > length)
-        index = length;
-    Scratch copy;
-    if (Inside(text, s)) {
-        AssignUnits(copy.text, s, n);
-        s = copy.text;
-    }
-    Reserve(text, length + n + 1, true);
-    std::memmove(text + index + n, text + index, (length - index + 1) * sizeof(Unit));
-    std::memcpy(text + index, s, n * sizeof(Unit));
-    HeaderOf(text)->length = static_cast<std::uint32_t>(length + n);
-    return HeaderOf(text)->length;
+    Core::SetTextLength(fresh, written < 0 ? 0 : written > needed ? needed : written);
+    Core::Adopt(text, fresh);
 }
 
 // 8-bit arguments. A char is one UTF-8 byte: only an ASCII char is a whole character;
@@ -256,21 +106,13 @@ struct Converted {
     operator Unit const*() const { return null ? nullptr : static_cast<Unit const*>(text); }
 };
 
-long FindUnit(Unit const* text, Unit c, unsigned long start, bool reverse) {
-    std::uint32_t const length = LengthOf(text);
-    if (length == 0 || start >= length || c == 0)
-        return -1;
-    Unit const* hit = reverse ? Vela::ucsrchr(text + start, c) : Vela::ucschr(text + start, c);
-    return hit == nullptr ? -1 : static_cast<long>(hit - text);
-}
-
 bool SameUnits(Unit const* a, Unit const* b, std::size_t n, bool ignoreCase) {
     return ignoreCase ? Vela::ucsnicmp(a, b, n) == 0 : std::memcmp(a, b, n * sizeof(Unit)) == 0;
 }
 
 // First (or last) occurrence of s at or after `start`.
 long FindText(Unit const* text, Unit const* s, unsigned long start, bool ignoreCase, bool reverse) {
-    std::uint32_t const length = LengthOf(text);
+    std::uint32_t const length = Core::LengthOf(text);
     if (length == 0 || start >= length || s == nullptr || *s == 0)
         return -1;
     std::size_t const n = Vela::ucslen(s);
@@ -292,27 +134,6 @@ long FindText(Unit const* text, Unit const* s, unsigned long start, bool ignoreC
     return -1;
 }
 
-bool HasAffix(Unit const* text, Unit const* s, bool atEnd, bool ignoreCase) {
-    if (s == nullptr)
-        return false;
-    std::size_t const n = Vela::ucslen(s);
-    std::uint32_t const length = LengthOf(text);
-    if (n == 0)
-        return true;
-    if (n > length)
-        return false;
-    Unit const* part = atEnd ? text + length - n : text;
-    return ignoreCase ? Vela::ucsnicmp(part, s, n) == 0 : Vela::ucsncmp(part, s, n) == 0;
-}
-
-int CompareTo(Unit const* text, Unit const* s, bool ignoreCase) {
-    if (LengthOf(text) == 0)
-        return s != nullptr ? -1 : 0;
-    if (s == nullptr || *s == 0)
-        return 1;
-    return ignoreCase ? Vela::ucsicmp(text, s) : Vela::ucscmp(text, s);
-}
-
 // Whether a unit is trimmed: white space when `set` is null, else a unit of the set.
 bool Trimmed(Unit u, Unit const* set) {
     if (set == nullptr)
@@ -321,7 +142,7 @@ bool Trimmed(Unit u, Unit const* set) {
 }
 
 void TrimText(Unit*& text, Unit const* set, bool right) {
-    std::uint32_t const length = LengthOf(text);
+    std::uint32_t const length = Core::LengthOf(text);
     if (length == 0 || (set != nullptr && *set == 0))
         return;
     std::size_t cut = 0;
@@ -329,37 +150,12 @@ void TrimText(Unit*& text, Unit const* set, bool right) {
         cut = length;
         while (cut > 0 && Trimmed(text[cut - 1], set))
             --cut;
-        if (cut == length)
-            return;
     } else {
         while (cut < length && Trimmed(text[cut], set))
             ++cut;
-        if (cut == 0)
-            return;
     }
-    MakePrivate(text);
-    if (right) {
-        SetTextLength(text, cut);
-    } else {
-        std::memmove(text, text + cut, (length - cut + 1) * sizeof(Unit));
-        HeaderOf(text)->length = static_cast<std::uint32_t>(length - cut);
-    }
+    Core::CutAt(text, cut, right);
 }
-
-// One formatting round; the arguments are copied so that a retry can read them again.
-int FormatRound(Unit* buffer, std::size_t size, Unit const* format, va_list args) {
-    va_list copy;
-    va_copy(copy, args);
-    buffer[0] = 0;
-    int const result = Vela::vsnuprintf(buffer, size, format, copy);
-    va_end(copy);
-    buffer[size - 1] = 0;
-    return result;
-}
-
-struct FreeDeleter {
-    void operator()(void* p) const { std::free(p); }
-};
 
 // ---------------------------------------------------------------------------------
 // UTF-8 <-> UTF-16. Both directions measure first and then convert into a buffer of
@@ -783,7 +579,7 @@ std::size_t EncodeBytes(Unit const* p, Unit const* end, char* target, char* targ
 } // namespace
 
 void CUnicodeString::FreeBuffer(unsigned short* text) noexcept {
-    FreeText(text);
+    Core::FreeText(text);
 }
 
 unsigned short const* CUnicodeString::EmptyText() noexcept {
@@ -792,7 +588,7 @@ unsigned short const* CUnicodeString::EmptyText() noexcept {
 
 CUnicodeString::CUnicodeString(unsigned short const* s) : m_text(nullptr) {
     if (s != nullptr)
-        AssignUnits(m_text, s, Vela::ucslen(s));
+        Core::Assign(m_text, s, Vela::ucslen(s));
 }
 
 CUnicodeString::CUnicodeString(unsigned short const* s, unsigned long n) : m_text(nullptr) {
@@ -809,25 +605,21 @@ CUnicodeString::CUnicodeString(char const* s, unsigned long n) : m_text(nullptr)
 }
 
 CUnicodeString& CUnicodeString::operator=(CUnicodeString const& other) {
-    if (m_text != other.m_text) {
-        Unit* shared = Share(other.m_text);
-        ReleaseText(m_text);
-        m_text = shared;
-    }
+    if (m_text != other.m_text)
+        Core::Adopt(m_text, Share(other.m_text));
     return *this;
 }
 
 CUnicodeString& CUnicodeString::operator=(CUnicodeString&& other) noexcept {
     if (this != &other) {
-        ReleaseText(m_text);
-        m_text = other.m_text;
+        Core::Adopt(m_text, other.m_text);
         other.m_text = nullptr;
     }
     return *this;
 }
 
 CUnicodeString& CUnicodeString::operator=(unsigned short const* s) {
-    AssignUnits(m_text, s, TextLength(s));
+    Core::Assign(m_text, s, Core::TextLength(s));
     return *this;
 }
 
@@ -836,26 +628,9 @@ CUnicodeString& CUnicodeString::operator=(char const* s) {
     return *this;
 }
 
+// The recorded length is that of the whole source (see StringCore's Set).
 void CUnicodeString::Set(unsigned short const* s, unsigned long n) {
-    if (s == nullptr || n == 0) {
-        AssignUnits(m_text, nullptr, 0);
-        return;
-    }
-    // The recorded length is that of the whole source. The buffer reaches at least
-    // that far, zero-filled behind the kept units, so that no later operation that
-    // trusts the length can leave it.
-    std::size_t const whole = Vela::ucslen(s);
-    std::size_t const kept = whole < n ? whole : n;
-    std::uint64_t const longer = whole > n ? whole : n;
-    if (longer >= kMaxCapacity)
-        throw CMemoryException(kUnit, kHeapFailureLine);
-    std::uint64_t const room = longer + 1;
-    Unit* fresh = NewBuffer(room);
-    std::memcpy(fresh, s, kept * sizeof(Unit));
-    std::memset(fresh + kept, 0, (room - kept) * sizeof(Unit));
-    HeaderOf(fresh)->length = static_cast<std::uint32_t>(whole);
-    ReleaseText(m_text);
-    m_text = fresh;
+    Core::Set(m_text, s, n);
 }
 
 void CUnicodeString::Set(char const* s, unsigned long n) {
@@ -863,62 +638,48 @@ void CUnicodeString::Set(char const* s, unsigned long n) {
 }
 
 void CUnicodeString::SetAt(unsigned long i, unsigned short c) {
-    if (i >= GetLength())
-        return;
-    MakePrivate(m_text);
-    m_text[i] = c;
+    Core::SetAt(m_text, i, c);
 }
 
 void CUnicodeString::Empty() {
-    if (m_text == nullptr)
-        return;
-    if (HeaderOf(m_text)->references >= 2) {
-        ReleaseText(m_text);
-        m_text = nullptr;
-    } else {
-        SetTextLength(m_text, 0);
-    }
+    Core::Empty(m_text);
 }
 
 void CUnicodeString::EnsureCapacity(unsigned long n) {
-    Reserve(m_text, n, false);
+    Core::Reserve(m_text, n, false);
 }
 
 unsigned short* CUnicodeString::GetBuffer(unsigned long n) {
-    Reserve(m_text, WithTerminator(n), false);
-    return m_text;
+    return Core::GetBuffer(m_text, n);
 }
 
 void CUnicodeString::SetLength(unsigned long n) {
-    if (m_text == nullptr && n == 0)
-        return;
-    Reserve(m_text, WithTerminator(n), false);
-    SetTextLength(m_text, n);
+    Core::SetLength(m_text, n);
 }
 
 int CUnicodeString::Compare(unsigned short const* s) const {
-    return CompareTo(m_text, s, false);
+    return Core::CompareTo(m_text, s, false);
 }
 
 int CUnicodeString::Compare(CUnicodeString const& s) const {
-    return CompareTo(m_text, s.IsEmpty() ? nullptr : s.m_text, false);
+    return Core::CompareTo(m_text, s.IsEmpty() ? nullptr : s.m_text, false);
 }
 
 int CUnicodeString::CompareIgnoreCase(unsigned short const* s) const {
-    return CompareTo(m_text, s, true);
+    return Core::CompareTo(m_text, s, true);
 }
 
 int CUnicodeString::CompareIgnoreCase(CUnicodeString const& s) const {
-    return CompareTo(m_text, s.IsEmpty() ? nullptr : s.m_text, true);
+    return Core::CompareTo(m_text, s.IsEmpty() ? nullptr : s.m_text, true);
 }
 
 long CUnicodeString::Find(unsigned short c, unsigned long start) const {
-    return FindUnit(m_text, c, start, false);
+    return Core::FindUnit(m_text, c, start, false);
 }
 
 long CUnicodeString::Find(char c, unsigned long start) const {
     Unit unit;
-    return Widen(c, unit) ? FindUnit(m_text, unit, start, false) : -1;
+    return Widen(c, unit) ? Core::FindUnit(m_text, unit, start, false) : -1;
 }
 
 long CUnicodeString::Find(unsigned short const* s, unsigned long start) const {
@@ -946,12 +707,12 @@ long CUnicodeString::FindIgnoreCase(CUnicodeString const& s, unsigned long start
 }
 
 long CUnicodeString::ReverseFind(unsigned short c, unsigned long start) const {
-    return FindUnit(m_text, c, start, true);
+    return Core::FindUnit(m_text, c, start, true);
 }
 
 long CUnicodeString::ReverseFind(char c, unsigned long start) const {
     Unit unit;
-    return Widen(c, unit) ? FindUnit(m_text, unit, start, true) : -1;
+    return Widen(c, unit) ? Core::FindUnit(m_text, unit, start, true) : -1;
 }
 
 long CUnicodeString::ReverseFind(unsigned short const* s, unsigned long start) const {
@@ -979,40 +740,40 @@ long CUnicodeString::ReverseFindIgnoreCase(CUnicodeString const& s, unsigned lon
 }
 
 bool CUnicodeString::StartsWith(unsigned short const* s) const {
-    return HasAffix(m_text, s, false, false);
+    return Core::HasAffix(m_text, s, false, false);
 }
 bool CUnicodeString::StartsWith(char const* s) const {
-    return HasAffix(m_text, Converted(s), false, false);
+    return Core::HasAffix(m_text, Converted(s), false, false);
 }
 bool CUnicodeString::StartsWith(CUnicodeString const& s) const {
-    return HasAffix(m_text, s, false, false);
+    return Core::HasAffix(m_text, s, false, false);
 }
 bool CUnicodeString::StartsWithIgnoreCase(unsigned short const* s) const {
-    return HasAffix(m_text, s, false, true);
+    return Core::HasAffix(m_text, s, false, true);
 }
 bool CUnicodeString::StartsWithIgnoreCase(char const* s) const {
-    return HasAffix(m_text, Converted(s), false, true);
+    return Core::HasAffix(m_text, Converted(s), false, true);
 }
 bool CUnicodeString::StartsWithIgnoreCase(CUnicodeString const& s) const {
-    return HasAffix(m_text, s, false, true);
+    return Core::HasAffix(m_text, s, false, true);
 }
 bool CUnicodeString::EndsWith(unsigned short const* s) const {
-    return HasAffix(m_text, s, true, false);
+    return Core::HasAffix(m_text, s, true, false);
 }
 bool CUnicodeString::EndsWith(char const* s) const {
-    return HasAffix(m_text, Converted(s), true, false);
+    return Core::HasAffix(m_text, Converted(s), true, false);
 }
 bool CUnicodeString::EndsWith(CUnicodeString const& s) const {
-    return HasAffix(m_text, s, true, false);
+    return Core::HasAffix(m_text, s, true, false);
 }
 bool CUnicodeString::EndsWithIgnoreCase(unsigned short const* s) const {
-    return HasAffix(m_text, s, true, true);
+    return Core::HasAffix(m_text, s, true, true);
 }
 bool CUnicodeString::EndsWithIgnoreCase(char const* s) const {
-    return HasAffix(m_text, Converted(s), true, true);
+    return Core::HasAffix(m_text, Converted(s), true, true);
 }
 bool CUnicodeString::EndsWithIgnoreCase(CUnicodeString const& s) const {
-    return HasAffix(m_text, s, true, true);
+    return Core::HasAffix(m_text, s, true, true);
 }
 
 CUnicodeString CUnicodeString::SubString(unsigned long start) const {
@@ -1020,23 +781,14 @@ CUnicodeString CUnicodeString::SubString(unsigned long start) const {
 }
 
 CUnicodeString CUnicodeString::SubString(unsigned long start, unsigned long end) const {
-    unsigned long const length = GetLength();
-    if (length == 0 || start >= length || start >= end)
-        return CUnicodeString();
-    if (end > length)
-        end = length;
-    if (start == 0 && end == length)
-        return *this;
     CUnicodeString piece;
-    AssignUnits(piece.m_text, m_text + start, end - start);
+    if (!Core::CopyPiece(m_text, start, end, piece.m_text))
+        return *this;
     return piece;
 }
 
 CUnicodeString CUnicodeString::Mid(unsigned long start, long count) const {
-    if (count <= 0)
-        return CUnicodeString();
-    unsigned long const n = static_cast<unsigned long>(count);
-    return SubString(start, n > ~0ul - start ? ~0ul : start + n);
+    return Core::Mid(*this, start, count);
 }
 
 CUnicodeString CUnicodeString::Left(unsigned long n) const {
@@ -1044,21 +796,18 @@ CUnicodeString CUnicodeString::Left(unsigned long n) const {
 }
 
 CUnicodeString CUnicodeString::Right(unsigned long n) const {
-    unsigned long const length = GetLength();
-    if (n >= length)
-        return *this;
-    return Mid(length - n - 1, static_cast<long>(n));
+    return Core::Right(*this, n);
 }
 
 CUnicodeString& CUnicodeString::operator+=(CUnicodeString const& s) {
     if (IsEmpty())
         return *this = s;
-    InsertUnits(m_text, ~0ul, s.m_text, s.GetLength());
+    Core::Append(m_text, s.m_text, s.GetLength());
     return *this;
 }
 
 CUnicodeString& CUnicodeString::operator+=(unsigned short const* s) {
-    InsertUnits(m_text, ~0ul, s, TextLength(s));
+    Core::Append(m_text, s, Core::TextLength(s));
     return *this;
 }
 
@@ -1069,58 +818,48 @@ CUnicodeString& CUnicodeString::operator+=(char const* s) {
 }
 
 CUnicodeString& CUnicodeString::operator+=(unsigned short c) {
-    InsertUnits(m_text, ~0ul, &c, 1);
+    Core::Append(m_text, &c, 1);
     return *this;
 }
 
 CUnicodeString& CUnicodeString::operator+=(char c) {
     Unit unit;
     if (Widen(c, unit))
-        InsertUnits(m_text, ~0ul, &unit, 1);
+        Core::Append(m_text, &unit, 1);
     return *this;
 }
 
 unsigned long CUnicodeString::Insert(unsigned long index, unsigned short c) {
-    return InsertUnits(m_text, index, &c, 1);
+    return Core::Insert(m_text, index, &c, 1);
 }
 
 unsigned long CUnicodeString::Insert(unsigned long index, char c) {
     Unit unit;
-    return Widen(c, unit) ? InsertUnits(m_text, index, &unit, 1) : GetLength();
+    return Widen(c, unit) ? Core::Insert(m_text, index, &unit, 1) : GetLength();
 }
 
 unsigned long CUnicodeString::Insert(unsigned long index, unsigned short const* s) {
-    return InsertUnits(m_text, index, s, TextLength(s));
+    return Core::Insert(m_text, index, s, Core::TextLength(s));
 }
 
 unsigned long CUnicodeString::Insert(unsigned long index, char const* s) {
     CUnicodeString const converted(s);
-    return InsertUnits(m_text, index, converted.m_text, converted.GetLength());
+    return Core::Insert(m_text, index, converted.m_text, converted.GetLength());
 }
 
 unsigned long CUnicodeString::Delete(unsigned long index, unsigned long count) {
-    unsigned long const length = GetLength();
-    if (length == 0 || count == 0 || index >= length)
-        return length;
-    // Past the end there is nothing to delete; stopping there keeps the buffer whole.
-    if (count > length - index)
-        count = length - index;
-    MakePrivate(m_text);
-    std::memmove(m_text + index, m_text + index + count,
-                 (length - index - count + 1) * sizeof(Unit));
-    HeaderOf(m_text)->length = static_cast<std::uint32_t>(length - count);
-    return length;
+    return Core::Delete(m_text, index, count);
 }
 
 unsigned long CUnicodeString::Replace(unsigned short oldChar, unsigned short newChar) {
-    std::uint32_t const length = LengthOf(m_text);
+    std::uint32_t const length = Core::LengthOf(m_text);
     if (length == 0 || oldChar == 0)
         return 0;
     Unit const* hit = Vela::ucschr(m_text, oldChar);
     if (hit == nullptr)
         return 0;
     std::size_t const first = hit - m_text;
-    MakePrivate(m_text);
+    Core::MakePrivate(m_text);
     unsigned long count = 0;
     for (std::size_t i = first; i < length; ++i) {
         if (m_text[i] == oldChar) {
@@ -1138,36 +877,10 @@ unsigned long CUnicodeString::Replace(char oldChar, char newChar) {
     return Replace(from, to);
 }
 
+// Units behind an early terminator (see Set) are carried over as they are.
 unsigned long CUnicodeString::Replace(unsigned short const* old,
                                       unsigned short const* replacement) {
-    std::uint32_t const length = LengthOf(m_text);
-    if (length == 0 || old == nullptr || *old == 0)
-        return 0;
-    std::size_t const n = Vela::ucslen(old);
-    std::size_t const m = TextLength(replacement);
-    unsigned long count = 0;
-    for (Unit const* p = m_text; (p = Vela::ucsstr(p, old)) != nullptr; p += n)
-        ++count;
-    if (count == 0)
-        return 0;
-    // Built in a new buffer: the old one stays intact until the result is complete.
-    // Units behind an early terminator (see Set) are carried over as they are.
-    std::uint64_t const newLength = std::uint64_t(length) - count * n + std::uint64_t(count) * m;
-    Scratch result;
-    result.text = NewBuffer(newLength + 1);
-    Unit* w = result.text;
-    Unit const* p = m_text;
-    for (Unit const* hit; (hit = Vela::ucsstr(p, old)) != nullptr; p = hit + n) {
-        std::memcpy(w, p, (hit - p) * sizeof(Unit));
-        w += hit - p;
-        if (m != 0)
-            std::memcpy(w, replacement, m * sizeof(Unit));
-        w += m;
-    }
-    std::memcpy(w, p, (m_text + length - p) * sizeof(Unit));
-    SetTextLength(result.text, newLength);
-    std::swap(m_text, result.text);
-    return count;
+    return Core::ReplaceAll(m_text, old, replacement);
 }
 
 unsigned long CUnicodeString::Replace(char const* old, char const* replacement) {
@@ -1177,19 +890,19 @@ unsigned long CUnicodeString::Replace(char const* old, char const* replacement) 
 }
 
 unsigned long CUnicodeString::Remove(unsigned short c) {
-    std::uint32_t const length = LengthOf(m_text);
+    std::uint32_t const length = Core::LengthOf(m_text);
     if (length == 0 || c == 0)
         return 0;
     Unit const* hit = Vela::ucschr(m_text, c);
     if (hit == nullptr)
         return 0;
     std::size_t w = hit - m_text;
-    MakePrivate(m_text);
+    Core::MakePrivate(m_text);
     for (std::size_t r = w; r < length; ++r)
         if (m_text[r] != c)
             m_text[w++] = m_text[r];
     unsigned long const count = static_cast<unsigned long>(length - w);
-    SetTextLength(m_text, w);
+    Core::SetTextLength(m_text, w);
     return count;
 }
 
@@ -1201,21 +914,21 @@ unsigned long CUnicodeString::Remove(char c) {
 void CUnicodeString::MakeUpper() {
     if (IsEmpty())
         return;
-    MakePrivate(m_text);
+    Core::MakePrivate(m_text);
     Vela::ucsupr(m_text);
 }
 
 void CUnicodeString::MakeLower() {
     if (IsEmpty())
         return;
-    MakePrivate(m_text);
+    Core::MakePrivate(m_text);
     Vela::ucslwr(m_text);
 }
 
 void CUnicodeString::MakeReverse() {
     if (GetLength() < 2)
         return;
-    MakePrivate(m_text);
+    Core::MakePrivate(m_text);
     Vela::ucsrev(m_text);
 }
 
@@ -1276,26 +989,10 @@ void CUnicodeString::Format(unsigned short const* format, ...) {
     va_end(args);
 }
 
+// A work buffer the heap cannot supply fails at line 2310 (the first) or 2327 (a
+// larger one for another round).
 void CUnicodeString::FormatV(unsigned short const* format, va_list args) {
-    if (format == nullptr) {
-        Empty();
-        return;
-    }
-    std::size_t size = 1024;
-    std::unique_ptr<Unit, FreeDeleter> work(static_cast<Unit*>(std::malloc(size * sizeof(Unit))));
-    if (!work)
-        throw CMemoryException(kUnit, kFormatFirstLine);
-    int result = FormatRound(work.get(), size, format, args);
-    // Only an exact fit of size - 1 asks for more room; a cut text (-1) is kept as cut.
-    while (result == static_cast<int>(size - 1)) {
-        work.reset();
-        size += 1024;
-        work.reset(static_cast<Unit*>(std::malloc(size * sizeof(Unit))));
-        if (!work)
-            throw CMemoryException(kUnit, kFormatRetryLine);
-        result = FormatRound(work.get(), size, format, args);
-    }
-    AssignUnits(m_text, work.get(), Vela::ucslen(work.get()));
+    Core::FormatV(m_text, format, args);
 }
 
 CUnicodeString CUnicodeString::FromUTF8(char const* text, long length) {
@@ -1308,15 +1005,15 @@ CUnicodeString CUnicodeString::FromUTF8(char const* text, long length) {
     std::uint64_t const units = CountUnits(begin, begin + n, &stop);
     if (units == 0)
         return result;
-    result.m_text = NewBuffer(units + 1);
+    result.m_text = Core::NewBuffer(units + 1);
     DecodeUnits(begin, stop, result.m_text);
-    SetTextLength(result.m_text, units);
+    Core::SetTextLength(result.m_text, units);
     return result;
 }
 
 CString CUnicodeString::ToUTF8() const {
     CString result;
-    std::uint32_t const length = LengthOf(m_text);
+    std::uint32_t const length = Core::LengthOf(m_text);
     if (length == 0)
         return result;
     std::uint64_t const bytes = CountBytes(m_text, m_text + length);
@@ -1327,7 +1024,7 @@ CString CUnicodeString::ToUTF8() const {
 }
 
 long CUnicodeString::ToUTF8(char* target, long size) const {
-    std::uint32_t const length = LengthOf(m_text);
+    std::uint32_t const length = Core::LengthOf(m_text);
     if (target == nullptr)
         return static_cast<long>(CountBytes(m_text, m_text + length));
     if (size <= 0)
@@ -1340,82 +1037,21 @@ long CUnicodeString::ToUTF8(char* target, long size) const {
 }
 
 // Comparison operators. An empty operand (null, no text, or length 0) sorts before
-// every non-empty one and equals another empty one.
-namespace {
-
-struct Side {
-    Unit const* text;
-    bool empty;
-};
-Side SideOf(CUnicodeString const& s) {
-    return {s, s.IsEmpty()};
-}
-Side SideOf(Unit const* s) {
-    return {s, s == nullptr || *s == 0};
-}
-
-bool Equal(Side a, Side b) {
-    if (a.empty || b.empty)
-        return a.empty == b.empty;
-    return Vela::ucscmp(a.text, b.text) == 0;
-}
-
-int Order(Side a, Side b) {
-    if (!a.empty && !b.empty)
-        return Vela::ucscmp(a.text, b.text);
-    return int(!a.empty) - int(!b.empty);
-}
-
-} // namespace
-
-#define LUMO_USTRING_OPERATORS(A, B)                                                               \
-    bool operator==(A a, B b) {                                                                    \
-        return Equal(SideOf(a), SideOf(b));                                                        \
-    }                                                                                              \
-    bool operator!=(A a, B b) {                                                                    \
-        return !Equal(SideOf(a), SideOf(b));                                                       \
-    }                                                                                              \
-    bool operator<(A a, B b) {                                                                     \
-        return Order(SideOf(a), SideOf(b)) < 0;                                                    \
-    }                                                                                              \
-    bool operator<=(A a, B b) {                                                                    \
-        return Order(SideOf(a), SideOf(b)) <= 0;                                                   \
-    }                                                                                              \
-    bool operator>(A a, B b) {                                                                     \
-        return Order(SideOf(a), SideOf(b)) > 0;                                                    \
-    }                                                                                              \
-    bool operator>=(A a, B b) {                                                                    \
-        return Order(SideOf(a), SideOf(b)) >= 0;                                                   \
-    }
-
-LUMO_USTRING_OPERATORS(CUnicodeString const&, CUnicodeString const&)
-LUMO_USTRING_OPERATORS(CUnicodeString const&, unsigned short const*)
-LUMO_USTRING_OPERATORS(unsigned short const*, CUnicodeString const&)
-
-#undef LUMO_USTRING_OPERATORS
+// every non-empty one and equals another empty one; otherwise unit by unit.
+LUMO_STRING_CORE_OPERATORS(Core, CUnicodeString const&, CUnicodeString const&)
+LUMO_STRING_CORE_OPERATORS(Core, CUnicodeString const&, unsigned short const*)
+LUMO_STRING_CORE_OPERATORS(Core, unsigned short const*, CUnicodeString const&)
 
 CUnicodeString operator+(CUnicodeString const& a, CUnicodeString const& b) {
-    CUnicodeString sum(a);
-    sum += b;
-    return sum;
+    return Core::Concat(a, b);
 }
 
 CUnicodeString operator+(CUnicodeString const& a, unsigned short const* b) {
-    CUnicodeString sum(a);
-    sum += b;
-    return sum;
+    return Core::Concat(a, b);
 }
 
 CUnicodeString operator+(unsigned short const* a, CUnicodeString const& b) {
-    if (a == nullptr || *a == 0)
-        return b;
-    CUnicodeString sum;
-    std::size_t const n = Vela::ucslen(a);
-    unsigned short* buffer = sum.GetBuffer(n + b.GetLength());
-    std::memcpy(buffer, a, n * sizeof(Unit));
-    std::memcpy(buffer + n, static_cast<unsigned short const*>(b), b.GetLength() * sizeof(Unit));
-    sum.SetLength(n + b.GetLength());
-    return sum;
+    return Core::ConcatText(a, b);
 }
 
 } // namespace base
