@@ -802,24 +802,51 @@ unsigned long LastError() {
     return t_lastError;
 }
 
+// Under the global lock: the live object of that name with a new reference, or null.
+// `clash` tells a name held by an object of another kind.
+static Object* OpenNamed(char const* name, Kind kind, bool& clash) {
+    if (g_names == nullptr)
+        return nullptr;
+    auto it = g_names->find(name);
+    if (it == g_names->end())
+        return nullptr;
+    if (it->second->kind != kind) {
+        clash = true;
+        return nullptr;
+    }
+    AddRef(it->second);
+    return it->second;
+}
+
+// Under the global lock: makes a new object findable by name; false when out of memory.
+static bool RecordName(Object* o, char const* name) {
+    try {
+        o->name = name;
+        if (g_names == nullptr)
+            g_names = new std::unordered_map<std::string, Object*>;
+        g_names->emplace(o->name, o);
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 Handle NewMutex(char const* name, bool initialOwner) {
     ThreadRecord* r = CurrentRecord();
     if (r == nullptr)
         return nullptr;
     bool const named = name != nullptr && *name != '\0';
     LockGlobal();
-    if (named && g_names != nullptr) {
-        auto it = g_names->find(name);
-        if (it != g_names->end()) {
-            Object* o = it->second;
-            if (o->kind != Kind::Mutex) {
-                UnlockGlobal();
-                SetError(EEXIST); // the name belongs to an object of another kind
-                return nullptr;
-            }
-            AddRef(o);
+    if (named) {
+        bool clash = false;
+        if (Object* o = OpenNamed(name, Kind::Mutex, clash)) {
             UnlockGlobal();
             return o;
+        }
+        if (clash) {
+            UnlockGlobal();
+            SetError(EEXIST); // the name belongs to an object of another kind
+            return nullptr;
         }
     }
     auto* m = new (std::nothrow) MutexObject;
@@ -828,14 +855,7 @@ Handle NewMutex(char const* name, bool initialOwner) {
         SetError(ENOMEM);
         return nullptr;
     }
-    try {
-        if (named) {
-            m->name = name;
-            if (g_names == nullptr)
-                g_names = new std::unordered_map<std::string, Object*>;
-            g_names->emplace(m->name, m);
-        }
-    } catch (...) {
+    if (named && !RecordName(m, name)) {
         UnlockGlobal();
         delete m;
         SetError(ENOMEM);
@@ -854,18 +874,16 @@ Handle NewMutex(char const* name, bool initialOwner) {
 Handle NewEvent(char const* name, bool manualReset, bool initialState) {
     bool const named = name != nullptr && *name != '\0';
     LockGlobal();
-    if (named && g_names != nullptr) {
-        auto it = g_names->find(name);
-        if (it != g_names->end()) {
-            Object* o = it->second;
-            if (o->kind != Kind::Event) {
-                UnlockGlobal();
-                SetError(EEXIST);
-                return nullptr;
-            }
-            AddRef(o);
+    if (named) {
+        bool clash = false;
+        if (Object* o = OpenNamed(name, Kind::Event, clash)) {
             UnlockGlobal();
             return o;
+        }
+        if (clash) {
+            UnlockGlobal();
+            SetError(EEXIST); // the name belongs to an object of another kind
+            return nullptr;
         }
     }
     auto* e = new (std::nothrow) EventObject(manualReset, initialState);
@@ -874,14 +892,7 @@ Handle NewEvent(char const* name, bool manualReset, bool initialState) {
         SetError(ENOMEM);
         return nullptr;
     }
-    try {
-        if (named) {
-            e->name = name;
-            if (g_names == nullptr)
-                g_names = new std::unordered_map<std::string, Object*>;
-            g_names->emplace(e->name, e);
-        }
-    } catch (...) {
+    if (named && !RecordName(e, name)) {
         UnlockGlobal();
         delete e;
         SetError(ENOMEM);
