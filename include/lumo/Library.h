@@ -5,9 +5,11 @@
 
 namespace lumo {
 
-// Counts a client's start; the first start brings up the file layer. Returns the count.
+/// Counts a client's start; the first start brings up the file layer and the XML
+/// parser (XML classes and regular expressions work from then on). Returns the count.
 LUMO_API long Initialize();
-// Counts a client's end; the last end shuts the file layer down. Returns the count.
+/// Counts a client's end; the last end shuts the XML parser and the file layer down.
+/// Returns the count.
 LUMO_API long Terminate();
 
 } // namespace lumo

@@ -73,6 +73,7 @@
 #include <lumo/io/PushbackReader.h>
 #include <lumo/io/Reader.h>
 #include <lumo/io/Serializable.h>
+#include <lumo/io/XMLSerializable.h>
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>

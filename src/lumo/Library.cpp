@@ -1,5 +1,7 @@
 #include <lumo/Library.h>
 
+#include "base/detail/XercesSupport.h"
+
 #include <vela/IO.h>
 
 namespace lumo {
@@ -14,8 +16,10 @@ long Initialize() {
     if (g_clients == kMaxClients)
         return kMaxClients;
     ++g_clients;
-    if (g_clients == 1)
+    if (g_clients == 1) {
         IO::Init(true);
+        detail::StartXerces();
+    }
     return g_clients;
 }
 
@@ -23,8 +27,10 @@ long Terminate() {
     if (g_clients == 0)
         return 0;
     --g_clients;
-    if (g_clients <= 0)
+    if (g_clients <= 0) {
+        detail::StopXerces();
         IO::End();
+    }
     return g_clients;
 }
 
