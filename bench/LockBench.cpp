@@ -30,15 +30,13 @@ namespace {
 
 // Locks are reached through a reference the optimiser cannot see through, as in
 // real use (a lock member reached from another unit).
-template <class L>
-L& Opaque(L& lock) {
+template <class L> L& Opaque(L& lock) {
     L* p = &lock;
     benchmark::DoNotOptimize(p);
     return *p;
 }
 
-template <class F>
-double NanosPerOp(F f, int n) {
+template <class F> double NanosPerOp(F f, int n) {
     auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < n; ++i)
         f();
@@ -54,8 +52,7 @@ struct Timing {
 // Interleaved batches of the lumo lock and std::mutex, so that both see the same
 // machine load; per-operation times, the fastest batch of each (a batch that lost
 // the processor to another task says nothing about the lock).
-template <class L>
-Timing TimeAgainstStdMutex(int rounds) {
+template <class L> Timing TimeAgainstStdMutex(int rounds) {
     L lock;
     std::mutex mutex;
     L& l = Opaque(lock);
@@ -63,8 +60,18 @@ Timing TimeAgainstStdMutex(int rounds) {
     int const batch = 20000;
     Timing t{1e30, 1e30};
     for (int r = 0; r < rounds; ++r) {
-        t.lumoNanos = std::min(t.lumoNanos, NanosPerOp([&] { l.Acquire(); l.Release(); }, batch));
-        t.stdNanos = std::min(t.stdNanos, NanosPerOp([&] { m.lock(); m.unlock(); }, batch));
+        t.lumoNanos = std::min(t.lumoNanos, NanosPerOp(
+                                                [&] {
+                                                    l.Acquire();
+                                                    l.Release();
+                                                },
+                                                batch));
+        t.stdNanos = std::min(t.stdNanos, NanosPerOp(
+                                              [&] {
+                                                  m.lock();
+                                                  m.unlock();
+                                              },
+                                              batch));
     }
     return t;
 }
@@ -76,8 +83,7 @@ void Report(benchmark::State& state, Timing const& t) {
 }
 
 // Runs TimeAgainstStdMutex in a forked child that has started a thread.
-template <class L>
-bool TimeInMultiThreadedChild(int rounds, Timing& result) {
+template <class L> bool TimeInMultiThreadedChild(int rounds, Timing& result) {
     int fds[2];
     if (pipe(fds) != 0)
         return false;
@@ -105,7 +111,8 @@ bool TimeInMultiThreadedChild(int rounds, Timing& result) {
     close(fds[0]);
     int status = 0;
     waitpid(pid, &status, 0);
-    return got == static_cast<ssize_t>(sizeof result) && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return got == static_cast<ssize_t>(sizeof result) && WIFEXITED(status) &&
+           WEXITSTATUS(status) == 0;
 }
 
 } // namespace
@@ -170,16 +177,14 @@ static void Lock_StdRecursiveMutex(benchmark::State& state) {
 }
 BENCHMARK(Lock_StdRecursiveMutex);
 
-template <class L>
-static void RatioSingleThreaded(benchmark::State& state) {
+template <class L> static void RatioSingleThreaded(benchmark::State& state) {
     Timing t{0, 0};
     for (auto _ : state)
         t = TimeAgainstStdMutex<L>(200);
     Report(state, t);
 }
 
-template <class L>
-static void RatioMultiThreaded(benchmark::State& state) {
+template <class L> static void RatioMultiThreaded(benchmark::State& state) {
     Timing t{0, 0};
     for (auto _ : state) {
         if (!TimeInMultiThreadedChild<L>(200, t)) {
@@ -190,7 +195,9 @@ static void RatioMultiThreaded(benchmark::State& state) {
     Report(state, t);
 }
 
-static void Ratio_CLock_vs_StdMutex_MT(benchmark::State& state) { RatioMultiThreaded<CLock>(state); }
+static void Ratio_CLock_vs_StdMutex_MT(benchmark::State& state) {
+    RatioMultiThreaded<CLock>(state);
+}
 BENCHMARK(Ratio_CLock_vs_StdMutex_MT)->Iterations(1)->Unit(benchmark::kMillisecond);
 static void Ratio_CReentrantLock_vs_StdMutex_MT(benchmark::State& state) {
     RatioMultiThreaded<CReentrantLock>(state);
@@ -201,7 +208,9 @@ static void Ratio_CSpinLock_vs_StdMutex_MT(benchmark::State& state) {
 }
 BENCHMARK(Ratio_CSpinLock_vs_StdMutex_MT)->Iterations(1)->Unit(benchmark::kMillisecond);
 
-static void Ratio_CLock_vs_StdMutex_ST(benchmark::State& state) { RatioSingleThreaded<CLock>(state); }
+static void Ratio_CLock_vs_StdMutex_ST(benchmark::State& state) {
+    RatioSingleThreaded<CLock>(state);
+}
 BENCHMARK(Ratio_CLock_vs_StdMutex_ST)->Iterations(1)->Unit(benchmark::kMillisecond);
 static void Ratio_CSpinLock_vs_StdMutex_ST(benchmark::State& state) {
     RatioSingleThreaded<CSpinLock>(state);

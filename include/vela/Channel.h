@@ -1,7 +1,7 @@
 #ifndef VELA_CHANNEL_H
 #define VELA_CHANNEL_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 namespace IO {
 
@@ -25,7 +25,7 @@ Result const RESULT_IS_DIRECTORY = 0x81010104;
 // A sequential byte channel. Only the block operations and Flush must be given;
 // the single-byte and 16-bit forms default to one block call each. A 16-bit unit
 // travels as two bytes, low byte first, whatever the machine's order.
-class LUMO_API IChannel {
+class VELA_API IChannel {
 public:
     virtual ~IChannel() {}
 

@@ -1,7 +1,7 @@
 #ifndef VELA_DEBUG_H
 #define VELA_DEBUG_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 namespace Vela {
 
@@ -10,14 +10,10 @@ typedef void (*DBOutput)(char const* text, void* context);
 
 // printf to the debug output (standard error unless redirected); returns the bytes
 // formatted.
-LUMO_API int DBPrintf(char const* format, ...)
-#if defined(__GNUC__)
-    __attribute__((format(printf, 1, 2)))
-#endif
-    ;
+VELA_API int DBPrintf(char const* format, ...) VELA_PRINTF_FORMAT(1, 2);
 
 // Sends debug output to `output` from now on; null restores standard error.
-LUMO_API void DBSetOutput(DBOutput output, void* context);
+VELA_API void DBSetOutput(DBOutput output, void* context);
 
 } // namespace Vela
 

@@ -1,8 +1,8 @@
 #ifndef VELA_FILE_H
 #define VELA_FILE_H
 
-#include <lumo/Config.h>
 #include <vela/Channel.h>
+#include <vela/Config.h>
 #include <vela/Location.h>
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace IO {
 // without buffering of its own. Constructing a File opens nothing; Open does, and
 // Close (or the destructor) releases the platform handle. A failed Open leaves no
 // handle behind. Every operation reports through a result code.
-class LUMO_API File : public IChannel {
+class VELA_API File : public IChannel {
 public:
     // What Open does when the file does not exist.
     enum NotFoundPolicy { NOT_FOUND_FAIL = 0, NOT_FOUND_CREATE = 1 };

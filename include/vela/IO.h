@@ -1,15 +1,15 @@
 #ifndef VELA_IO_H
 #define VELA_IO_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 // The file layer's start and stop, counted so that nested pairs are allowed.
 namespace IO {
 
-LUMO_API void Init(bool full);
-LUMO_API void End();
+VELA_API void Init(bool full);
+VELA_API void End();
 // The number of Init calls not yet matched by End.
-LUMO_API long GetInitCount();
+VELA_API long GetInitCount();
 
 } // namespace IO
 

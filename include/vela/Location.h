@@ -1,14 +1,14 @@
 #ifndef VELA_LOCATION_H
 #define VELA_LOCATION_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 namespace IO {
 
 // The name of a file. The path is kept in UTF-8 whichever form it was given in;
 // text that is not well-formed (malformed UTF-8, an unpaired UTF-16 surrogate)
 // makes the location illegal rather than being silently altered.
-class LUMO_API Location {
+class VELA_API Location {
 public:
     // An empty location.
     Location() noexcept;

@@ -1,7 +1,7 @@
 #ifndef VELA_MEMORY_H
 #define VELA_MEMORY_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 namespace Vela {
 
@@ -13,7 +13,7 @@ typedef char** BMHandle;
 
 // The handle memory manager. Thread-safe: handles are independent heap blocks (one
 // handle must still be used by one thread at a time).
-class LUMO_API bmManager {
+class VELA_API bmManager {
 public:
     // A new handle of `size` bytes (contents undefined; 0 is allowed), or null when
     // memory is exhausted.
@@ -37,7 +37,7 @@ public:
 // The memory range checker. On this platform every range at a non-null address counts
 // as readable and writable; a null address is refused unless the size is 0 (an empty
 // range is always accepted).
-class LUMO_API bnManager {
+class VELA_API bnManager {
 public:
     static bool IsReadable(void const* address, unsigned long size);
     static bool IsWritable(void* address, unsigned long size);

@@ -1,7 +1,7 @@
 #ifndef VELA_RESOURCE_H
 #define VELA_RESOURCE_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 // Resource modules: each module registers a table of indexed string resources, found
 // by type, identifier and index, the active module first.
@@ -25,16 +25,16 @@ typedef RSModuleInfo const* RSModuleHandle;
 
 // Registers a module; returns its identifier (> 0), or 0 when the handle is null.
 // The new module becomes the active one.
-LUMO_API long RSAddModule(RSModuleHandle handle);
+VELA_API long RSAddModule(RSModuleHandle handle);
 // Removes a module by identifier; false when none has it.
-LUMO_API bool RSRemoveModule(long id);
+VELA_API bool RSRemoveModule(long id);
 // The identifier of the active module, 0 when none.
-LUMO_API long RSGetActiveModule();
+VELA_API long RSGetActiveModule();
 // Makes a module active; returns the previously active identifier.
-LUMO_API long RSSetActiveModule(long id);
+VELA_API long RSSetActiveModule(long id);
 // The string of type, identifier and index: the active module is searched first,
 // then the others, newest first. Null when none has it.
-LUMO_API char const* RSLoadString(char const* type, unsigned long id, unsigned long index);
+VELA_API char const* RSLoadString(char const* type, unsigned long id, unsigned long index);
 
 } // namespace Vela
 

@@ -1,7 +1,7 @@
 #ifndef VELA_UCS_H
 #define VELA_UCS_H
 
-#include <lumo/Config.h>
+#include <vela/Config.h>
 
 #include <cstdarg>
 
@@ -11,34 +11,34 @@
 namespace Vela {
 
 // The number of units before the terminator.
-LUMO_API unsigned long ucslen(unsigned short const* s);
+VELA_API unsigned long ucslen(unsigned short const* s);
 // <0, 0 or >0 by unit values (so a surrogate pair sorts before U+E000-U+FFFF).
-LUMO_API int ucscmp(unsigned short const* a, unsigned short const* b);
+VELA_API int ucscmp(unsigned short const* a, unsigned short const* b);
 // As ucscmp after Unicode simple case folding of each code point (surrogate pairs are
 // folded as the supplementary character they form; no full folding: "ß" != "ss").
-LUMO_API int ucsicmp(unsigned short const* a, unsigned short const* b);
+VELA_API int ucsicmp(unsigned short const* a, unsigned short const* b);
 // As ucscmp / ucsicmp over at most `n` units of each text.
-LUMO_API int ucsncmp(unsigned short const* a, unsigned short const* b, unsigned long n);
-LUMO_API int ucsnicmp(unsigned short const* a, unsigned short const* b, unsigned long n);
+VELA_API int ucsncmp(unsigned short const* a, unsigned short const* b, unsigned long n);
+VELA_API int ucsnicmp(unsigned short const* a, unsigned short const* b, unsigned long n);
 // The first / last unit equal to `c`, or null; as with strchr, c = 0 finds the
 // terminator.
-LUMO_API unsigned short const* ucschr(unsigned short const* s, unsigned short c);
-LUMO_API unsigned short const* ucsrchr(unsigned short const* s, unsigned short c);
+VELA_API unsigned short const* ucschr(unsigned short const* s, unsigned short c);
+VELA_API unsigned short const* ucsrchr(unsigned short const* s, unsigned short c);
 // The first occurrence of `sub` (unit by unit), or null; an empty or null `sub` gives s.
-LUMO_API unsigned short const* ucsstr(unsigned short const* s, unsigned short const* sub);
+VELA_API unsigned short const* ucsstr(unsigned short const* s, unsigned short const* sub);
 // In place; return `s`. Case mapping is Unicode simple mapping unit by unit: only BMP
 // characters change; surrogates (and characters whose mapping lies outside the BMP)
 // stay as they are. The reverse works unit by unit, so surrogate pairs end up swapped.
-LUMO_API unsigned short* ucsupr(unsigned short* s);
-LUMO_API unsigned short* ucslwr(unsigned short* s);
-LUMO_API unsigned short* ucsrev(unsigned short* s);
+VELA_API unsigned short* ucsupr(unsigned short* s);
+VELA_API unsigned short* ucslwr(unsigned short* s);
+VELA_API unsigned short* ucsrev(unsigned short* s);
 
 // White space: the Unicode White_Space property (u_isUWhiteSpace), which includes
 // ' ', \t, \n, \v, \f, \r, U+0085, U+00A0, U+2028, U+3000 and the like.
-LUMO_API bool isuspace(unsigned short c);
+VELA_API bool isuspace(unsigned short c);
 // Decimal digits: '0'-'9' and the other Unicode decimal digits (general category Nd,
 // e.g. U+0663, U+FF15); not superscripts or other numerals.
-LUMO_API bool isudigit(unsigned short c);
+VELA_API bool isudigit(unsigned short c);
 
 // printf into UTF-16 output of `count` units.
 //
@@ -58,9 +58,9 @@ LUMO_API bool isudigit(unsigned short c);
 // fitted (never ending in the first half of a surrogate pair) and a terminator. count 0,
 // a null buffer or a null format give -1 and write nothing. `args` is not consumed
 // (the routine works on a copy), so the caller may pass it again.
-LUMO_API int vsnuprintf(unsigned short* buffer, unsigned long count, unsigned short const* format,
+VELA_API int vsnuprintf(unsigned short* buffer, unsigned long count, unsigned short const* format,
                         va_list args);
-LUMO_API int snuprintf(unsigned short* buffer, unsigned long count, unsigned short const* format,
+VELA_API int snuprintf(unsigned short* buffer, unsigned long count, unsigned short const* format,
                        ...);
 
 // scanf over UTF-16 text, as C's sscanf: white space in the format skips any white
@@ -75,10 +75,10 @@ LUMO_API int snuprintf(unsigned short* buffer, unsigned long count, unsigned sho
 //   %p  a hexadecimal pointer; %n  the units consumed so far (int*), not counted.
 // Returns the number of fields converted and stored, or -1 when the input ends before
 // the first conversion (and for a null format). A null text is an empty text.
-LUMO_API int suscanf(unsigned short const* text, unsigned short const* format, ...);
+VELA_API int suscanf(unsigned short const* text, unsigned short const* format, ...);
 
 // The platform's line end: "\n".
-LUMO_API extern char const EOL[];
+VELA_API extern char const EOL[];
 
 } // namespace Vela
 

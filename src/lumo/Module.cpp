@@ -41,7 +41,9 @@ struct ModuleEntry {
 ModuleEntry g_module;
 } // namespace
 
-long GetModuleId() { return g_moduleId; }
+long GetModuleId() {
+    return g_moduleId;
+}
 
 } // namespace detail
 } // namespace lumo

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#if defined(__SSE2__)
+#if VELA_HAVE_SSE2
 #include <emmintrin.h>
 #endif
 
@@ -177,7 +177,7 @@ long FloorBoundary(Byte const* s, long p, long n) {
 // The first index below n where a and b differ, or n.
 inline long Mismatch(Byte const* a, Byte const* b, long n) {
     long i = 0;
-#if defined(__SSE2__)
+#if VELA_HAVE_SSE2
     while (i + 16 <= n) {
         __m128i const x = _mm_loadu_si128(reinterpret_cast<__m128i const*>(a + i));
         __m128i const y = _mm_loadu_si128(reinterpret_cast<__m128i const*>(b + i));
@@ -310,7 +310,7 @@ int CHCompareTexts(char const* a, long lengthA, char const* b, long lengthB, int
 
     long ia = k, ib = k;
     while (ia < la && ib < lb) {
-#if defined(__SSE2__)
+#if VELA_HAVE_SSE2
         if (fold && ia + 16 <= la && ib + 16 <= lb) {
             // Sixteen ASCII bytes a side at a time.
             __m128i const x = _mm_loadu_si128(reinterpret_cast<__m128i const*>(sa + ia));

@@ -9,7 +9,9 @@ std::atomic<long> g_initCount{0};
 } // namespace
 
 // The POSIX file layer keeps no global state; the count records who started it.
-void Init(bool) { ++g_initCount; }
+void Init(bool) {
+    ++g_initCount;
+}
 
 void End() {
     long seen = g_initCount.load();
@@ -17,6 +19,8 @@ void End() {
     }
 }
 
-long GetInitCount() { return g_initCount.load(); }
+long GetInitCount() {
+    return g_initCount.load();
+}
 
 } // namespace IO

@@ -22,8 +22,7 @@ std::mutex& Guard() {
     return *mutex;
 }
 
-char const* FindIn(RSModuleHandle module, char const* type, unsigned long id,
-                   unsigned long index) {
+char const* FindIn(RSModuleHandle module, char const* type, unsigned long id, unsigned long index) {
     if (module == nullptr)
         return nullptr;
     for (unsigned long t = 0; t < module->tableCount; ++t) {

@@ -1,3 +1,5 @@
+// The library's start/stop counter; the saturation case runs 2^31 starts.
+// ctest-labels: slow
 #include <lumo/Library.h>
 #include <vela/IO.h>
 

@@ -1,6 +1,6 @@
 #include <vela/File.h>
 
-#include "lumo/io/FileTestSupport.h"
+#include "support/Files.h"
 
 #include <gtest/gtest.h>
 

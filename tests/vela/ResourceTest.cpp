@@ -47,8 +47,9 @@ TEST(Resource, ModulesAndStrings) {
 
 TEST(Debug, OutputCanBeRedirected) {
     std::string captured;
-    DBSetOutput([](char const* text, void* context) { *static_cast<std::string*>(context) += text; },
-                &captured);
+    DBSetOutput(
+        [](char const* text, void* context) { *static_cast<std::string*>(context) += text; },
+        &captured);
     EXPECT_EQ(DBPrintf("%s=%d;", "x", 42), 5);
     std::string const big(2000, 'y');
     DBPrintf("%s", big.c_str());

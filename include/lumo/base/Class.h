@@ -77,9 +77,11 @@ public:                                                                         
     LUMO_DEFINE_CLASS_EX(Name, qualifiedName, baseName, nullptr, nullptr, nullptr)
 
 // The full form: up to three base names and a factory (or nullptr).
-#define LUMO_DEFINE_CLASS_EX(Name, qualifiedName, base1, base2, base3, factory)                   \
+#define LUMO_DEFINE_CLASS_EX(Name, qualifiedName, base1, base2, base3, factory)                    \
     ::lumo::base::CClass Name::m_class##Name(qualifiedName, base1, base2, base3, sizeof(Name),     \
                                              factory);                                             \
-    ::lumo::base::CClass const* Name::GetClass() const { return &Name::m_class##Name; }
+    ::lumo::base::CClass const* Name::GetClass() const {                                           \
+        return &Name::m_class##Name;                                                               \
+    }
 
 #endif

@@ -50,18 +50,18 @@ private:
 #define LUMO_EXCEPTION_0(Name, Base)                                                               \
     class LUMO_API Name : public Base {                                                            \
         LUMO_DECLARE_CLASS(Name);                                                                  \
-        Name(char const* file, unsigned long line) : Base(file, line, nullptr, nullptr) {}        \
+        Name(char const* file, unsigned long line) : Base(file, line, nullptr, nullptr) {}         \
     }
 #define LUMO_EXCEPTION_1(Name, Base)                                                               \
     class LUMO_API Name : public Base {                                                            \
         LUMO_DECLARE_CLASS(Name);                                                                  \
-        Name(char const* file, unsigned long line, char const* errorDescription)                  \
+        Name(char const* file, unsigned long line, char const* errorDescription)                   \
             : Base(file, line, errorDescription, nullptr) {}                                       \
     }
 #define LUMO_EXCEPTION_2(Name, Base)                                                               \
     class LUMO_API Name : public Base {                                                            \
         LUMO_DECLARE_CLASS(Name);                                                                  \
-        Name(char const* file, unsigned long line, char const* errorDescription,                  \
+        Name(char const* file, unsigned long line, char const* errorDescription,                   \
              char const* message)                                                                  \
             : Base(file, line, errorDescription, message) {}                                       \
     }

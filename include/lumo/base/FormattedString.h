@@ -14,21 +14,11 @@ namespace base {
 class LUMO_API CFormattedString {
 public:
     // A null or empty format raises CIllegalArgumentException ("Invalid format string.").
-    CFormattedString(char const* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-        ;
+    CFormattedString(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
 
-    operator char const*() const noexcept {
-        return m_string;
-    }
-    CString const& GetString() const noexcept {
-        return m_string;
-    }
-    unsigned long GetLength() const noexcept {
-        return m_string.GetLength();
-    }
+    operator char const*() const noexcept { return m_string; }
+    CString const& GetString() const noexcept { return m_string; }
+    unsigned long GetLength() const noexcept { return m_string.GetLength(); }
 
 private:
     CString m_string;

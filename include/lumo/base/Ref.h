@@ -41,10 +41,7 @@ public:
     // record for a new object cannot be allocated).
     static void DestroyObject(void* object, Deleter deleter) noexcept;
 
-    template <class T>
-    static void DeleteObject(void* object) {
-        delete static_cast<T*>(object);
-    }
+    template <class T> static void DeleteObject(void* object) { delete static_cast<T*>(object); }
 
 private:
     RefCountedPtr(RefCountedPtr const&);
@@ -60,8 +57,7 @@ private:
 // the object is destroyed (through a `delete` of the type it was handed over as)
 // when the last holder lets go. Not thread-safe: a CRef and the copies that share
 // its record must be used by one thread at a time.
-template <class T>
-class CRef {
+template <class T> class CRef {
 public:
     typedef T ElementType;
 
@@ -161,25 +157,24 @@ public:
     explicit operator bool() const noexcept { return m_object != nullptr; }
 
     // Number of CRef values sharing the record; 0 when empty.
-    std::uint32_t GetRefCount() const noexcept { return m_record != nullptr ? m_record->GetCount() : 0; }
+    std::uint32_t GetRefCount() const noexcept {
+        return m_record != nullptr ? m_record->GetCount() : 0;
+    }
     // True when the holders destroy the object at the end (false when empty).
     bool IsOwner() const noexcept { return m_record != nullptr && m_record->IsOwner(); }
 
     // A CRef of another type sharing this record: U* from T* by static_cast, or by
     // dynamic_cast (empty when the object is no U).
-    template <class U>
-    CRef<U> StaticCast() const noexcept {
+    template <class U> CRef<U> StaticCast() const noexcept {
         return CRef<U>(m_record, static_cast<U*>(m_object));
     }
-    template <class U>
-    CRef<U> DynamicCast() const noexcept {
+    template <class U> CRef<U> DynamicCast() const noexcept {
         U* object = dynamic_cast<U*>(m_object);
         return object != nullptr ? CRef<U>(m_record, object) : CRef<U>();
     }
 
 private:
-    template <class U>
-    friend class CRef;
+    template <class U> friend class CRef;
 
     // Shares `record` (raising its count) for `object`.
     CRef(RefCountedPtr* record, T* object) noexcept : m_record(record), m_object(object) {
@@ -218,29 +213,38 @@ private:
     T* m_object;
 };
 
-template <class T, class U>
-bool operator==(CRef<T> const& a, CRef<U> const& b) noexcept { return a.Get() == b.Get(); }
-template <class T, class U>
-bool operator!=(CRef<T> const& a, CRef<U> const& b) noexcept { return a.Get() != b.Get(); }
-template <class T, class U>
-bool operator==(CRef<T> const& a, U* b) noexcept { return a.Get() == b; }
-template <class T, class U>
-bool operator!=(CRef<T> const& a, U* b) noexcept { return a.Get() != b; }
-template <class T, class U>
-bool operator==(U* a, CRef<T> const& b) noexcept { return a == b.Get(); }
-template <class T, class U>
-bool operator!=(U* a, CRef<T> const& b) noexcept { return a != b.Get(); }
-template <class T>
-bool operator==(CRef<T> const& a, std::nullptr_t) noexcept { return a.IsNull(); }
-template <class T>
-bool operator!=(CRef<T> const& a, std::nullptr_t) noexcept { return !a.IsNull(); }
-template <class T>
-bool operator==(std::nullptr_t, CRef<T> const& b) noexcept { return b.IsNull(); }
-template <class T>
-bool operator!=(std::nullptr_t, CRef<T> const& b) noexcept { return !b.IsNull(); }
+template <class T, class U> bool operator==(CRef<T> const& a, CRef<U> const& b) noexcept {
+    return a.Get() == b.Get();
+}
+template <class T, class U> bool operator!=(CRef<T> const& a, CRef<U> const& b) noexcept {
+    return a.Get() != b.Get();
+}
+template <class T, class U> bool operator==(CRef<T> const& a, U* b) noexcept {
+    return a.Get() == b;
+}
+template <class T, class U> bool operator!=(CRef<T> const& a, U* b) noexcept {
+    return a.Get() != b;
+}
+template <class T, class U> bool operator==(U* a, CRef<T> const& b) noexcept {
+    return a == b.Get();
+}
+template <class T, class U> bool operator!=(U* a, CRef<T> const& b) noexcept {
+    return a != b.Get();
+}
+template <class T> bool operator==(CRef<T> const& a, std::nullptr_t) noexcept {
+    return a.IsNull();
+}
+template <class T> bool operator!=(CRef<T> const& a, std::nullptr_t) noexcept {
+    return !a.IsNull();
+}
+template <class T> bool operator==(std::nullptr_t, CRef<T> const& b) noexcept {
+    return b.IsNull();
+}
+template <class T> bool operator!=(std::nullptr_t, CRef<T> const& b) noexcept {
+    return !b.IsNull();
+}
 // An order by object address, for ordered containers.
-template <class T>
-bool operator<(CRef<T> const& a, CRef<T> const& b) noexcept {
+template <class T> bool operator<(CRef<T> const& a, CRef<T> const& b) noexcept {
     return std::less<T*>()(a.Get(), b.Get());
 }
 

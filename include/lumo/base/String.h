@@ -170,11 +170,7 @@ public:
     // printf into a 1024-byte work buffer. Only a result of exactly size - 1 bytes
     // takes another round with 1024 more bytes; a longer text is cut to what fitted.
     // A null format empties the string.
-    void Format(char const* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-        ;
+    void Format(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
     void FormatV(char const* format, va_list args);
 
 private:

@@ -82,11 +82,7 @@ protected:
     void WriteNewLine();
 
 private:
-    void PrintNumber(char const* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-        ;
+    void PrintNumber(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
     void PrintUtf8(char const* text, unsigned long length);
 
     CWriter* m_writer;

@@ -90,11 +90,7 @@ private:
     // Kept out of line: inlined into a caller holding two handles on one block,
     // the deletion makes compilers that cannot follow the count warn about a
     // use after free.
-#if defined(__GNUC__)
-    __attribute__((noinline))
-#endif
-    static void
-    Destroy(Block* block) noexcept {
+    LUMO_NOINLINE static void Destroy(Block* block) noexcept {
         delete block->enumeration;
         delete block;
     }

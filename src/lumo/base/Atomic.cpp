@@ -10,9 +10,9 @@ namespace {
 long Add32(long volatile& target, std::int32_t delta) {
     long seen = __atomic_load_n(&target, __ATOMIC_SEQ_CST);
     for (;;) {
-        long const next = static_cast<std::int32_t>(
-            static_cast<std::uint32_t>(static_cast<std::int32_t>(seen)) +
-            static_cast<std::uint32_t>(delta));
+        long const next =
+            static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::int32_t>(seen)) +
+                                      static_cast<std::uint32_t>(delta));
         if (__atomic_compare_exchange_n(&target, &seen, next, false, __ATOMIC_SEQ_CST,
                                         __ATOMIC_SEQ_CST))
             return next;
@@ -20,9 +20,13 @@ long Add32(long volatile& target, std::int32_t delta) {
 }
 } // namespace
 
-long AtomicIncrement(long volatile& target) { return Add32(target, 1); }
+long AtomicIncrement(long volatile& target) {
+    return Add32(target, 1);
+}
 
-long AtomicDecrement(long volatile& target) { return Add32(target, -1); }
+long AtomicDecrement(long volatile& target) {
+    return Add32(target, -1);
+}
 
 bool AtomicCompareAndSwap(long volatile& target, long newValue, long expected) {
     return __atomic_compare_exchange_n(&target, &expected, newValue, false, __ATOMIC_SEQ_CST,

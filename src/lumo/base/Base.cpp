@@ -11,7 +11,9 @@ CNull const null;
 
 namespace {
 // malloc(0) may give null; every allocation yields a distinct block.
-void* Allocate(std::size_t size) { return std::malloc(size == 0 ? 1 : size); }
+void* Allocate(std::size_t size) {
+    return std::malloc(size == 0 ? 1 : size);
+}
 } // namespace
 
 void CBase::_ThrowMemoryException(char const* file, int line) {
@@ -46,15 +48,31 @@ void* CBase::operator new[](std::size_t size, char const* file, int line) {
     return p;
 }
 
-void* CBase::operator new(std::size_t, void* place) noexcept { return place; }
-void* CBase::operator new[](std::size_t, void* place) noexcept { return place; }
-void* CBase::operator new(std::size_t, void* place, char const*, int) noexcept { return place; }
-void* CBase::operator new[](std::size_t, void* place, char const*, int) noexcept { return place; }
+void* CBase::operator new(std::size_t, void* place) noexcept {
+    return place;
+}
+void* CBase::operator new[](std::size_t, void* place) noexcept {
+    return place;
+}
+void* CBase::operator new(std::size_t, void* place, char const*, int) noexcept {
+    return place;
+}
+void* CBase::operator new[](std::size_t, void* place, char const*, int) noexcept {
+    return place;
+}
 
-void CBase::operator delete(void* p) noexcept { std::free(p); }
-void CBase::operator delete[](void* p) noexcept { std::free(p); }
-void CBase::operator delete(void* p, char const*, int) noexcept { std::free(p); }
-void CBase::operator delete[](void* p, char const*, int) noexcept { std::free(p); }
+void CBase::operator delete(void* p) noexcept {
+    std::free(p);
+}
+void CBase::operator delete[](void* p) noexcept {
+    std::free(p);
+}
+void CBase::operator delete(void* p, char const*, int) noexcept {
+    std::free(p);
+}
+void CBase::operator delete[](void* p, char const*, int) noexcept {
+    std::free(p);
+}
 void CBase::operator delete(void*, void*) noexcept {}
 void CBase::operator delete[](void*, void*) noexcept {}
 void CBase::operator delete(void*, void*, char const*, int) noexcept {}

@@ -4,6 +4,8 @@
 // Table-driven base64 and binhex kernels shared by CBinaryData and the base64
 // output stream. Callers check arguments and size the output.
 
+#include <lumo/Config.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -108,7 +110,7 @@ template <class Unit> inline std::uint32_t Base64Value(Unit c) {
 // Stores the 3 bytes of a decoded 24-bit group at `out`, high byte first; may also
 // write a fourth byte, which the caller must have room for.
 inline void StoreGroup(unsigned char* out, std::uint32_t v) {
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#if LUMO_LITTLE_ENDIAN
     std::uint32_t const bytes = __builtin_bswap32(v << 8);
     __builtin_memcpy(out, &bytes, 4);
 #else

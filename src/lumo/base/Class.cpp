@@ -17,9 +17,13 @@ CClass::CClass(char const* qualifiedName, char const* baseName1, char const* bas
     CClassManager::GetInstance().RegisterClass(this);
 }
 
-CClass::~CClass() { CClassManager::GetInstance().UnregisterClass(this); }
+CClass::~CClass() {
+    CClassManager::GetInstance().UnregisterClass(this);
+}
 
-CClass::CClass(CClass const& other) { *this = other; }
+CClass::CClass(CClass const& other) {
+    *this = other;
+}
 
 CClass& CClass::operator=(CClass const& other) {
     m_qualifiedName = other.m_qualifiedName;
@@ -52,9 +56,15 @@ CClass const* CachedBase(char const* name, CClass const*& cache) {
 }
 } // namespace
 
-CClass const* CClass::GetBaseClass1() const { return CachedBase(m_baseName1, m_baseClass1); }
-CClass const* CClass::GetBaseClass2() const { return CachedBase(m_baseName2, m_baseClass2); }
-CClass const* CClass::GetBaseClass3() const { return CachedBase(m_baseName3, m_baseClass3); }
+CClass const* CClass::GetBaseClass1() const {
+    return CachedBase(m_baseName1, m_baseClass1);
+}
+CClass const* CClass::GetBaseClass2() const {
+    return CachedBase(m_baseName2, m_baseClass2);
+}
+CClass const* CClass::GetBaseClass3() const {
+    return CachedBase(m_baseName3, m_baseClass3);
+}
 
 bool CClass::IsInstanceOf(CClass const* cls) const {
     if (cls == nullptr)

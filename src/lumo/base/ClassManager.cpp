@@ -2,10 +2,11 @@
 
 #include <lumo/base/ClassNotFoundException.h>
 #include <lumo/base/Object.h>
-#include <lumo/util/HashCode.h>
 
 #include <cstdlib>
 #include <cstring>
+
+#include "detail/TextHash.h"
 
 namespace lumo {
 namespace base {
@@ -42,7 +43,9 @@ CClassManager::CClassManager()
     m_hashing = 1;
 }
 
-CClassManager::~CClassManager() { FreeTable(); }
+CClassManager::~CClassManager() {
+    FreeTable();
+}
 
 CClassManager& CClassManager::GetInstance() {
     static CClassManager instance;
@@ -67,7 +70,7 @@ void CClassManager::FreeTable() {
 bool CClassManager::HashPut(char const* key, CClass* value) {
     if (m_buckets == nullptr)
         return false;
-    std::int32_t const hash = util::GetStringHashCode(key);
+    std::int32_t const hash = detail::HashText(key);
     for (;;) {
         std::uint32_t index = BucketOf(hash, m_bucketCount);
         for (Entry* e = m_buckets[index]; e != nullptr; e = e->next) {
@@ -113,7 +116,7 @@ bool CClassManager::HashPut(char const* key, CClass* value) {
 void CClassManager::HashRemove(char const* key) {
     if (m_buckets == nullptr)
         return;
-    std::int32_t const hash = util::GetStringHashCode(key);
+    std::int32_t const hash = detail::HashText(key);
     Entry** link = &m_buckets[BucketOf(hash, m_bucketCount)];
     for (; *link != nullptr; link = &(*link)->next) {
         if ((*link)->hash == hash && (*link)->key == key) {
@@ -172,7 +175,7 @@ CClass* CClassManager::FindClass(char const* name) {
     if (name == nullptr || *name == '\0')
         return nullptr;
     if (m_hashing != 0) {
-        std::int32_t const hash = util::GetStringHashCode(name);
+        std::int32_t const hash = detail::HashText(name);
         for (Entry* e = m_buckets[BucketOf(hash, m_bucketCount)]; e != nullptr; e = e->next) {
             if (e->hash == hash && e->key == name)
                 return e->value;

@@ -46,7 +46,7 @@ void DeleteCriticalSection(CCriticalSection* cs) noexcept {
 
 namespace {
 
-[[noreturn]] __attribute__((noinline, cold)) void ThrowEnterFailure() {
+[[noreturn]] LUMO_COLD void ThrowEnterFailure() {
     throw CSynchronizationException("lumo/base/LockImplWin", __LINE__,
                                     "Failed to enter critical section.", nullptr);
 }
@@ -72,7 +72,9 @@ void LeaveCriticalSection(CCriticalSection* cs) noexcept {
     pthread_mutex_unlock(&cs->mutex);
 }
 
-void YieldTimeSlice() noexcept { sched_yield(); }
+void YieldTimeSlice() noexcept {
+    sched_yield();
+}
 
 } // namespace detail
 } // namespace base

@@ -13,8 +13,7 @@ namespace base {
 LUMO_DEFINE_CLASS(CException, "lumo::base::CException", "lumo::base::CObject");
 LUMO_DEFINE_CLASS(CArrayIndexOutOfBoundsException, "lumo::base::CArrayIndexOutOfBoundsException",
                   "lumo::base::CException");
-LUMO_DEFINE_CLASS(CClassCastException, "lumo::base::CClassCastException",
-                  "lumo::base::CException");
+LUMO_DEFINE_CLASS(CClassCastException, "lumo::base::CClassCastException", "lumo::base::CException");
 LUMO_DEFINE_CLASS(CMemoryException, "lumo::base::CMemoryException", "lumo::base::CException");
 LUMO_DEFINE_CLASS(CNullReferenceException, "lumo::base::CNullReferenceException",
                   "lumo::base::CException");
@@ -57,7 +56,9 @@ CException& CException::operator=(CException const& other) {
     return *this;
 }
 
-CException::~CException() { std::free(m_message); }
+CException::~CException() {
+    std::free(m_message);
+}
 
 bool CException::SetMessage(char const* message) {
     std::free(m_message);
@@ -73,15 +74,15 @@ bool CException::SetMessage(char const* message) {
 }
 
 CClassNotFoundException::CClassNotFoundException(char const* file, unsigned long line,
-                                                 char const* errorDescription,
-                                                 char const* message, char const* className)
+                                                 char const* errorDescription, char const* message,
+                                                 char const* className)
     : CException(file, line, errorDescription, message) {
     CopyExceptionText(m_className, className);
 }
 
 CInstantiationException::CInstantiationException(char const* file, unsigned long line,
-                                                 char const* errorDescription,
-                                                 char const* message, char const* className)
+                                                 char const* errorDescription, char const* message,
+                                                 char const* className)
     : CException(file, line, errorDescription, message) {
     CopyExceptionText(m_className, className);
 }

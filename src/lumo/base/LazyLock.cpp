@@ -24,7 +24,9 @@ private:
 
 CLazyLock::CLazyLock() : m_impl(nullptr) {}
 
-CLazyLock::~CLazyLock() { detail::DeleteCriticalSection(m_impl); }
+CLazyLock::~CLazyLock() {
+    detail::DeleteCriticalSection(m_impl);
+}
 
 void CLazyLock::Create() {
     CGuard guard(m_guard);
@@ -38,8 +40,8 @@ void CLazyLock::Create() {
             made = nullptr;
         }
         if (made == nullptr)
-            throw CSynchronizationException("lumo/base/LazyLock", __LINE__, "Failed to create lock.",
-                                            nullptr);
+            throw CSynchronizationException("lumo/base/LazyLock", __LINE__,
+                                            "Failed to create lock.", nullptr);
         detail::DeleteCriticalSection(m_impl);
         m_impl = made;
     }

@@ -13,13 +13,21 @@ CLock::CLock() : m_impl(detail::NewCriticalSection(0, "lumo/base/LockImplWin", _
                                         "Failed to create critical section.", nullptr);
 }
 
-CLock::~CLock() { detail::DeleteCriticalSection(m_impl); }
+CLock::~CLock() {
+    detail::DeleteCriticalSection(m_impl);
+}
 
-void CLock::Acquire() { detail::EnterCriticalSection(m_impl); }
+void CLock::Acquire() {
+    detail::EnterCriticalSection(m_impl);
+}
 
-bool CLock::TryAcquire(unsigned long /*timeout*/) { return detail::TryEnterCriticalSection(m_impl); }
+bool CLock::TryAcquire(unsigned long /*timeout*/) {
+    return detail::TryEnterCriticalSection(m_impl);
+}
 
-void CLock::Release() { detail::LeaveCriticalSection(m_impl); }
+void CLock::Release() {
+    detail::LeaveCriticalSection(m_impl);
+}
 
 } // namespace base
 } // namespace lumo

@@ -10,15 +10,21 @@ CClass CObject::m_classCObject("lumo::base::CObject", nullptr, nullptr, nullptr,
 
 CObject::~CObject() {}
 
-CClass const* CObject::GetClass() const { return &m_classCObject; }
+CClass const* CObject::GetClass() const {
+    return &m_classCObject;
+}
 
 std::int32_t CObject::GetHashCode() const {
     return static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(this));
 }
 
-bool CObject::Equals(CObject const* other) const { return other == this; }
+bool CObject::Equals(CObject const* other) const {
+    return other == this;
+}
 
-CObject* CObject::Clone() const { return nullptr; }
+CObject* CObject::Clone() const {
+    return nullptr;
+}
 
 bool CObject::IsInstanceOf(CClass const* cls) const {
     CClass const* own = GetClass();

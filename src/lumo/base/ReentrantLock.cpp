@@ -14,15 +14,21 @@ CReentrantLock::CReentrantLock()
                                         "Failed to create critical section.", nullptr);
 }
 
-CReentrantLock::~CReentrantLock() { detail::DeleteCriticalSection(m_impl); }
+CReentrantLock::~CReentrantLock() {
+    detail::DeleteCriticalSection(m_impl);
+}
 
-void CReentrantLock::Acquire() { detail::EnterCriticalSection(m_impl); }
+void CReentrantLock::Acquire() {
+    detail::EnterCriticalSection(m_impl);
+}
 
 bool CReentrantLock::TryAcquire(unsigned long /*timeout*/) {
     return detail::TryEnterCriticalSection(m_impl);
 }
 
-void CReentrantLock::Release() { detail::LeaveCriticalSection(m_impl); }
+void CReentrantLock::Release() {
+    detail::LeaveCriticalSection(m_impl);
+}
 
 } // namespace base
 } // namespace lumo

@@ -24,7 +24,9 @@ void RefCountedPtr::Release(RefCountedPtr* record) noexcept {
     delete record;
 }
 
-void RefCountedPtr::ThrowNullReference() { throw CNullReferenceException("lumo/base/Ref", 437); }
+void RefCountedPtr::ThrowNullReference() {
+    throw CNullReferenceException("lumo/base/Ref", 437);
+}
 
 void RefCountedPtr::DestroyObject(void* object, Deleter deleter) noexcept {
     if (deleter == nullptr)

@@ -22,7 +22,9 @@ CSimpleLockManager& CSimpleLockManager::operator=(CSimpleLockManager const& othe
 
 CSimpleLockManager::~CSimpleLockManager() {}
 
-unsigned long CSimpleLockManager::Lock() const { return ++m_count; }
+unsigned long CSimpleLockManager::Lock() const {
+    return ++m_count;
+}
 
 unsigned long CSimpleLockManager::Unlock() const {
     if (m_count != 0)

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__)
+#if LUMO_HAVE_SSE2
 #include <emmintrin.h>
 #define LUMO_USTRING_SSE2 1
 #endif
@@ -458,7 +458,7 @@ inline std::ptrdiff_t EncodedSize(Unit const* p, Unit const* end) {
 
 // Block helpers for a target with room to spare: they may store a few bytes more
 // than they advance over, to be written over by what follows.
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#if LUMO_LITTLE_ENDIAN
 inline void EncodeShort(std::uint32_t u, Byte*& out) {
     // Selected by mask rather than by a branch: in Latin text the two forms alternate
     // unpredictably.

@@ -81,7 +81,7 @@ long CFileReader::Read(unsigned short* buf, unsigned long off, unsigned long len
             throw CIOException(kUnit, __LINE__, kReadFailed, nullptr);
     }
     unsigned long const units = done / 2;
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+#if !LUMO_LITTLE_ENDIAN
     // The file keeps units low byte first.
     for (unsigned long i = 0; i < units; ++i)
         target[i] = static_cast<unsigned short>((target[i] >> 8) | (target[i] << 8));

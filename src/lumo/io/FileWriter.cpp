@@ -40,7 +40,7 @@ void CFileWriter::Write(unsigned short const* buf, unsigned long off, unsigned l
         !Vela::bnManager::IsReadable(buf + off, len * sizeof(unsigned short)))
         return;
     IO::Result result = IO::RESULT_OK;
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+#if !LUMO_LITTLE_ENDIAN
     // The file keeps units low byte first.
     unsigned char bytes[4096];
     for (unsigned long i = 0; i < len && result == IO::RESULT_OK;) {

@@ -1,7 +1,8 @@
+// ctest-labels: concurrency
 #include <lumo/base/Condition.h>
 #include <lumo/base/Lock.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,7 @@
 #include <vector>
 
 using namespace lumo::base;
-using lumo_test::WaitUntil;
+using lumotest::WaitUntil;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// ctest-labels: concurrency
 #include <lumo/base/Exception.h>
 #include <lumo/base/LazyLock.h>
 #include <lumo/base/Lock.h>

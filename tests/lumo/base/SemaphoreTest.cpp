@@ -1,7 +1,8 @@
+// ctest-labels: concurrency
 #include <lumo/base/Lock.h>
 #include <lumo/base/Semaphore.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@
 #include <vector>
 
 using namespace lumo::base;
-using lumo_test::Thrown;
+using lumotest::Thrown;
 
 TEST(Semaphore, CountsAndLimits) {
     CSemaphore s(0, 1);

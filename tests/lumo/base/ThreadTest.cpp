@@ -1,3 +1,4 @@
+// ctest-labels: concurrency
 #include <lumo/base/Runnable.h>
 #include <lumo/base/Thread.h>
 #include <lumo/base/ThreadLocal.h>
@@ -5,7 +6,7 @@
 #include <lumo/base/win/WinSystemErrorException.h>
 #include <lumo/base/win/WinThreadLocalImpl.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -21,8 +22,8 @@
 using namespace lumo::base;
 using lumo::base::win::CSyncObject;
 using lumo::base::win::CWinSystemErrorException;
-using lumo_test::Thrown;
-using lumo_test::WaitUntil;
+using lumotest::Thrown;
+using lumotest::WaitUntil;
 
 namespace {
 

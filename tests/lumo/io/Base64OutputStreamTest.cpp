@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/Base64OutputStream.h>
 
@@ -14,8 +14,8 @@ using lumo::base::CRef;
 using lumo::io::CBase64OutputStream;
 using lumo::io::CIOException;
 using lumo::io::COutputStream;
-using streamtest::ExpectThrowWith;
-using streamtest::RecordingOutputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::RecordingOutputStream;
 
 namespace {
 std::string OpenSslBase64(std::string const& bytes) {
@@ -69,7 +69,7 @@ TEST(Base64OutputStream, LineBreaksFlushAndClose) {
     EXPECT_EQ(sink.closes, 1);
     out.Close();
     EXPECT_EQ(sink.closes, 1);
-    streamtest::ExpectOutputClosed(out);
+    lumotest::ExpectOutputClosed(out);
 
     RecordingOutputStream wide;
     CBase64OutputStream unbroken(&wide, 0);

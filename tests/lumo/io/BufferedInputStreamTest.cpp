@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/BufferedInputStream.h>
 #include <lumo/io/MemoryInputStream.h>
@@ -12,8 +12,8 @@ using lumo::base::CRef;
 using lumo::io::CBufferedInputStream;
 using lumo::io::CInputStream;
 using lumo::io::CIOException;
-using streamtest::ExpectThrowWith;
-using streamtest::ScriptedInputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::ScriptedInputStream;
 
 namespace {
 std::string Letters(std::size_t n) {
@@ -106,7 +106,7 @@ TEST(BufferedInputStream, SkipResetAndClose) {
     inner.position = 0;
     in.Close();
     EXPECT_EQ(inner.closes, 1);
-    streamtest::ExpectInputClosed(in);
+    lumotest::ExpectInputClosed(in);
     EXPECT_EQ(inner.closes, 1);
 }
 

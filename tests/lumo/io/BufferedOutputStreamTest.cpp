@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/BufferedOutputStream.h>
 
@@ -11,8 +11,8 @@ using lumo::base::CRef;
 using lumo::io::CBufferedOutputStream;
 using lumo::io::CIOException;
 using lumo::io::COutputStream;
-using streamtest::ExpectThrowWith;
-using streamtest::RecordingOutputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::RecordingOutputStream;
 
 TEST(BufferedOutputStream, Construction) {
     RecordingOutputStream sink;
@@ -67,7 +67,7 @@ TEST(BufferedOutputStream, CloseFlushesClosesAndSurvivesErrors) {
     EXPECT_EQ(sink.closes, 1);
     out.Close(); // ignored
     EXPECT_EQ(sink.closes, 1);
-    streamtest::ExpectOutputClosed(out);
+    lumotest::ExpectOutputClosed(out);
 
     RecordingOutputStream failing;
     failing.throwOnClose = true;

@@ -1,6 +1,6 @@
 #include <lumo/io/BufferedWriter.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
+#include "support/CharStreams.h"
 
 #include <gtest/gtest.h>
 

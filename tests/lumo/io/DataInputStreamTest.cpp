@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/BufferedInputStream.h>
 #include <lumo/io/BufferedOutputStream.h>
@@ -28,8 +28,8 @@ using lumo::io::CJavaDataOutputStream;
 using lumo::io::CMemoryInputStream;
 using lumo::io::CMemoryOutputStream;
 using lumo::io::ISerializable;
-using streamtest::ExpectThrowWith;
-using streamtest::ScriptedInputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::ScriptedInputStream;
 
 namespace {
 

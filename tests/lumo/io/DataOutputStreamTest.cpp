@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/DataOutputStream.h>
 #include <lumo/io/JavaDataOutputStream.h>
@@ -18,8 +18,8 @@ using lumo::io::CJavaDataOutputStream;
 using lumo::io::CMemoryOutputStream;
 using lumo::io::COutputStream;
 using lumo::io::ISerializable;
-using streamtest::ExpectThrowWith;
-using streamtest::RecordingOutputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::RecordingOutputStream;
 
 namespace {
 
@@ -134,7 +134,7 @@ TEST(DataOutputStream, OperatorsObjectsAndClose) {
         ExpectThrowWith<CIOException>([&] { out.WriteString(CUnicodeString("a")); },
                                       "Stream closed.");
         ExpectThrowWith<CIOException>([&] { out.WriteObject(p); }, "Stream closed.");
-        streamtest::ExpectOutputClosed(out);
+        lumotest::ExpectOutputClosed(out);
     }
     ExpectThrowWith<CIllegalArgumentException>(
         [] { CDataOutputStream(static_cast<COutputStream*>(nullptr)); }, "Invalid output stream.");

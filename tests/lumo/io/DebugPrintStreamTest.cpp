@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/base/String.h>
 #include <lumo/io/DebugPrintStream.h>
@@ -12,7 +12,7 @@
 using lumo::base::CString;
 using lumo::io::CDebugPrintStream;
 using lumo::io::CIOException;
-using streamtest::ExpectThrowWith;
+using lumotest::ExpectThrowWith;
 
 namespace {
 
@@ -81,6 +81,6 @@ TEST(DebugPrintStream, RefusesWritesAndCloses) {
     out.Close(); // never throws
     ExpectThrowWith<CIOException>([&] { out.Print(1L); }, "Stream closed.");
     ExpectThrowWith<CIOException>([&] { out.Println(); }, "Stream closed.");
-    streamtest::ExpectOutputClosed(out);
+    lumotest::ExpectOutputClosed(out);
     EXPECT_TRUE(capture.pieces.empty());
 }

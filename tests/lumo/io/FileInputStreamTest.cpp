@@ -1,8 +1,8 @@
 #include <lumo/io/FileInputStream.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
-#include "lumo/io/FileTestSupport.h"
-#include "lumo/io/StreamTestSupport.h"
+#include "support/CharStreams.h"
+#include "support/Files.h"
+#include "support/Streams.h"
 
 #include <gtest/gtest.h>
 
@@ -51,7 +51,7 @@ TEST(FileInputStreamTest, ReadsBytes) {
     EXPECT_EQ(0u, in.GetAvailable());
 
     in.Close();
-    streamtest::ExpectInputClosed(in);
+    lumotest::ExpectInputClosed(in);
     EXPECT_EQ("Stream closed.", IOErrorOf([&] { in.Reset(); }));
 }
 

@@ -3,9 +3,9 @@
 #include <lumo/io/FileInputStream.h>
 #include <lumo/io/FileOutputStream.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
-#include "lumo/io/FileTestSupport.h"
-#include "lumo/io/StreamTestSupport.h"
+#include "support/CharStreams.h"
+#include "support/Files.h"
+#include "support/Streams.h"
 
 #include <gtest/gtest.h>
 
@@ -44,7 +44,7 @@ TEST(FileOutputStreamTest, WriteAndAppend) {
         out.Write("de", 2);
         out.Flush();
         out.Close();
-        streamtest::ExpectOutputClosed(out);
+        lumotest::ExpectOutputClosed(out);
         EXPECT_EQ("Stream closed.", IOErrorOf([&] { out.Close(); }));
     }
     // Without append an existing file is replaced.

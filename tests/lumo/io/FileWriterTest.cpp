@@ -1,8 +1,8 @@
 #include <lumo/io/FileReader.h>
 #include <lumo/io/FileWriter.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
-#include "lumo/io/FileTestSupport.h"
+#include "support/CharStreams.h"
+#include "support/Files.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/InputStream.h>
 #include <lumo/io/OutputStream.h>
@@ -9,7 +9,7 @@
 
 using lumo::io::CInputStream;
 using lumo::io::COutputStream;
-using streamtest::ScriptedInputStream;
+using lumotest::ScriptedInputStream;
 
 namespace {
 

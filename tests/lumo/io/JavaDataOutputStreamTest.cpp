@@ -6,7 +6,7 @@
 #include <lumo/io/MemoryInputStream.h>
 #include <lumo/io/MemoryOutputStream.h>
 
-#include "lumo/io/FileTestSupport.h"
+#include "support/Files.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/MemoryInputStream.h>
 
@@ -11,7 +11,7 @@ using lumo::base::CIllegalArgumentException;
 using lumo::io::CInputStream;
 using lumo::io::CIOException;
 using lumo::io::CMemoryInputStream;
-using streamtest::ExpectThrowWith;
+using lumotest::ExpectThrowWith;
 
 TEST(MemoryInputStream, ReadsSignExtendedBytesThenEnds) {
     char const data[] = {0x41, char(0xFF), char(0x80)};
@@ -61,7 +61,7 @@ TEST(MemoryInputStream, ConstructionAndClose) {
         CMemoryInputStream in(owned, 4, true);
         EXPECT_EQ(in.Read(), 'a');
         in.Close();
-        streamtest::ExpectInputClosed(in);
+        lumotest::ExpectInputClosed(in);
         ExpectThrowWith<CIOException>([&] { in.Reset(); }, "Stream closed.");
     }
     owned = static_cast<char*>(std::malloc(4));

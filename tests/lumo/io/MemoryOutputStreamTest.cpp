@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/MemoryOutputStream.h>
 
@@ -14,7 +14,7 @@
 using lumo::base::CMemoryException;
 using lumo::io::CIOException;
 using lumo::io::CMemoryOutputStream;
-using streamtest::ExpectThrowWith;
+using lumotest::ExpectThrowWith;
 
 #if defined(__SANITIZE_ADDRESS__)
 // Large allocations fail (and return null) instead of ending the run, so that the
@@ -107,7 +107,7 @@ TEST(MemoryOutputStream, ResetDetachAndClose) {
     out.Close();
     out.Close();
     EXPECT_EQ(Contents(out), "z");
-    streamtest::ExpectOutputClosed(out);
+    lumotest::ExpectOutputClosed(out);
 }
 
 TEST(MemoryOutputStream, FailedGrowthLeavesTheStreamUnchanged) {

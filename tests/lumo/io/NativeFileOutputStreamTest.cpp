@@ -1,8 +1,8 @@
 #include <lumo/io/NativeFileOutputStream.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
-#include "lumo/io/FileTestSupport.h"
-#include "lumo/io/StreamTestSupport.h"
+#include "support/CharStreams.h"
+#include "support/Files.h"
+#include "support/Streams.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ TEST(NativeFileOutputStreamTest, OverwritesWithoutTruncating) {
         out.Write("xy", 2);
         out.Close();
         out.Close();
-        streamtest::ExpectOutputClosed(out);
+        lumotest::ExpectOutputClosed(out);
     }
     EXPECT_EQ("abc3456789xy", lumotest::ReadText(path));
     {

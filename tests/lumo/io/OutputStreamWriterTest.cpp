@@ -2,8 +2,8 @@
 #include <lumo/io/OutputStreamWriter.h>
 #include <lumo/io/UnsupportedEncodingException.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
-#include "lumo/io/StreamTestSupport.h"
+#include "support/CharStreams.h"
+#include "support/Streams.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ using lumo::io::COutputStreamWriter;
 using lumotest::ArgumentErrorOf;
 using lumotest::IcuUtf8;
 using lumotest::IOErrorOf;
-using streamtest::RecordingOutputStream;
+using lumotest::RecordingOutputStream;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/base/String.h>
 #include <lumo/io/CRLFPrintStream.h>
@@ -16,8 +16,8 @@ using lumo::io::CCRLFPrintStream;
 using lumo::io::CIOException;
 using lumo::io::COutputStream;
 using lumo::io::CPrintStream;
-using streamtest::ExpectThrowWith;
-using streamtest::RecordingOutputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::RecordingOutputStream;
 
 TEST(PrintStream, FormatsEveryOverload) {
     RecordingOutputStream sink;
@@ -101,7 +101,7 @@ TEST(PrintStream, PassThroughCloseAndOwnership) {
     EXPECT_EQ(sink.closes, 1);
     ExpectThrowWith<CIOException>([&] { out.Print(1L); }, "Stream closed.");
     ExpectThrowWith<CIOException>([&] { out.Println(); }, "Stream closed.");
-    streamtest::ExpectOutputClosed(out);
+    lumotest::ExpectOutputClosed(out);
 
     bool destroyed = false;
     {

@@ -2,7 +2,7 @@
 #include <lumo/io/OutputStreamWriter.h>
 #include <lumo/io/PrintWriter.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
+#include "support/CharStreams.h"
 
 #include <gtest/gtest.h>
 

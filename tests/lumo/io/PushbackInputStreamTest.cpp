@@ -1,4 +1,4 @@
-#include "lumo/io/StreamTestSupport.h"
+#include "support/Streams.h"
 
 #include <lumo/io/MemoryInputStream.h>
 #include <lumo/io/PushbackInputStream.h>
@@ -13,8 +13,8 @@ using lumo::io::CInputStream;
 using lumo::io::CIOException;
 using lumo::io::CMemoryInputStream;
 using lumo::io::CPushbackInputStream;
-using streamtest::ExpectThrowWith;
-using streamtest::ScriptedInputStream;
+using lumotest::ExpectThrowWith;
+using lumotest::ScriptedInputStream;
 
 TEST(PushbackInputStream, Construction) {
     ScriptedInputStream inner("x");
@@ -82,7 +82,7 @@ TEST(PushbackInputStream, BlockReadsAddTheWrappedResultAsItIs) {
     in2.Reset();
     EXPECT_EQ(in2.Read(), 'r'); // held-back bytes dropped, wrapped stream reset
     in2.Close();
-    streamtest::ExpectInputClosed(in2);
+    lumotest::ExpectInputClosed(in2);
     ExpectThrowWith<CIOException>([&] { more.Read(); }, "Stream closed.");
 }
 

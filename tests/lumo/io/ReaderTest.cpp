@@ -1,4 +1,4 @@
-#include "lumo/io/CharStreamsTestSupport.h"
+#include "support/CharStreams.h"
 
 #include <gtest/gtest.h>
 

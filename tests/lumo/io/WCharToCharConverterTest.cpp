@@ -1,7 +1,7 @@
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 
-#include "lumo/io/CharStreamsTestSupport.h"
+#include "support/CharStreams.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 using lumo::base::CNullReferenceException;
 using lumo::util::CEnumeration;
@@ -62,7 +62,7 @@ TEST(Enumeration, HandlesShareOneEnumerationAndDeleteItOnce) {
     CEnumeration<int> empty;
     CEnumeration<int> fromNull(nullptr);
     EXPECT_EQ(fromNull.GetEnumeration(), nullptr);
-    testutil::ExpectThrowIn<CNullReferenceException>("lumo/util/Enumeration",
+    lumotest::ExpectThrowIn<CNullReferenceException>("lumo/util/Enumeration",
                                                      [&] { empty.HasMoreElements(); });
     EXPECT_THROW(fromNull.NextElement(), CNullReferenceException);
     EXPECT_THROW(empty.Reset(), CNullReferenceException);

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
-#include <lumo/util/Tracked.h>
+#include "support/Tracked.h"
 
 #include <set>
 #include <string>
@@ -15,7 +15,7 @@ using lumo::base::CString;
 using lumo::util::CEnumeration;
 using lumo::util::CHashtable;
 using lumo::util::CNoSuchElementException;
-using testutil::Tracked;
+using lumotest::Tracked;
 
 namespace {
 struct Factory {
@@ -31,7 +31,7 @@ TEST(Hashtable, StringKeyedRegistryOfBorrowedPointers) {
     EXPECT_EQ(registry.Get("UTF-8"), &utf8);
     EXPECT_EQ(*registry.Find("ISO-8859-1"), &latin);
     EXPECT_EQ(registry.Find("utf-8"), nullptr); // case matters
-    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/Hashtable",
+    lumotest::ExpectThrowIn<CNoSuchElementException>("lumo/util/Hashtable",
                                                      [&] { registry.Get("UTF-16"); });
     Factory* previous = nullptr;
     EXPECT_TRUE(registry.Put("UTF-8", &latin, &previous));

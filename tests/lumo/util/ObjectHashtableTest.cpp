@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 #include <vector>
 
@@ -13,8 +13,8 @@ using lumo::base::CObject;
 using lumo::util::CEnumeration;
 using lumo::util::CNoSuchElementException;
 using lumo::util::CObjectHashtable;
-using testutil::CValue;
-using testutil::ValueOf;
+using lumotest::CValue;
+using lumotest::ValueOf;
 
 namespace {
 
@@ -26,7 +26,7 @@ std::vector<int> Keys(CObjectHashtable const& table) {
     return keys;
 }
 
-testutil::IllegalIn const ExpectIllegal{"lumo/util/ObjectHashtable"};
+lumotest::IllegalIn const ExpectIllegal{"lumo/util/ObjectHashtable"};
 
 // Puts new keys 1000 + size, ... (distinct hashes) until the table holds `count`
 // entries.
@@ -183,7 +183,7 @@ TEST(ObjectHashtable, CopiesMapKeysToKeyClonesAndAssignmentCopiesValues) {
         // A key that cannot be cloned fails the copy and leaks nothing.
         CObjectHashtable plain;
         plain.Put(new CValue(8), new CValue(9));
-        plain.Put(new testutil::CPlain, new CValue(10));
+        plain.Put(new lumotest::CPlain, new CValue(10));
         int const before = CValue::live;
         ExpectIllegal([&] { CObjectHashtable broken(plain); }, "Invalid key object.");
         ExpectIllegal([&] { assigned = plain; }, "Invalid key object.");

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 #include <cstring>
 
@@ -14,9 +14,9 @@ using lumo::base::CMemoryException;
 using lumo::base::CObject;
 using lumo::util::CNoSuchElementException;
 using lumo::util::CObjectVector;
-using testutil::CPlain;
-using testutil::CValue;
-using testutil::ValueOf;
+using lumotest::CPlain;
+using lumotest::CValue;
+using lumotest::ValueOf;
 
 namespace {
 
@@ -25,7 +25,7 @@ void Fill(CObjectVector& v, int count) {
         v.AddElement(new CValue(i));
 }
 
-testutil::IllegalIn const ExpectIllegal{"lumo/util/ObjectVector"};
+lumotest::IllegalIn const ExpectIllegal{"lumo/util/ObjectVector"};
 
 } // namespace
 
@@ -81,7 +81,7 @@ TEST(ObjectVector, AccessSearchAndBadArguments) {
     v.AddElement(new CValue(5));
     EXPECT_EQ(ValueOf(v.GetFirstElement()), 5);
     EXPECT_EQ(ValueOf(v.GetLastElement()), 5);
-    testutil::ExpectThrowIn<CArrayIndexOutOfBoundsException>("lumo/util/ObjectVector",
+    lumotest::ExpectThrowIn<CArrayIndexOutOfBoundsException>("lumo/util/ObjectVector",
                                                              [&] { v.GetElementAt(3); });
     CValue five(5), seven(7);
     EXPECT_EQ(v.GetIndexOf(&five), 0);

@@ -4,16 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
-#include <lumo/util/Tracked.h>
+#include "support/TestObject.h"
+#include "support/Tracked.h"
 
 #include <stdexcept>
 
 using lumo::base::CRef;
 using lumo::util::CEmptyQueueException;
 using lumo::util::Queue;
-using testutil::CValue;
-using testutil::Tracked;
+using lumotest::CValue;
+using lumotest::Tracked;
 
 TEST(Queue, FirstInFirstOutAcrossWrapAroundGrowthAndShrink) {
     Queue<int> q(2, 2);
@@ -30,7 +30,7 @@ TEST(Queue, FirstInFirstOutAcrossWrapAroundGrowthAndShrink) {
     for (int expected = 2; expected <= 4; ++expected)
         EXPECT_EQ(q.Dequeue(), expected);
     EXPECT_EQ(q.GetCapacity(), 2u);
-    testutil::ExpectThrowIn<CEmptyQueueException>("lumo/util/Queue", [&] { q.Dequeue(); });
+    lumotest::ExpectThrowIn<CEmptyQueueException>("lumo/util/Queue", [&] { q.Dequeue(); });
     EXPECT_THROW(q.Peek(), CEmptyQueueException);
     EXPECT_EQ(copy.GetSize(), 3u);
     q = copy;
@@ -59,7 +59,7 @@ TEST(Queue, ValuesAreReleasedExactlyOnce) {
         Queue<CRef<CValue>> tokens(2, 2);
         for (int i = 0; i < 5; ++i)
             tokens.Enqueue(CRef<CValue>(new CValue(i)));
-        EXPECT_EQ(testutil::ValueOf(tokens.Dequeue().Get()), 0);
+        EXPECT_EQ(lumotest::ValueOf(tokens.Dequeue().Get()), 0);
         EXPECT_EQ(CValue::live, 4);
         Queue<CRef<CValue>> shared = tokens;
         EXPECT_EQ(CValue::live, 4);

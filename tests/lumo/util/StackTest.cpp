@@ -2,18 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
-#include <lumo/util/Tracked.h>
+#include "support/Tracked.h"
 
 using lumo::util::CEmptyStackException;
 using lumo::util::Stack;
-using testutil::Tracked;
+using lumotest::Tracked;
 
 TEST(Stack, LastInFirstOutWithTheCapacityRule) {
     {
         Stack<Tracked> s(0, 3);
-        testutil::ExpectThrowIn<CEmptyStackException>("lumo/util/Stack", [&] { s.Pop(); });
+        lumotest::ExpectThrowIn<CEmptyStackException>("lumo/util/Stack", [&] { s.Pop(); });
         EXPECT_THROW(s.Peek(), CEmptyStackException);
         for (int i = 0; i < 7; ++i)
             s.Push(Tracked(i));

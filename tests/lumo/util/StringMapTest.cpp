@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 #include <string>
 #include <vector>
@@ -26,7 +26,7 @@ std::vector<std::string> KeysOf(CStringMap const& map) {
 }
 
 template <class F> void ExpectInvalidKey(F f) {
-    testutil::ExpectThrowIn<CIllegalArgumentException>("lumo/util/StringMap", f, "Invalid key.");
+    lumotest::ExpectThrowIn<CIllegalArgumentException>("lumo/util/StringMap", f, "Invalid key.");
 }
 
 } // namespace
@@ -56,7 +56,7 @@ TEST(StringMap, KeysInInsertionOrderWithOrWithoutCase) {
     EXPECT_TRUE(map.Contains(nullptr));
     EXPECT_THROW(map.GetKeyAt(3), CArrayIndexOutOfBoundsException);
     EXPECT_THROW(map.GetAt(3), CArrayIndexOutOfBoundsException);
-    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringMap",
+    lumotest::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringMap",
                                                      [&] { map.Get("gamma"); });
     for (int i = 0; i < 3; ++i)
         map.Put(std::to_string(i).c_str(), "n");

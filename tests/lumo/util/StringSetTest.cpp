@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 #include <set>
 #include <string>
@@ -45,10 +45,10 @@ TEST(StringSet, MembershipGrowthAndBadKeys) {
     EXPECT_FALSE(set.Contains("APPLE"));
     set.Remove("apple");
     EXPECT_FALSE(set.Contains("apple"));
-    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringHashtable",
+    lumotest::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringHashtable",
                                                      [&] { set.Remove("apple"); });
     for (char const* bad : {"", static_cast<char const*>(nullptr)}) {
-        testutil::ExpectThrowIn<CIllegalArgumentException>(
+        lumotest::ExpectThrowIn<CIllegalArgumentException>(
             "lumo/util/StringHashtable", [&] { set.Put(bad); }, "Invalid key.");
         EXPECT_THROW(set.Contains(bad), CIllegalArgumentException);
         EXPECT_THROW(set.Remove(bad), CIllegalArgumentException);

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 #include <string>
 #include <vector>
@@ -22,7 +22,7 @@ std::vector<std::string> Drain(CStringTokenizer& t) {
     return tokens;
 }
 
-testutil::IllegalIn const ExpectIllegal{"lumo/util/StringTokenizer"};
+lumotest::IllegalIn const ExpectIllegal{"lumo/util/StringTokenizer"};
 
 } // namespace
 
@@ -34,7 +34,7 @@ TEST(StringTokenizer, RunsOfDelimitersSeparateTokens) {
     EXPECT_STREQ(t.GetNextToken(), "b");
     EXPECT_FALSE(t.HasMoreTokens());
     EXPECT_EQ(t.GetTokenCount(), 0u);
-    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringTokenizer",
+    lumotest::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringTokenizer",
                                                      [&] { t.GetNextToken(); });
 
     CStringTokenizer commas(",,,", ",");

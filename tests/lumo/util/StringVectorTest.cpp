@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
 #include <cstring>
 #include <string>
@@ -26,7 +26,7 @@ std::vector<std::string> Texts(CStringVector const& v) {
     return texts;
 }
 
-testutil::IllegalIn const ExpectIllegal{"lumo/util/StringVector"};
+lumotest::IllegalIn const ExpectIllegal{"lumo/util/StringVector"};
 
 } // namespace
 

@@ -5,16 +5,16 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
-#include <lumo/util/WideText.h>
+#include "support/WideText.h"
 
 using lumo::base::CArrayIndexOutOfBoundsException;
 using lumo::base::CIllegalArgumentException;
 using lumo::util::CNoSuchElementException;
 using lumo::util::CUnicodeStringMap;
-using testutil::U16;
-using testutil::W;
+using lumotest::U16;
+using lumotest::W;
 
 TEST(UnicodeStringMap, PrefixMapWithExactKeys) {
     CUnicodeStringMap map(0, 0); // steps of 5
@@ -33,7 +33,7 @@ TEST(UnicodeStringMap, PrefixMapWithExactKeys) {
     EXPECT_TRUE(map.Contains(nullptr));
     EXPECT_THROW(map.Get(W(u"xsi")), CNoSuchElementException);
     EXPECT_THROW(map.GetAt(3), CArrayIndexOutOfBoundsException);
-    testutil::ExpectThrowIn<CIllegalArgumentException>(
+    lumotest::ExpectThrowIn<CIllegalArgumentException>(
         "lumo/util/UnicodeStringMap", [&] { map.Put(W(u""), W(u"v")); }, "Invalid key.");
     EXPECT_THROW(map.ContainsKey(nullptr), CIllegalArgumentException);
 

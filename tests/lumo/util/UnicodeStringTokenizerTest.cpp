@@ -5,17 +5,17 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
-#include <lumo/util/WideText.h>
+#include "support/WideText.h"
 
 #include <vector>
 
 using lumo::base::CIllegalArgumentException;
 using lumo::util::CNoSuchElementException;
 using lumo::util::CUnicodeStringTokenizer;
-using testutil::U16;
-using testutil::W;
+using lumotest::U16;
+using lumotest::W;
 
 TEST(UnicodeStringTokenizer, SplitsOnUtf16Delimiters) {
     // Delimiters beyond 8 bits: the euro sign and a no-break space.
@@ -25,7 +25,7 @@ TEST(UnicodeStringTokenizer, SplitsOnUtf16Delimiters) {
     while (t.HasMoreTokens())
         tokens.push_back(U16(t.GetNextToken()));
     EXPECT_EQ(tokens, (std::vector<std::u16string>{u"\u00e9t\u00e9", u"hiver"}));
-    testutil::ExpectThrowIn<CNoSuchElementException>("lumo/util/UnicodeStringTokenizer",
+    lumotest::ExpectThrowIn<CNoSuchElementException>("lumo/util/UnicodeStringTokenizer",
                                                      [&] { t.GetNextToken(); });
 
     CUnicodeStringTokenizer path(W(u"a/b:c"), W(u"/"));
@@ -48,7 +48,7 @@ TEST(UnicodeStringTokenizer, SplitsOnUtf16Delimiters) {
     EXPECT_FALSE(only.HasMoreTokens());
     EXPECT_EQ(only.GetTokenCount(), 0u);
 
-    testutil::ExpectThrowIn<CIllegalArgumentException>(
+    lumotest::ExpectThrowIn<CIllegalArgumentException>(
         "lumo/util/UnicodeStringTokenizer", [&] { CUnicodeStringTokenizer bad(W(u""), nullptr); },
         "Invalid source text.");
     EXPECT_THROW(CUnicodeStringTokenizer(W(u"a"), W(u"")), CIllegalArgumentException);

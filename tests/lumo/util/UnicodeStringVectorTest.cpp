@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
-#include <lumo/util/WideText.h>
+#include "support/WideText.h"
 
 #include <vector>
 
@@ -17,8 +17,8 @@ using lumo::base::CUnicodeString;
 using lumo::util::CEnumeration;
 using lumo::util::CNoSuchElementException;
 using lumo::util::CUnicodeStringVector;
-using testutil::U16;
-using testutil::W;
+using lumotest::U16;
+using lumotest::W;
 
 namespace {
 std::vector<std::u16string> Texts(CUnicodeStringVector const& v) {
@@ -71,7 +71,7 @@ TEST(UnicodeStringVector, ElementOperationsOverUtf16Texts) {
     }
     EXPECT_EQ(seen, 3);
 
-    testutil::ExpectThrowIn<CIllegalArgumentException>(
+    lumotest::ExpectThrowIn<CIllegalArgumentException>(
         "lumo/util/UnicodeStringVector", [&] { v.AddElement(nullptr); }, "Invalid element.");
     EXPECT_THROW(v.Contains(nullptr), CIllegalArgumentException);
     EXPECT_THROW(v.SetElementAt(nullptr, 9), CIllegalArgumentException);

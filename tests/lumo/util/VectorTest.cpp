@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <lumo/util/TestObject.h>
+#include "support/TestObject.h"
 
-#include <lumo/util/Tracked.h>
+#include "support/Tracked.h"
 
 #include <stdexcept>
 #include <vector>
@@ -15,7 +15,7 @@ using lumo::base::CMemoryException;
 using lumo::util::CEnumeration;
 using lumo::util::CNoSuchElementException;
 using lumo::util::Vector;
-using testutil::Tracked;
+using lumotest::Tracked;
 
 namespace {
 
@@ -64,7 +64,7 @@ TEST(Vector, CapacityRuleAndElementOperations) {
     v.TrimToSize();
     EXPECT_EQ(v.GetCapacity(), 3u);
     EXPECT_THROW(v.GetElementAt(3), CArrayIndexOutOfBoundsException);
-    testutil::ExpectThrowIn<CArrayIndexOutOfBoundsException>("lumo/util/Vector",
+    lumotest::ExpectThrowIn<CArrayIndexOutOfBoundsException>("lumo/util/Vector",
                                                              [&] { v.RemoveElementAt(3); });
     v.RemoveAllElements();
     EXPECT_EQ(v.GetCapacity(), 3u); // below one increment already: kept

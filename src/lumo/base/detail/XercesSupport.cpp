@@ -14,11 +14,13 @@ void StartXerces() {
         xercesc::XMLPlatformUtils::Initialize();
     } catch (xercesc::XMLException const&) {
         throw base::CIllegalStateException("lumo/base/detail/XercesSupport", __LINE__,
-                                            "Failed to start the XML parser.", nullptr);
+                                           "Failed to start the XML parser.", nullptr);
     }
 }
 
-void StopXerces() { xercesc::XMLPlatformUtils::Terminate(); }
+void StopXerces() {
+    xercesc::XMLPlatformUtils::Terminate();
+}
 
 } // namespace detail
 } // namespace lumo

@@ -57,7 +57,9 @@ unsigned long CSyncObject::WaitForMultipleSyncObject(unsigned long count, Handle
     return kernel::WaitForMany(count, handles, waitAll, timeout);
 }
 
-unsigned long CSyncObject::GetKernelObjectCount() { return kernel::LiveObjectCount(); }
+unsigned long CSyncObject::GetKernelObjectCount() {
+    return kernel::LiveObjectCount();
+}
 
 } // namespace win
 } // namespace base

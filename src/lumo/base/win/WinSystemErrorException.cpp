@@ -11,8 +11,12 @@ LUMO_DEFINE_CLASS(CWinSystemErrorException, "lumo::base::win::CWinSystemErrorExc
 
 namespace {
 // strerror_r comes in two flavours; both overloads accept the call.
-[[maybe_unused]] char const* ErrorText(int, char const* gnu, char const*) { return gnu; }
-[[maybe_unused]] char const* ErrorText(int rc, int, char const* buffer) { return rc == 0 ? buffer : nullptr; }
+[[maybe_unused]] char const* ErrorText(int, char const* gnu, char const*) {
+    return gnu;
+}
+[[maybe_unused]] char const* ErrorText(int rc, int, char const* buffer) {
+    return rc == 0 ? buffer : nullptr;
+}
 } // namespace
 
 CWinSystemErrorException::CWinSystemErrorException(char const* file, unsigned long line,

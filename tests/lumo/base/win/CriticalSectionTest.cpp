@@ -1,7 +1,8 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/CriticalSection.h>
 #include <lumo/base/win/LazyCriticalSection.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,7 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
-using lumo_test::Thrown;
+using lumotest::Thrown;
 
 TEST(CriticalSection, ReentrantExclusiveAndNotWaitable) {
     CCriticalSection cs;

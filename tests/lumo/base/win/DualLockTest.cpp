@@ -1,9 +1,10 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/CriticalSection.h>
 #include <lumo/base/win/DualLock.h>
 #include <lumo/base/win/Event.h>
 #include <lumo/base/win/Mutex.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
-using lumo_test::Thrown;
+using lumotest::Thrown;
 
 TEST(DualLock, RejectsMissingAndUnwaitableObjects) {
     CMutex m;

@@ -1,6 +1,7 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/Event.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,7 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
-using lumo_test::WaitUntil;
+using lumotest::WaitUntil;
 
 TEST(Event, AutoAndManualReset) {
     CEvent automatic;

@@ -1,9 +1,10 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/CriticalSection.h>
 #include <lumo/base/win/Event.h>
 #include <lumo/base/win/MultiLock.h>
 #include <lumo/base/win/Mutex.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
-using lumo_test::Thrown;
+using lumotest::Thrown;
 
 TEST(MultiLock, ArgumentsAreChecked) {
     CMutex a, b;

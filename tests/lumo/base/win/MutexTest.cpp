@@ -1,7 +1,8 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/Mutex.h>
 #include <lumo/base/win/WinSystemErrorException.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,7 @@ TEST(Mutex, RecursionOwnershipAndReleaseErrors) {
         EXPECT_TRUE(m.TryAcquire(0));
         m.Release();
     }).join();
-    EXPECT_EQ(lumo_test::Thrown<CWinSystemErrorException>([&] { m.Release(); }),
+    EXPECT_EQ(lumotest::Thrown<CWinSystemErrorException>([&] { m.Release(); }),
               "Failed to release the underlying mutex object.");
 }
 

@@ -1,8 +1,9 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/CriticalSection.h>
 #include <lumo/base/win/Mutex.h>
 #include <lumo/base/win/SingleLock.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ bool FreeForOthers(CSyncObject& o) {
 } // namespace
 
 TEST(SingleLock, LocksOnceAndUnlocksOnce) {
-    EXPECT_EQ(lumo_test::Thrown<CIllegalArgumentException>([] { CSingleLock l(nullptr); }),
+    EXPECT_EQ(lumotest::Thrown<CIllegalArgumentException>([] { CSingleLock l(nullptr); }),
               "Invalid sync object.");
     CMutex m;
     m.Acquire();

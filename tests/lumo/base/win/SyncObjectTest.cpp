@@ -1,8 +1,9 @@
+// ctest-labels: concurrency
 #include <lumo/base/win/Event.h>
 #include <lumo/base/win/Mutex.h>
 #include <lumo/base/win/SyncObject.h>
 
-#include "lumo/base/ConcurrencyTestSupport.h"
+#include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,8 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
-using lumo_test::Thrown;
-using lumo_test::WaitUntil;
+using lumotest::Thrown;
+using lumotest::WaitUntil;
 
 namespace {
 typedef CSyncObject S;

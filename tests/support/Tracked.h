@@ -1,9 +1,9 @@
-#ifndef LUMO_TESTS_UTIL_TRACKED_H
-#define LUMO_TESTS_UTIL_TRACKED_H
+#ifndef LUMO_TESTS_SUPPORT_TRACKED_H
+#define LUMO_TESTS_SUPPORT_TRACKED_H
 
 #include <stdexcept>
 
-namespace testutil {
+namespace lumotest {
 
 // A value type that counts its live instances and can be told to fail its next
 // copies, to check that the value containers construct and destroy each element
@@ -30,6 +30,6 @@ struct Tracked {
     bool operator==(Tracked const& other) const { return value == other.value; }
 };
 
-} // namespace testutil
+} // namespace lumotest
 
 #endif

@@ -1,6 +1,6 @@
 // Temporary directories and file helpers shared by the file and character stream tests.
-#ifndef LUMO_TESTS_IO_FILETESTSUPPORT_H
-#define LUMO_TESTS_IO_FILETESTSUPPORT_H
+#ifndef LUMO_TESTS_SUPPORT_FILES_H
+#define LUMO_TESTS_SUPPORT_FILES_H
 
 #include <dirent.h>
 #include <ftw.h>

@@ -1,5 +1,5 @@
-#ifndef LUMO_TESTS_UTIL_TESTOBJECT_H
-#define LUMO_TESTS_UTIL_TESTOBJECT_H
+#ifndef LUMO_TESTS_SUPPORT_TESTOBJECT_H
+#define LUMO_TESTS_SUPPORT_TESTOBJECT_H
 
 #include <lumo/base/Exception.h>
 #include <lumo/base/Object.h>
@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-namespace testutil {
+namespace lumotest {
 
 // A value object that counts its live instances, so that tests can check that a
 // container deletes every element exactly once (AddressSanitizer catches the
@@ -71,6 +71,6 @@ struct IllegalIn {
     }
 };
 
-} // namespace testutil
+} // namespace lumotest
 
 #endif

@@ -1,5 +1,5 @@
-#ifndef LUMO_TESTS_IO_STREAMTESTSUPPORT_H
-#define LUMO_TESTS_IO_STREAMTESTSUPPORT_H
+#ifndef LUMO_TESTS_SUPPORT_STREAMS_H
+#define LUMO_TESTS_SUPPORT_STREAMS_H
 
 // Test doubles for the byte stream interfaces: an output stream that records every
 // call, and an input stream over a string that counts its calls.
@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace streamtest {
+namespace lumotest {
 
 // Sets *destroyed when deleted, so tests can tell who deletes a wrapped stream.
 class RecordingOutputStream : public lumo::io::COutputStream {
@@ -130,6 +130,6 @@ template <class S> void ExpectInputClosed(S& in) {
     ExpectThrowWith<lumo::io::CIOException>([&] { in.Close(); }, "Stream closed.");
 }
 
-} // namespace streamtest
+} // namespace lumotest
 
 #endif

@@ -1,6 +1,6 @@
 // Helpers shared by the concurrency tests.
-#ifndef LUMO_TESTS_BASE_CONCURRENCYTESTSUPPORT_H
-#define LUMO_TESTS_BASE_CONCURRENCYTESTSUPPORT_H
+#ifndef LUMO_TESTS_SUPPORT_CONCURRENCY_H
+#define LUMO_TESTS_SUPPORT_CONCURRENCY_H
 
 #include <lumo/base/Exception.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-namespace lumo_test {
+namespace lumotest {
 
 // The description of the exception of type E that f throws, "<none>" when it throws
 // nothing; any other exception fails the test by escaping.
@@ -35,6 +35,6 @@ bool WaitUntil(P&& pred, std::chrono::milliseconds limit = std::chrono::seconds(
     return true;
 }
 
-} // namespace lumo_test
+} // namespace lumotest
 
 #endif

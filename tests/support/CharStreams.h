@@ -1,7 +1,7 @@
 // Readers and writers over memory that record how they are called, for the tests
 // of the character stream filters.
-#ifndef LUMO_TESTS_IO_CHARSTREAMSTESTSUPPORT_H
-#define LUMO_TESTS_IO_CHARSTREAMSTESTSUPPORT_H
+#ifndef LUMO_TESTS_SUPPORT_CHARSTREAMS_H
+#define LUMO_TESTS_SUPPORT_CHARSTREAMS_H
 
 #include <lumo/base/Exception.h>
 #include <lumo/io/IOException.h>

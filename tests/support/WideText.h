@@ -1,12 +1,12 @@
-#ifndef LUMO_TESTS_UTIL_WIDETEXT_H
-#define LUMO_TESTS_UTIL_WIDETEXT_H
+#ifndef LUMO_TESTS_SUPPORT_WIDETEXT_H
+#define LUMO_TESTS_SUPPORT_WIDETEXT_H
 
 #include <lumo/base/UnicodeString.h>
 
 #include <string>
 #include <vector>
 
-namespace testutil {
+namespace lumotest {
 
 // A terminated UTF-16 text built from code units, for the UTF-16 interfaces.
 class W {
@@ -31,6 +31,6 @@ inline std::u16string U16(lumo::base::CUnicodeString const& s) {
     return text;
 }
 
-} // namespace testutil
+} // namespace lumotest
 
 #endif

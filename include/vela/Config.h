@@ -1,0 +1,42 @@
+#ifndef VELA_CONFIG_H
+#define VELA_CONFIG_H
+
+// The root layer's export mark and compiler tests. It is built into the same shared
+// library as lumo but stands below it, so it has its own header.
+#if defined(_WIN32)
+#if defined(LUMO_BUILDING_LIBRARY)
+#define VELA_API __declspec(dllexport)
+#else
+#define VELA_API __declspec(dllimport)
+#endif
+#else
+#define VELA_API __attribute__((visibility("default")))
+#endif
+
+// The compiler, byte-order and SIMD tests of the whole library live here once.
+
+// Lets the compiler check a printf-style format (argument positions count `this`).
+#if defined(__GNUC__)
+#define VELA_PRINTF_FORMAT(formatIndex, firstIndex)                                                \
+    __attribute__((format(printf, formatIndex, firstIndex)))
+#define VELA_NOINLINE __attribute__((noinline))
+#define VELA_COLD __attribute__((noinline, cold))
+#else
+#define VELA_PRINTF_FORMAT(formatIndex, firstIndex)
+#define VELA_NOINLINE
+#define VELA_COLD
+#endif
+
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+#define VELA_LITTLE_ENDIAN 0
+#else
+#define VELA_LITTLE_ENDIAN 1
+#endif
+
+#if defined(__SSE2__)
+#define VELA_HAVE_SSE2 1
+#else
+#define VELA_HAVE_SSE2 0
+#endif
+
+#endif
