@@ -29,8 +29,9 @@ public:
     // The block's size in bytes (0 for a null handle).
     static unsigned long GetSize(BMHandle handle);
 
-    // Test seam: the next `count` calls of NewHandle or ResizeHandle (any thread) fail
-    // as if memory were exhausted. 0 cancels failures still pending.
+    // Test seam: the next `count` allocations of the layer (NewHandle, ResizeHandle, a
+    // location's path; any thread) fail as if memory were exhausted. 0 cancels failures
+    // still pending.
     static void FailNextAllocations(unsigned long count);
 };
 
@@ -42,6 +43,13 @@ public:
     static bool IsReadable(void const* address, unsigned long size);
     static bool IsWritable(void* address, unsigned long size);
 };
+
+// What the layer does when it cannot obtain memory for an object it must build (a
+// location's path, say): it calls the handler set here, which must not return (the
+// library above installs one that throws its memory exception); with none set it
+// throws std::bad_alloc. `unit` and `line` name the place of the failure.
+typedef void (*MemoryFailureHandler)(char const* unit, long line);
+VELA_API void SetMemoryFailureHandler(MemoryFailureHandler handler);
 
 } // namespace Vela
 

@@ -5,6 +5,9 @@
 #include "ThreadSupport.h"
 #include "io/Encoders.h"
 
+#include <lumo/base/Exception.h>
+
+#include <vela/Memory.h>
 #include <vela/Resource.h>
 
 #include <cstdio>
@@ -16,9 +19,15 @@ namespace detail {
 namespace {
 long g_moduleId = 0;
 
+[[noreturn]] void ThrowMemoryFailure(char const* unit, long line) {
+    throw base::CMemoryException(unit, static_cast<unsigned long>(line));
+}
+
 struct ModuleEntry {
     ModuleEntry() {
         try {
+            // The root layer's allocation failures surface as the library's exception.
+            Vela::SetMemoryFailureHandler(&ThrowMemoryFailure);
             long const previous = Vela::RSGetActiveModule();
             g_moduleId = Vela::RSAddModule(GetModuleHandle());
             Vela::RSSetActiveModule(previous);
@@ -31,6 +40,7 @@ struct ModuleEntry {
         }
     }
     ~ModuleEntry() {
+        Vela::SetMemoryFailureHandler(nullptr);
         StopThreadSupport();
         if (g_moduleId > 0)
             Vela::RSRemoveModule(g_moduleId);

@@ -40,7 +40,9 @@ File::File(Location const& location, NotFoundPolicy policy)
     : m_policy(policy), m_status(RESULT_OK), m_handle(kInvalidHandle), m_systemError(0) {
     try {
         m_location = location;
-    } catch (std::bad_alloc const&) {
+    } catch (...) {
+        // Copying a location fails only for want of memory: std::bad_alloc, or what
+        // the memory failure handler of the library above throws.
         m_status = RESULT_OUT_OF_MEMORY;
     }
 }

@@ -1,4 +1,7 @@
+// File locations: a path kept as UTF-8, from UTF-8 or UTF-16, and its legality.
 #include <vela/Location.h>
+
+#include "detail/Allocate.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -15,6 +18,7 @@ unsigned long const kMaxPath = 4095;
 unsigned long const kMaxName = 255;
 
 char const kEmpty[] = "";
+char const kUnit[] = "vela/Location";
 
 // Whether `s` is well-formed UTF-8: shortest forms only, no surrogates, nothing
 // beyond U+10FFFF.
@@ -75,9 +79,7 @@ Location::Location(unsigned short const* utf16Path)
     unsigned long units = 0;
     while (utf16Path[units] != 0)
         ++units;
-    char* out = static_cast<char*>(std::malloc(units * 3 + 1));
-    if (out == nullptr)
-        throw std::bad_alloc();
+    char* out = static_cast<char*>(Vela::detail::AllocateOrRaise(units * 3 + 1, kUnit, __LINE__));
     bool wellFormed = true;
     unsigned long n = 0;
     for (unsigned long i = 0; i < units; ++i) {
@@ -153,9 +155,7 @@ Location::~Location() {
 void Location::Assign(char const* utf8, unsigned long length, bool wellFormed) {
     if (length == 0)
         return;
-    char* copy = static_cast<char*>(std::malloc(length + 1));
-    if (copy == nullptr)
-        throw std::bad_alloc();
+    char* copy = static_cast<char*>(Vela::detail::AllocateOrRaise(length + 1, kUnit, __LINE__));
     std::memcpy(copy, utf8, length);
     copy[length] = '\0';
     m_path = copy;

@@ -1,8 +1,13 @@
+// The handle memory manager, the memory checker, and the layer's one allocation path
+// for objects that must report a failure.
 #include <vela/Memory.h>
+
+#include "detail/Allocate.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace Vela {
 
@@ -16,6 +21,7 @@ struct Master {
 };
 
 std::atomic<unsigned long> g_failures{0};
+std::atomic<MemoryFailureHandler> g_failureHandler{nullptr};
 
 // Whether the test seam asks this allocation to fail (consuming one failure).
 bool InjectedFailure() {
@@ -32,6 +38,23 @@ inline Master* MasterOf(BMHandle handle) {
 }
 
 } // namespace
+
+void SetMemoryFailureHandler(MemoryFailureHandler handler) {
+    g_failureHandler.store(handler, std::memory_order_release);
+}
+
+namespace detail {
+
+void* AllocateOrRaise(std::size_t size, char const* unit, long line) {
+    void* block = InjectedFailure() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (block != nullptr)
+        return block;
+    if (MemoryFailureHandler const handler = g_failureHandler.load(std::memory_order_acquire))
+        handler(unit, line);
+    throw std::bad_alloc();
+}
+
+} // namespace detail
 
 BMHandle bmManager::NewHandle(unsigned long size) {
     if (InjectedFailure())

@@ -1,4 +1,7 @@
 #include <vela/Location.h>
+#include <vela/Memory.h>
+
+#include <lumo/base/Exception.h>
 
 #include <gtest/gtest.h>
 
@@ -75,4 +78,27 @@ TEST(LocationTest, CopyAndMove) {
     a = static_cast<IO::Location&&>(moved);
     EXPECT_STREQ("/tmp/a", a.GetPath());
     EXPECT_TRUE(a.IsLegal());
+}
+
+// A path that cannot be allocated surfaces as the library's memory exception (the
+// library installs the layer's failure handler when it loads), and nothing leaks.
+TEST(LocationTest, AllocationFailureIsMemoryException) {
+    unsigned short const wide[] = {'/', 't', 'm', 'p', 0};
+    IO::Location const original("/tmp/a");
+    for (int form = 0; form < 3; ++form) {
+        Vela::bmManager::FailNextAllocations(1);
+        try {
+            if (form == 0)
+                IO::Location utf8("/tmp/x");
+            else if (form == 1)
+                IO::Location utf16(wide);
+            else
+                IO::Location copy(original);
+            ADD_FAILURE() << "form " << form << " did not fail";
+        } catch (lumo::base::CMemoryException const& e) {
+            EXPECT_STREQ(e.GetSourceFile(), "vela/Location");
+        }
+    }
+    Vela::bmManager::FailNextAllocations(0);
+    EXPECT_STREQ(original.GetPath(), "/tmp/a");
 }

@@ -2,9 +2,11 @@
 
 #include <lumo/io/IOException.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace lumo {
 namespace io {
@@ -144,30 +146,33 @@ double CDataInputStream::ReadDouble() {
 }
 
 base::CUnicodeString CDataInputStream::ReadUTF8(unsigned long count) {
-    char* text = static_cast<char*>(std::malloc(count + 1));
-    if (text == nullptr)
-        throw base::CMemoryException(kUnit, __LINE__);
-    long got;
-    try {
-        got = m_in->Read(text, count);
-    } catch (...) {
-        std::free(text);
-        throw;
+    // The count comes from the stream, so it is not trusted with an allocation: the
+    // bytes are read in pieces that start at 64 KiB and double, and the buffer grows
+    // only with what actually arrived. A text of up to 64 KiB is one Read as before;
+    // a longer one ends, like one large Read, at the first short read.
+    std::unique_ptr<char, decltype(&std::free)> text(nullptr, &std::free);
+    unsigned long const kFirstPiece = 64 * 1024;
+    unsigned long capacity = 0, n = 0;
+    for (;;) {
+        unsigned long const want =
+            n == 0 ? std::min(count, kFirstPiece) : std::min(count - n, capacity);
+        if (n + want + 1 > capacity) {
+            capacity = n + want + 1;
+            char* grown = static_cast<char*>(std::realloc(text.get(), capacity));
+            if (grown == nullptr)
+                throw base::CMemoryException(kUnit, __LINE__);
+            text.release();
+            text.reset(grown);
+        }
+        long const got = want == 0 ? 0 : m_in->Read(text.get() + n, want);
+        // Only what was read is decoded; the count itself is not checked.
+        unsigned long const piece = got <= 0 ? 0 : std::min(static_cast<unsigned long>(got), want);
+        n += piece;
+        if (piece < want || n == count)
+            break;
     }
-    // Only what was read is decoded; the count itself is not checked.
-    unsigned long n = got <= 0 ? 0 : static_cast<unsigned long>(got);
-    if (n > count)
-        n = count;
-    text[n] = '\0';
-    base::CUnicodeString value;
-    try {
-        value = base::CUnicodeString::FromUTF8(text, static_cast<long>(n));
-    } catch (...) {
-        std::free(text);
-        throw;
-    }
-    std::free(text);
-    return value;
+    text.get()[n] = '\0';
+    return base::CUnicodeString::FromUTF8(text.get(), static_cast<long>(n));
 }
 
 base::CUnicodeString CDataInputStream::ReadString() {

@@ -4,6 +4,7 @@
 #include <lumo/util/Capacity.h>
 #include <lumo/util/NoSuchElementException.h>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -72,10 +73,24 @@ CStringVectorH::CStringVectorH(CStringVectorH const& other)
       m_dataIncrement(other.m_dataIncrement), m_index(nullptr), m_indexCapacity(0),
       m_indexIncrement(other.m_indexIncrement) {
     try {
-        if (other.m_dataUsed > 0) {
-            EnsureData(other.m_dataUsed);
-            std::memcpy(bmManager::Access(m_data), bmManager::Access(other.m_data),
-                        other.m_dataUsed);
+        // A slot kept after its string was cut off still reads the bytes past data
+        // used (see RemoveElementAt): they are copied too, so the copy answers every
+        // query as the original does.
+        std::uint32_t bytes = other.m_dataUsed;
+        if (other.m_size > 0) {
+            std::uint32_t length;
+            char const* const last = other.TextAt(other.m_size - 1, length);
+            if (length > 0) {
+                std::uint32_t const end =
+                    static_cast<std::uint32_t>(last - bmManager::Access(other.m_data)) + length;
+                bytes = std::max(bytes, end);
+            }
+        }
+        if (bytes > 0) {
+            EnsureData(static_cast<std::uint64_t>(bytes) + 1);
+            char* const data = bmManager::Access(m_data);
+            std::memcpy(data, bmManager::Access(other.m_data), bytes);
+            data[bytes] = '\0';
         }
         if (other.m_size > 0) {
             EnsureIndex(other.m_size);

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -139,6 +141,25 @@ TEST(DataInputStream, ReadsBytesAsDocumented) {
     ASSERT_EQ(withNul.GetLength(), 2u);
     EXPECT_EQ(withNul[0], 0);
     EXPECT_EQ(withNul[1], 'z');
+}
+
+// A count announced by the stream is not trusted with an allocation: the reads (and
+// so the buffer) grow with the bytes that arrive, and the result is unchanged.
+TEST(DataInputStream, HugeAnnouncedCountReadsWhatArrives) {
+    std::string const text(100 * 1024 + 7, 'q');
+    ScriptedInputStream inner(std::string("\xFF\xFF\xFF\xF0", 4) + text);
+    CDataInputStream in(&inner);
+    CUnicodeString const value = in.ReadString();
+    EXPECT_EQ(value.GetLength(), text.size());
+    unsigned long largest = 0;
+    for (std::size_t i = 1; i < inner.requested.size(); ++i)
+        largest = std::max(largest, inner.requested[i]);
+    EXPECT_LE(largest, 2 * text.size() + 1);
+
+    // Up to 64 KiB the bytes are one read, as documented; a short read ends the text.
+    ScriptedInputStream chunked(std::string("\x00\x00\x10\x00", 4) + std::string(4096, 'r'), 1000);
+    CDataInputStream fromChunks(&chunked);
+    EXPECT_EQ(fromChunks.ReadString().GetLength(), 1000u);
 }
 
 TEST(DataInputStream, PassThroughCloseAndOwnership) {

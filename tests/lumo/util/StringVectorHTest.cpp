@@ -50,6 +50,16 @@ TEST(StringVectorH, PackingAndTheLastIndexRule) {
     v.RemoveElementAt(1); // the last index: its bytes go, its slot stays
     EXPECT_EQ(v.GetSize(), 2u);
     EXPECT_EQ(v.GetDataLength(), 2u);
+    {
+        // Copies answer as the original does, the kept slot included.
+        CStringVectorH copy(v), assigned;
+        assigned = v;
+        for (CStringVectorH const* other : {&copy, &assigned}) {
+            EXPECT_EQ(Texts(*other), Texts(v));
+            EXPECT_STREQ(other->GetLastElement(), v.GetLastElement());
+            EXPECT_EQ(other->GetLastIndexOf("zzz"), v.GetLastIndexOf("zzz"));
+        }
+    }
     EXPECT_STREQ(v.GetFirstElement(), "x");
     v.AddElement("new"); // lands where the cut string was
     EXPECT_EQ(v.GetSize(), 3u);
