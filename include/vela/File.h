@@ -66,6 +66,7 @@ private:
     Result m_status;
     std::intptr_t m_handle;
     int m_systemError;
+    bool m_guardPipe = false; // writes may meet a reader that went away
 };
 
 } // namespace IO

@@ -2,9 +2,14 @@
 #ifndef LUMO_TESTS_SUPPORT_FILES_H
 #define LUMO_TESTS_SUPPORT_FILES_H
 
+#include <lumo/base/Exception.h>
+
+#include <gtest/gtest.h>
+
 #include <dirent.h>
 #include <ftw.h>
 #include <grp.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -165,6 +170,38 @@ inline bool RunWithoutPrivileges(std::function<std::string()> const& f, std::str
         return true;
     }
     return RunUnprivileged(f, result);
+}
+
+// Runs `open(path)` on a path that names the write end of a pipe, closes the read
+// end, then runs `write()`, which must fail with an exception and not end the
+// process by SIGPIPE; the signal's disposition and the pending set are checked
+// unchanged afterwards. Runs in a child process, so a fault shows as a failed test.
+template <class Stream, class Open, class Write>
+void ExpectBrokenPipeThrows(Open open, Write write) {
+    EXPECT_EXIT(
+        {
+            int fds[2];
+            if (::pipe(fds) != 0)
+                std::_Exit(3);
+            std::string const path = "/proc/self/fd/" + std::to_string(fds[1]);
+            Stream* stream = open(path);
+            ::close(fds[0]);
+            int outcome = 1;
+            try {
+                write(*stream);
+            } catch (lumo::base::CException const&) {
+                outcome = 0;
+            }
+            struct sigaction now;
+            sigaction(SIGPIPE, nullptr, &now);
+            sigset_t pending;
+            sigpending(&pending);
+            if (now.sa_handler != SIG_DFL || sigismember(&pending, SIGPIPE))
+                outcome = 2;
+            delete stream;
+            std::_Exit(outcome);
+        },
+        ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace lumotest

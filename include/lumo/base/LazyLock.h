@@ -7,7 +7,7 @@ namespace lumo {
 namespace base {
 
 namespace detail {
-struct CCriticalSection;
+struct SystemCriticalSection;
 }
 
 // A lock meant to make its critical section on first use, guarded by a spin lock.
@@ -33,7 +33,7 @@ private:
     void Create();
 
     CSpinLock m_guard;
-    detail::CCriticalSection* m_impl;
+    detail::SystemCriticalSection* m_impl;
 };
 
 } // namespace base

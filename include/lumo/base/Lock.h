@@ -7,7 +7,7 @@ namespace lumo {
 namespace base {
 
 namespace detail {
-struct CCriticalSection;
+struct SystemCriticalSection;
 }
 
 // A lock over an operating-system critical section (spin count 0). A thread that
@@ -30,7 +30,7 @@ public:
     CLock& operator=(CLock const&) = delete;
 
 private:
-    detail::CCriticalSection* m_impl;
+    detail::SystemCriticalSection* m_impl;
 };
 
 } // namespace base

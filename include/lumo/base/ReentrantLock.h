@@ -7,7 +7,7 @@ namespace lumo {
 namespace base {
 
 namespace detail {
-struct CCriticalSection;
+struct SystemCriticalSection;
 }
 
 // A reentrant lock over an operating-system critical section (spin count 0): a
@@ -31,7 +31,7 @@ public:
     CReentrantLock& operator=(CReentrantLock const&) = delete;
 
 private:
-    detail::CCriticalSection* m_impl;
+    detail::SystemCriticalSection* m_impl;
 };
 
 } // namespace base

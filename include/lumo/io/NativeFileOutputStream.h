@@ -6,7 +6,7 @@
 namespace lumo {
 namespace io {
 
-class CNativeFileOutputStreamIW;
+class CNativeFile;
 
 // Writes bytes straight to a file through the platform's own file calls, without
 // buffering. The file is created when missing and never truncated: without
@@ -38,7 +38,7 @@ class LUMO_API CNativeFileOutputStream : public COutputStream {
     void Close() override;
 
 private:
-    CNativeFileOutputStreamIW* m_impl;
+    CNativeFile* m_impl;
 };
 
 } // namespace io

@@ -8,7 +8,7 @@
 #include <lumo/base/Exception.h>
 #include <lumo/base/ReentrantLock.h>
 
-#include "win/KernelObject.h"
+#include "os/KernelObject.h"
 
 #include <atomic>
 #include <cstdint>

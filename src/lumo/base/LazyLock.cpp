@@ -2,7 +2,7 @@
 
 #include <lumo/base/Exception.h>
 
-#include "CriticalSection.h"
+#include "os/SystemCriticalSection.h"
 
 namespace lumo {
 namespace base {
@@ -33,7 +33,7 @@ void CLazyLock::Create() {
     // The inverted test is the defined behaviour (see LazyLock.h): an implementation
     // is made only when one exists already, so none is ever made.
     if (m_impl != nullptr) {
-        detail::CCriticalSection* made = nullptr;
+        detail::SystemCriticalSection* made = nullptr;
         try {
             made = detail::NewCriticalSection(0, "lumo/base/LockImplWin", __LINE__);
         } catch (CMemoryException const&) {

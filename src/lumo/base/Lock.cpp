@@ -2,7 +2,7 @@
 
 #include <lumo/base/Exception.h>
 
-#include "CriticalSection.h"
+#include "os/SystemCriticalSection.h"
 
 namespace lumo {
 namespace base {

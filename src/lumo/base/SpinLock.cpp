@@ -1,6 +1,6 @@
 #include <lumo/base/SpinLock.h>
 
-#include "CriticalSection.h"
+#include "os/SystemCriticalSection.h"
 
 namespace lumo {
 namespace base {

@@ -1,6 +1,6 @@
 #include <lumo/io/NativeFileOutputStream.h>
 
-#include "NativeFileOutputStreamIW.h"
+#include "os/NativeFile.h"
 
 #include <lumo/base/Exception.h>
 #include <lumo/io/IOException.h>
@@ -19,7 +19,7 @@ CNativeFileOutputStream::CNativeFileOutputStream(unsigned short const* path, boo
     : m_impl(nullptr) {
     if (path == nullptr || *path == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid file path.");
-    m_impl = new (kUnit, __LINE__) CNativeFileOutputStreamIW(path, append);
+    m_impl = new (kUnit, __LINE__) CNativeFile(path, append);
 }
 
 CNativeFileOutputStream::~CNativeFileOutputStream() {

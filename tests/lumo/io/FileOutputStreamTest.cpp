@@ -133,3 +133,16 @@ TEST(FileOutputStreamTest, BufferedFileMatchesStdio) {
         back.append(buf, static_cast<std::size_t>(n));
     EXPECT_TRUE(back == data);
 }
+
+// A pipe whose reader went away is a CIOException, not the end of the process.
+TEST(FileOutputStreamTest, BrokenPipeThrows) {
+    lumotest::ExpectBrokenPipeThrows<CFileOutputStream>(
+        [](std::string const& path) {
+            return new CFileOutputStream(IO::Location(path.c_str()), false);
+        },
+        [](CFileOutputStream& out) {
+            std::string const block(65536, 'p'); // more than the pipe holds
+            for (int i = 0; i < 4; ++i)
+                out.Write(block.data(), static_cast<unsigned long>(block.size()));
+        });
+}

@@ -1,3 +1,4 @@
+#include <lumo/base/UnicodeString.h>
 #include <lumo/io/NativeFileOutputStream.h>
 
 #include "support/CharStreams.h"
@@ -91,4 +92,18 @@ TEST(NativeFileOutputStreamTest, Failures) {
         },
         &error);
     EXPECT_EQ("Access denied.", error);
+}
+
+// A pipe whose reader went away is a CIOException, not the end of the process.
+TEST(NativeFileOutputStreamTest, BrokenPipeThrows) {
+    lumotest::ExpectBrokenPipeThrows<CNativeFileOutputStream>(
+        [](std::string const& path) {
+            lumo::base::CUnicodeString const wide(path.c_str());
+            return new CNativeFileOutputStream(wide, false);
+        },
+        [](CNativeFileOutputStream& out) {
+            std::string const block(65536, 'p'); // more than the pipe holds
+            for (int i = 0; i < 4; ++i)
+                out.Write(block.data(), static_cast<unsigned long>(block.size()));
+        });
 }

@@ -6,7 +6,7 @@
 namespace lumo {
 namespace base {
 namespace detail {
-struct CCriticalSection;
+struct SystemCriticalSection;
 }
 namespace win {
 
@@ -31,7 +31,7 @@ class LUMO_API CCriticalSection : public CSyncObject {
     void Release() override;
 
 private:
-    detail::CCriticalSection* m_section;
+    detail::SystemCriticalSection* m_section;
 };
 
 } // namespace win

@@ -7,7 +7,7 @@
 namespace lumo {
 namespace base {
 namespace detail {
-struct CCriticalSection;
+struct SystemCriticalSection;
 }
 namespace win {
 
@@ -34,7 +34,7 @@ private:
     void Create();
 
     CSpinLock m_guard;
-    detail::CCriticalSection* m_section;
+    detail::SystemCriticalSection* m_section;
 };
 
 } // namespace win

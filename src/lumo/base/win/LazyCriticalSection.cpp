@@ -2,7 +2,7 @@
 
 #include <lumo/base/Exception.h>
 
-#include "../CriticalSection.h"
+#include "../os/SystemCriticalSection.h"
 
 namespace lumo {
 namespace base {
@@ -27,7 +27,7 @@ void CLazyCriticalSection::Create() {
         // Inverted test, kept as the defined behaviour: a section is made only when
         // one exists already, which never happens.
         if (m_section != nullptr) {
-            detail::CCriticalSection* section =
+            detail::SystemCriticalSection* section =
                 detail::NewCriticalSection(0, "lumo/base/win/LazyCriticalSection", __LINE__);
             if (section == nullptr)
                 throw CSynchronizationException("lumo/base/win/LazyCriticalSection", __LINE__,

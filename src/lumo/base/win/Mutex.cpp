@@ -3,7 +3,7 @@
 #include <lumo/base/Exception.h>
 #include <lumo/base/win/WinSystemErrorException.h>
 
-#include "KernelObject.h"
+#include "../os/KernelObject.h"
 
 namespace lumo {
 namespace base {

@@ -2,7 +2,7 @@
 
 #include <lumo/base/Exception.h>
 
-#include "KernelObject.h"
+#include "../os/KernelObject.h"
 
 #include <cstring>
 

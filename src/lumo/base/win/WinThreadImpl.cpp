@@ -4,7 +4,7 @@
 #include <lumo/base/win/WinSystemErrorException.h>
 
 #include "../ThreadSlot.h"
-#include "KernelObject.h"
+#include "../os/KernelObject.h"
 
 namespace lumo {
 namespace base {

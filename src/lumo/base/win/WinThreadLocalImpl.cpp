@@ -2,7 +2,7 @@
 
 #include <lumo/base/win/WinSystemErrorException.h>
 
-#include "KernelObject.h"
+#include "../os/KernelObject.h"
 
 #include <cerrno>
 

@@ -1,5 +1,5 @@
-#ifndef LUMO_SRC_IO_NATIVEFILEOUTPUTSTREAMIW_H
-#define LUMO_SRC_IO_NATIVEFILEOUTPUTSTREAMIW_H
+#ifndef LUMO_IO_OS_NATIVEFILE_H
+#define LUMO_IO_OS_NATIVEFILE_H
 
 #include <lumo/base/Base.h>
 
@@ -8,19 +8,20 @@
 namespace lumo {
 namespace io {
 
-// The platform file handle behind CNativeFileOutputStream; one backend per platform
-// (NativeFileOutputStreamIW_POSIX.cpp). Failures throw CIOException from
+// The platform file handle behind CNativeFileOutputStream (its implementation
+// object); one backend per platform (NativeFile_POSIX.cpp). Failures throw
+// CIOException with the implementation object's source name,
 // lumo/io/NativeFileOutputStreamIW.
-class CNativeFileOutputStreamIW : public base::CBase {
+class CNativeFile : public base::CBase {
 public:
     // Opens (creating, never truncating) the file at the non-empty `path`; with
     // `append` the position moves to the end. A path that is not well-formed throws
     // CIllegalArgumentException "Invalid file path.".
-    CNativeFileOutputStreamIW(unsigned short const* path, bool append);
-    ~CNativeFileOutputStreamIW();
+    CNativeFile(unsigned short const* path, bool append);
+    ~CNativeFile();
 
-    CNativeFileOutputStreamIW(CNativeFileOutputStreamIW const&) = delete;
-    CNativeFileOutputStreamIW& operator=(CNativeFileOutputStreamIW const&) = delete;
+    CNativeFile(CNativeFile const&) = delete;
+    CNativeFile& operator=(CNativeFile const&) = delete;
 
     bool IsOpen() const { return m_handle != kInvalidHandle; }
     // All `len` bytes or a CIOException.
@@ -32,6 +33,7 @@ private:
     static constexpr std::intptr_t kInvalidHandle = -1;
 
     std::intptr_t m_handle;
+    bool m_guardPipe = false; // writes may meet a reader that went away
 };
 
 } // namespace io

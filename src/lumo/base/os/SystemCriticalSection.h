@@ -1,10 +1,10 @@
-#ifndef LUMO_SRC_BASE_CRITICALSECTION_H
-#define LUMO_SRC_BASE_CRITICALSECTION_H
+#ifndef LUMO_BASE_OS_SYSTEMCRITICALSECTION_H
+#define LUMO_BASE_OS_SYSTEMCRITICALSECTION_H
 
 // The operating-system critical section behind CLock, CReentrantLock and CLazyLock,
 // and the time-slice yield of CSpinLock.
-// Portable interface; one backend per platform (CriticalSection_POSIX.cpp: a
-// recursive pthread mutex; CriticalSection_WIN32.cpp: a CRITICAL_SECTION made with
+// Portable interface; one backend per platform (SystemCriticalSection_POSIX.cpp: a
+// recursive pthread mutex; SystemCriticalSection_WIN32.cpp: a CRITICAL_SECTION made with
 // InitializeCriticalSectionAndSpinCount and entered under a structured-exception
 // guard). Internal to the library: no operating-system header here.
 
@@ -13,24 +13,24 @@ namespace base {
 namespace detail {
 
 // Defined by the backend.
-struct CCriticalSection;
+struct SystemCriticalSection;
 
 // Allocates a critical section and initialises it with the spin count (the POSIX
 // backend has no spinning and ignores it). A thread holding it may enter it again and
 // must leave it as many times. Throws CMemoryException(file, line) when memory is
 // exhausted; null when the operating system cannot initialise it.
-CCriticalSection* NewCriticalSection(unsigned long spinCount, char const* file, int line);
+SystemCriticalSection* NewCriticalSection(unsigned long spinCount, char const* file, int line);
 // Deletes the critical section and frees it; null is ignored.
-void DeleteCriticalSection(CCriticalSection* cs) noexcept;
+void DeleteCriticalSection(SystemCriticalSection* cs) noexcept;
 // Waits until entered. When the operating system reports a fault instead (Windows:
 // any structured exception; POSIX: an error from pthread_mutex_lock), or `cs` is
 // null, throws CSynchronizationException "Failed to enter critical section." with
 // source "lumo/base/LockImplWin".
-void EnterCriticalSection(CCriticalSection* cs);
+void EnterCriticalSection(SystemCriticalSection* cs);
 // Enters when free or already held by this thread; never waits. A null `cs` throws
 // as EnterCriticalSection does.
-bool TryEnterCriticalSection(CCriticalSection* cs);
-void LeaveCriticalSection(CCriticalSection* cs) noexcept;
+bool TryEnterCriticalSection(SystemCriticalSection* cs);
+void LeaveCriticalSection(SystemCriticalSection* cs) noexcept;
 
 // Gives up the rest of the calling thread's time slice (Windows: Sleep(0); POSIX:
 // sched_yield). Used by CSpinLock between attempts.

@@ -1,6 +1,8 @@
 // IO::File over POSIX file descriptors.
 #include <vela/File.h>
 
+#include "PosixFile.h"
+
 #include <cerrno>
 #include <climits>
 #include <cstddef>
@@ -70,7 +72,7 @@ Result File::Open(OpenMode mode) {
         return RESULT_ALREADY_OPEN;
     if (!m_location.IsLegal())
         return RESULT_ILLEGAL_LOCATION;
-    int flags = O_CLOEXEC;
+    int flags = 0;
     switch (mode) {
     case MODE_READ:
         flags |= O_RDONLY;
@@ -86,10 +88,7 @@ Result File::Open(OpenMode mode) {
     }
     if (m_policy == NOT_FOUND_CREATE)
         flags |= O_CREAT;
-    int fd;
-    do {
-        fd = ::open(m_location.GetPath(), flags, 0666);
-    } while (fd < 0 && errno == EINTR);
+    int const fd = Vela::os::OpenFile(m_location.GetPath(), flags, 0666);
     if (fd < 0) {
         m_systemError = errno;
         return ResultOfOpenError(m_systemError);
@@ -108,6 +107,7 @@ Result File::Open(OpenMode mode) {
         return ResultOfOpenError(error);
     }
     m_handle = fd;
+    m_guardPipe = Vela::os::MayBreakPipe(fd);
     return RESULT_OK;
 }
 
@@ -167,25 +167,12 @@ Result File::Write(void const* buffer, unsigned long size, unsigned long* done) 
         return RESULT_OK;
     if (buffer == nullptr)
         return RESULT_INVALID_ARGUMENT;
-    char const* p = static_cast<char const*>(buffer);
     std::size_t total = 0;
-    while (total < size) {
-        std::size_t chunk = size - total;
-        if (chunk > kMaxTransfer)
-            chunk = kMaxTransfer;
-        ssize_t const n = ::write(static_cast<int>(m_handle), p + total, chunk);
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            if (done != nullptr)
-                *done = static_cast<unsigned long>(total);
-            return Fail(errno);
-        }
-        total += static_cast<std::size_t>(n);
-    }
+    int const error =
+        Vela::os::WriteAll(static_cast<int>(m_handle), buffer, size, &total, m_guardPipe);
     if (done != nullptr)
         *done = static_cast<unsigned long>(total);
-    return RESULT_OK;
+    return error == 0 ? RESULT_OK : Fail(error);
 }
 
 Result File::Flush() {

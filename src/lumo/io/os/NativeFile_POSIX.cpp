@@ -1,5 +1,7 @@
 // CNativeFileOutputStream's file handle over a POSIX file descriptor.
-#include "NativeFileOutputStreamIW.h"
+#include "NativeFile.h"
+
+#include "vela/os/PosixFile.h"
 
 #include <lumo/base/Exception.h>
 #include <lumo/io/IOException.h>
@@ -7,7 +9,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <new>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,28 +19,18 @@ namespace io {
 
 namespace {
 
+// The implementation object's documented source name.
 char const kUnit[] = "lumo/io/NativeFileOutputStreamIW";
 char const kWriteFailed[] = "Failed to write the specified byte the the underlying file.";
 
-std::size_t const kMaxTransfer = std::size_t(1) << 30;
-
 } // namespace
 
-CNativeFileOutputStreamIW::CNativeFileOutputStreamIW(unsigned short const* path, bool append)
-    : m_handle(kInvalidHandle) {
-    IO::Location location;
-    try {
-        location = IO::Location(path);
-    } catch (std::bad_alloc const&) {
-        throw base::CMemoryException(kUnit, __LINE__);
-    }
+CNativeFile::CNativeFile(unsigned short const* path, bool append) : m_handle(kInvalidHandle) {
+    IO::Location const location(path);
     if (!location.IsLegal())
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid file path.");
     // Created when missing, never truncated.
-    int fd;
-    do {
-        fd = ::open(location.GetPath(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    } while (fd < 0 && errno == EINTR);
+    int const fd = Vela::os::OpenFile(location.GetPath(), O_WRONLY | O_CREAT, 0666);
     if (fd < 0) {
         if (errno == EACCES || errno == EPERM)
             throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
@@ -51,33 +42,24 @@ CNativeFileOutputStreamIW::CNativeFileOutputStreamIW(unsigned short const* path,
                            "Failed to move the file pointer to the end of the file.", nullptr);
     }
     m_handle = fd;
+    m_guardPipe = Vela::os::MayBreakPipe(fd);
 }
 
-CNativeFileOutputStreamIW::~CNativeFileOutputStreamIW() {
+CNativeFile::~CNativeFile() {
     Close();
 }
 
-void CNativeFileOutputStreamIW::Write(char const* buf, unsigned long len) {
+void CNativeFile::Write(char const* buf, unsigned long len) {
     if (len == 0)
         return;
     if (buf == nullptr)
         throw CIOException(kUnit, __LINE__, kWriteFailed, nullptr);
     std::size_t done = 0;
-    while (done < len) {
-        std::size_t chunk = len - done;
-        if (chunk > kMaxTransfer)
-            chunk = kMaxTransfer;
-        ssize_t const n = ::write(static_cast<int>(m_handle), buf + done, chunk);
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            throw CIOException(kUnit, __LINE__, kWriteFailed, nullptr);
-        }
-        done += static_cast<std::size_t>(n);
-    }
+    if (Vela::os::WriteAll(static_cast<int>(m_handle), buf, len, &done, m_guardPipe) != 0)
+        throw CIOException(kUnit, __LINE__, kWriteFailed, nullptr);
 }
 
-void CNativeFileOutputStreamIW::Flush() {
+void CNativeFile::Flush() {
     // Files that cannot be synchronised (pipes, terminals, /dev/null) have nothing
     // to write through.
     if (::fsync(static_cast<int>(m_handle)) != 0 && errno != EINVAL && errno != EROFS)
@@ -85,7 +67,7 @@ void CNativeFileOutputStreamIW::Flush() {
                            nullptr);
 }
 
-void CNativeFileOutputStreamIW::Close() noexcept {
+void CNativeFile::Close() noexcept {
     if (m_handle == kInvalidHandle)
         return;
     ::close(static_cast<int>(m_handle));

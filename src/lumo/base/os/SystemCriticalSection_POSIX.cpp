@@ -1,4 +1,4 @@
-#include "CriticalSection.h"
+#include "SystemCriticalSection.h"
 
 #include <lumo/base/Exception.h>
 
@@ -12,15 +12,15 @@ namespace lumo {
 namespace base {
 namespace detail {
 
-struct CCriticalSection {
+struct SystemCriticalSection {
     pthread_mutex_t mutex;
 };
 
-CCriticalSection* NewCriticalSection(unsigned long /*spinCount*/, char const* file, int line) {
-    void* memory = std::malloc(sizeof(CCriticalSection));
+SystemCriticalSection* NewCriticalSection(unsigned long /*spinCount*/, char const* file, int line) {
+    void* memory = std::malloc(sizeof(SystemCriticalSection));
     if (memory == nullptr)
         throw CMemoryException(file, static_cast<unsigned long>(line));
-    CCriticalSection* cs = new (memory) CCriticalSection;
+    SystemCriticalSection* cs = new (memory) SystemCriticalSection;
 
     pthread_mutexattr_t attr;
     bool ok = pthread_mutexattr_init(&attr) == 0;
@@ -36,11 +36,11 @@ CCriticalSection* NewCriticalSection(unsigned long /*spinCount*/, char const* fi
     return cs;
 }
 
-void DeleteCriticalSection(CCriticalSection* cs) noexcept {
+void DeleteCriticalSection(SystemCriticalSection* cs) noexcept {
     if (cs == nullptr)
         return;
     pthread_mutex_destroy(&cs->mutex);
-    cs->~CCriticalSection();
+    cs->~SystemCriticalSection();
     std::free(cs);
 }
 
@@ -53,20 +53,20 @@ namespace {
 
 } // namespace
 
-void EnterCriticalSection(CCriticalSection* cs) {
+void EnterCriticalSection(SystemCriticalSection* cs) {
     // pthread_mutex_lock fails only when the recursion count would overflow (EAGAIN)
     // or on a deadlock report.
     if (cs == nullptr || pthread_mutex_lock(&cs->mutex) != 0)
         ThrowEnterFailure();
 }
 
-bool TryEnterCriticalSection(CCriticalSection* cs) {
+bool TryEnterCriticalSection(SystemCriticalSection* cs) {
     if (cs == nullptr)
         ThrowEnterFailure();
     return pthread_mutex_trylock(&cs->mutex) == 0;
 }
 
-void LeaveCriticalSection(CCriticalSection* cs) noexcept {
+void LeaveCriticalSection(SystemCriticalSection* cs) noexcept {
     // Leaving a section this thread does not hold gives EPERM; like the other
     // platform's LeaveCriticalSection it reports nothing.
     pthread_mutex_unlock(&cs->mutex);

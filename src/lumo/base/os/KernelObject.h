@@ -1,5 +1,5 @@
-#ifndef LUMO_SRC_BASE_WIN_KERNELOBJECT_H
-#define LUMO_SRC_BASE_WIN_KERNELOBJECT_H
+#ifndef LUMO_BASE_OS_KERNELOBJECT_H
+#define LUMO_BASE_OS_KERNELOBJECT_H
 
 // The kernel wait objects behind lumo::base::win: mutexes with owner, recursion and
 // abandonment, auto- and manual-reset events, semaphores, threads, and waits on one
