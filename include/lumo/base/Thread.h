@@ -9,7 +9,13 @@
 #include <atomic>
 
 namespace lumo {
+namespace detail {
+class ThreadControl;
+} // namespace detail
 namespace base {
+namespace win {
+class CWinThreadImpl;
+} // namespace win
 
 class CThread;
 
@@ -137,6 +143,10 @@ private:
     CCondition m_condition;
     bool m_stopped;
     std::atomic<bool> m_autoDeleted;
+    // Shared with the running thread, which reaches this object only through it.
+    ::lumo::detail::ThreadControl* m_control;
+
+    friend class win::CWinThreadImpl;
 };
 
 } // namespace base

@@ -1,8 +1,12 @@
 #include <lumo/base/Thread.h>
 
+#include <lumo/base/Exception.h>
 #include <lumo/base/win/WinThreadImpl.h>
 
 #include "ThreadSlot.h"
+#include "detail/ThreadControl.h"
+
+#include <new>
 
 namespace lumo {
 namespace base {
@@ -13,9 +17,17 @@ CThreadImpl::~CThreadImpl() {}
 
 CThread::CThread()
     : m_implRef(new ("lumo/base/Thread", __LINE__) win::CWinThreadImpl), m_impl(m_implRef.Get()),
-      m_condition(m_lock), m_stopped(false), m_autoDeleted(false) {}
+      m_condition(m_lock), m_stopped(false), m_autoDeleted(false),
+      m_control(new (std::nothrow) ::lumo::detail::ThreadControl(this)) {
+    if (m_control == nullptr)
+        throw CMemoryException("lumo/base/Thread", __LINE__);
+}
 
-CThread::~CThread() {}
+CThread::~CThread() {
+    // A thread still running (or its epilogue) must no longer reach this object.
+    m_control->Detach();
+    m_control->Release();
+}
 
 void CThread::Start() {
     m_impl->Start(this);

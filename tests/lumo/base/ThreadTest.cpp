@@ -200,6 +200,62 @@ TEST(Thread, AutoDeletionAndAbandonment) {
     m.Release();
 }
 
+namespace {
+
+// A body that never touches its object: it only waits for the test's word, so its
+// owner may destroy the object while it runs.
+std::atomic<int> g_phase{0};
+class CDetachedThread : public CThread {
+public:
+    void Run() override {
+        g_phase = 1;
+        WaitUntil([] { return g_phase.load() == 2; });
+    }
+};
+
+} // namespace
+
+// Whatever the owner does with a running thread's object, the library never touches
+// it once destroyed (the sanitizer builds catch a use after free in the epilogue).
+TEST(Thread, OwnerMayDestroyARunningThread) {
+    int const tasks = TaskCount();
+    for (int way = 0; way < 2; ++way) {
+        g_phase = 0;
+        if (way == 0) {
+            auto* t = new CDetachedThread;
+            t->Start();
+            ASSERT_TRUE(WaitUntil([] { return g_phase.load() == 1; }));
+            delete t;
+        } else {
+            try {
+                CDetachedThread t; // unwound past while it runs
+                t.Start();
+                ASSERT_TRUE(WaitUntil([] { return g_phase.load() == 1; }));
+                throw 1;
+            } catch (int) {
+            }
+        }
+        g_phase = 2;
+        EXPECT_TRUE(WaitUntil([&] { return TaskCount() == tasks; })) << "way " << way;
+    }
+}
+
+// Auto-deleted threads still finishing while the process exits (and the library's
+// static state is torn down) end cleanly.
+TEST(Thread, AutoDeletedThreadsFinishingAtExit) {
+    EXPECT_EXIT(
+        {
+            g_phase = 2;
+            for (int i = 0; i < 32; ++i) {
+                auto* t = new CDetachedThread;
+                t->SetAutoDeleted(true);
+                t->Start();
+            }
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
 TEST(Thread, ThreadLocalAndRunnable) {
     CThreadLocal slot;
     int here = 1;

@@ -1,9 +1,14 @@
+// The thread implementation over the kernel-object layer's threads, with the
+// entry and epilogue every thread started through CThread runs.
 #include <lumo/base/win/WinThreadImpl.h>
 
 #include <lumo/base/Exception.h>
 #include <lumo/base/win/WinSystemErrorException.h>
 
+#include <cerrno>
+
 #include "../ThreadSlot.h"
+#include "../detail/ThreadControl.h"
 #include "../os/KernelObject.h"
 
 namespace lumo {
@@ -14,36 +19,41 @@ namespace {
 
 char const kUnit[] = "lumo/base/win/WinThreadImpl";
 
-// Clears the current-thread slot and deletes an auto-deleted thread object, after the
-// body returns and when Exit unwinds the thread alike.
+// The thread's epilogue, after the body returns and when Exit unwinds the thread
+// alike: deletes an auto-deleted thread object (only while it lives: its owner may
+// have destroyed it meanwhile), clears the current-thread slot, and lets go of what
+// the thread held.
 struct EntryEnd {
-    CThread* thread;
+    lumo::detail::ThreadControl* control;
     CThreadLocal* slot;
     ~EntryEnd() {
-        if (thread->IsAutoDeleted())
-            delete thread;
+        delete control->TakeIfAutoDeleted([](CThread* t) { return t->IsAutoDeleted(); });
         if (slot != nullptr) {
             try {
                 slot->Set(nullptr);
             } catch (...) {
             }
         }
+        control->Release();
+        lumo::detail::ReleaseCurrentThreadSlot();
     }
 };
 
 unsigned int Entry(void* argument) {
-    auto* thread = static_cast<CThread*>(argument);
-    if (thread == nullptr)
-        return 0;
+    auto* control = static_cast<lumo::detail::ThreadControl*>(argument);
     CThreadLocal* slot = lumo::detail::GetCurrentThreadSlot();
+    EntryEnd end{control, nullptr};
+    CThread* const thread = control->Owner();
+    if (thread == nullptr)
+        return 0; // destroyed by its owner before it could run
     if (slot != nullptr) {
         try {
             slot->Set(thread);
+            end.slot = slot;
         } catch (...) {
-            slot = nullptr; // GetCurrentThread answers null on this thread
+            // GetCurrentThread answers null on this thread
         }
     }
-    EntryEnd end{thread, slot};
     thread->Run();
     return 0;
 }
@@ -92,10 +102,21 @@ void CWinThreadImpl::Start(CThread* thread) {
     // the thread back until it is applied.
     long const priority = m_priority;
     bool const suspended = priority != 0;
-    kernel::Handle handle = kernel::NewThread(&Entry, thread, suspended, &m_handle, &m_threadId);
-    if (handle == nullptr)
+    // The running thread holds the object's control and the current-thread slot
+    // until its epilogue is done.
+    lumo::detail::ThreadControl* const control = thread->m_control;
+    if (!lumo::detail::HoldCurrentThreadSlot()) // the module is unloading
         throw CWinSystemErrorException(kUnit, __LINE__, "Failed to create and start the thread.",
-                                       kernel::LastError());
+                                       ECANCELED);
+    control->Hold();
+    kernel::Handle handle = kernel::NewThread(&Entry, control, suspended, &m_handle, &m_threadId);
+    if (handle == nullptr) {
+        unsigned long const error = kernel::LastError();
+        control->Release();
+        lumo::detail::ReleaseCurrentThreadSlot();
+        throw CWinSystemErrorException(kUnit, __LINE__, "Failed to create and start the thread.",
+                                       error);
+    }
     if (suspended) {
         bool const applied = kernel::SetThreadPriorityLevel(handle, priority);
         unsigned long const error = kernel::LastError();
