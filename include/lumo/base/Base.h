@@ -31,7 +31,7 @@ public:
     static void operator delete[](void* p, void* place, char const* file, int line) noexcept;
 
 private:
-    [[noreturn]] static void _ThrowMemoryException(char const* file, int line);
+    [[noreturn]] static void ThrowMemoryException(char const* file, int line);
 };
 
 // Base for classes whose objects must not be copied.

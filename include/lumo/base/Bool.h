@@ -10,6 +10,7 @@ namespace base {
 class LUMO_API CBool : public CObject {
     LUMO_DECLARE_CLASS(CBool);
 
+public:
     CBool() {}
 
     static char const SZ_TRUE[];

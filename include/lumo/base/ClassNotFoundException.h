@@ -11,6 +11,7 @@ namespace base {
 class LUMO_API CClassNotFoundException : public CException {
     LUMO_DECLARE_CLASS(CClassNotFoundException);
 
+public:
     CClassNotFoundException(char const* file, unsigned long line, char const* errorDescription,
                             char const* message, char const* className);
 
@@ -24,6 +25,7 @@ private:
 class LUMO_API CInstantiationException : public CException {
     LUMO_DECLARE_CLASS(CInstantiationException);
 
+public:
     CInstantiationException(char const* file, unsigned long line, char const* errorDescription,
                             char const* message, char const* className);
 

@@ -14,6 +14,7 @@ namespace base {
 class LUMO_API CException : public CObject {
     LUMO_DECLARE_CLASS(CException);
 
+public:
     // The file and description are kept as given (they must outlive the exception);
     // the message is copied.
     CException(char const* file, unsigned long line, char const* errorDescription,

@@ -22,6 +22,7 @@ public:
 class LUMO_API CRunnableThread : public CThread {
     LUMO_DECLARE_CLASS(CRunnableThread);
 
+public:
     // An empty CRef throws CIllegalArgumentException "Invalid runnable.".
     explicit CRunnableThread(CRef<IRunnable> const& runnable);
     ~CRunnableThread() override;

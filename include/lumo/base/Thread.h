@@ -56,6 +56,7 @@ public:
 class LUMO_API CThread : public CObject {
     LUMO_DECLARE_CLASS(CThread);
 
+public:
     static constexpr long Priority_Idle = -15;
     static constexpr long Priority_Lowest = -2;
     static constexpr long Priority_Below_Normal = -1;

@@ -13,6 +13,7 @@ namespace io {
 class LUMO_API CBase64OutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CBase64OutputStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid output stream.".
     CBase64OutputStream(COutputStream* out, unsigned long lineLength);
     CBase64OutputStream(base::CRef<COutputStream> const& out, unsigned long lineLength);

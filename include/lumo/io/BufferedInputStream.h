@@ -13,6 +13,7 @@ namespace io {
 class LUMO_API CBufferedInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CBufferedInputStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid input stream."; a size
     // of 0 means 512 bytes; a buffer that cannot be allocated throws
     // CMemoryException.

@@ -13,6 +13,7 @@ namespace io {
 class LUMO_API CBufferedOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CBufferedOutputStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid output stream."; a
     // size of 0 throws "Invaid buffer size."; a buffer that cannot be allocated
     // throws CMemoryException.

@@ -12,6 +12,7 @@ namespace io {
 class LUMO_API CBufferedReader : public CReader {
     LUMO_DECLARE_CLASS(CBufferedReader);
 
+public:
     // `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
     // reader."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedReader(CReader* reader, unsigned long size);

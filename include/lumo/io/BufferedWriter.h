@@ -13,6 +13,7 @@ namespace io {
 class LUMO_API CBufferedWriter : public CWriter {
     LUMO_DECLARE_CLASS(CBufferedWriter);
 
+public:
     // `size` in 16-bit units. A null writer: CIllegalArgumentException "Invalid
     // writer."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedWriter(CWriter* writer, unsigned long size);

@@ -10,6 +10,7 @@ namespace io {
 class LUMO_API CCRLFPrintStream : public CPrintStream {
     LUMO_DECLARE_CLASS(CCRLFPrintStream);
 
+public:
     CCRLFPrintStream(COutputStream* out, bool autoFlush);
     CCRLFPrintStream(base::CRef<COutputStream> const& out, bool autoFlush);
     ~CCRLFPrintStream() override;

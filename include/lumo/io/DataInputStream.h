@@ -19,6 +19,7 @@ namespace io {
 class LUMO_API CDataInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CDataInputStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid input stream.".
     explicit CDataInputStream(CInputStream* in);
     explicit CDataInputStream(base::CRef<CInputStream> const& in);

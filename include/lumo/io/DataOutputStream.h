@@ -16,6 +16,7 @@ namespace io {
 class LUMO_API CDataOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CDataOutputStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid output stream.".
     explicit CDataOutputStream(COutputStream* out);
     explicit CDataOutputStream(base::CRef<COutputStream> const& out);

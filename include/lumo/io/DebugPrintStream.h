@@ -16,6 +16,7 @@ namespace io {
 class LUMO_API CDebugPrintStream : public CPrintStream {
     LUMO_DECLARE_CLASS(CDebugPrintStream);
 
+public:
     CDebugPrintStream();
     ~CDebugPrintStream() override;
 

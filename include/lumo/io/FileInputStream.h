@@ -13,6 +13,7 @@ namespace io {
 class LUMO_API CFileInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CFileInputStream);
 
+public:
     // An empty or illegal location throws CIOException "Illegal file location.";
     // a refused permission "Access denied."; any other failure (a missing file, a
     // directory) "An error occured while trying to open file.".

@@ -15,6 +15,7 @@ namespace io {
 class LUMO_API CFileOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CFileOutputStream);
 
+public:
     // An empty or illegal location throws CIOException "Illegal file location.";
     // a refused permission "Access denied."; any other failure "Failed to open the
     // underlying file.".

@@ -14,6 +14,7 @@ namespace io {
 class LUMO_API CFileReader : public CReader {
     LUMO_DECLARE_CLASS(CFileReader);
 
+public:
     // As CFileInputStream, except that other open failures throw "Failed to open the
     // underlying file."; a file of odd length throws "Invalid unicode file: the file
     // length must be even.".

@@ -14,6 +14,7 @@ namespace io {
 class LUMO_API CFileWriter : public CWriter {
     LUMO_DECLARE_CLASS(CFileWriter);
 
+public:
     // An empty or illegal location throws CIOException "Illegal file location.";
     // a refused permission "Access denied."; any other failure "Failed to open the
     // underlying file.".

@@ -6,9 +6,7 @@
 namespace lumo {
 namespace io {
 
-using base::CException;
-
-LUMO_EXCEPTION_2(CIOException, CException);
+LUMO_EXCEPTION_2(CIOException, base::CException);
 LUMO_EXCEPTION_2(CCharConversionException, CIOException);
 LUMO_EXCEPTION_2(CInterruptedIOException, CIOException);
 LUMO_EXCEPTION_2(CXMLException, CIOException);
@@ -17,6 +15,7 @@ LUMO_EXCEPTION_2(CXMLException, CIOException);
 class LUMO_API CUnknownCharacterException : public CCharConversionException {
     LUMO_DECLARE_CLASS(CUnknownCharacterException);
 
+public:
     CUnknownCharacterException(char const* file, long line, unsigned short character);
 
     unsigned short GetCharacter() const { return m_character; }

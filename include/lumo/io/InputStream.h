@@ -11,6 +11,7 @@ namespace io {
 class LUMO_API CInputStream : public base::CObject {
     LUMO_DECLARE_CLASS(CInputStream);
 
+public:
     // End of data for the single-byte Read(); deliberately distinct from the -1 of
     // the block reads and from every sign-extended byte.
     static constexpr long EOS = 0xFFFF;

@@ -11,6 +11,7 @@ namespace io {
 class LUMO_API CJavaDataInputStream : public CDataInputStream {
     LUMO_DECLARE_CLASS(CJavaDataInputStream);
 
+public:
     explicit CJavaDataInputStream(CInputStream* in);
     explicit CJavaDataInputStream(base::CRef<CInputStream> const& in);
     ~CJavaDataInputStream() override;

@@ -12,6 +12,7 @@ namespace io {
 class LUMO_API CJavaDataOutputStream : public CDataOutputStream {
     LUMO_DECLARE_CLASS(CJavaDataOutputStream);
 
+public:
     explicit CJavaDataOutputStream(COutputStream* out);
     explicit CJavaDataOutputStream(base::CRef<COutputStream> const& out);
     ~CJavaDataOutputStream() override;

@@ -11,6 +11,7 @@ namespace io {
 class LUMO_API CMemoryInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CMemoryInputStream);
 
+public:
     // A null or unreadable block throws CIllegalArgumentException "Invalid source
     // buffer." (the block is then left to the caller).
     CMemoryInputStream(char const* data, unsigned long length, bool ownsData);

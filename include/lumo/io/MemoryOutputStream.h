@@ -12,6 +12,7 @@ namespace io {
 class LUMO_API CMemoryOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CMemoryOutputStream);
 
+public:
     // Throws CMemoryException when the initial block cannot be allocated.
     explicit CMemoryOutputStream(unsigned long initialSize = 0, unsigned long growBy = 0);
     ~CMemoryOutputStream() override;

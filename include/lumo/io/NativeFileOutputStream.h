@@ -16,6 +16,7 @@ class CNativeFile;
 class LUMO_API CNativeFileOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CNativeFileOutputStream);
 
+public:
     // A null or empty (or not well-formed) UTF-16 path throws
     // CIllegalArgumentException "Invalid file path."; a refused permission
     // CIOException "Access denied."; any other failure "Failed to open the specified

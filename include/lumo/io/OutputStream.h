@@ -11,6 +11,7 @@ namespace io {
 class LUMO_API COutputStream : public base::CObject {
     LUMO_DECLARE_CLASS(COutputStream);
 
+public:
     ~COutputStream() override;
 
     virtual void Write(char const* buf, unsigned long off, unsigned long len);

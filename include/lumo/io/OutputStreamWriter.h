@@ -16,6 +16,7 @@ namespace io {
 class LUMO_API COutputStreamWriter : public CWriter {
     LUMO_DECLARE_CLASS(COutputStreamWriter);
 
+public:
     // A null stream: CIllegalArgumentException "Invalid output stream.."; a null or
     // empty encoding: "Invalid encoding."; an unknown one:
     // CUnsupportedEncodingException; no memory: CMemoryException.

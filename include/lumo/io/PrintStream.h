@@ -17,6 +17,7 @@ namespace io {
 class LUMO_API CPrintStream : public COutputStream {
     LUMO_DECLARE_CLASS(CPrintStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid output stream.".
     CPrintStream(COutputStream* out, bool autoFlush);
     CPrintStream(base::CRef<COutputStream> const& out, bool autoFlush);

@@ -18,6 +18,7 @@ namespace io {
 class LUMO_API CPrintWriter : public CWriter {
     LUMO_DECLARE_CLASS(CPrintWriter);
 
+public:
     // A null writer throws CIllegalArgumentException "Invalid writer.".
     CPrintWriter(CWriter* writer, bool autoFlush);
     CPrintWriter(base::CRef<CWriter> const& writer, bool autoFlush);

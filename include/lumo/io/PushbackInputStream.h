@@ -13,6 +13,7 @@ namespace io {
 class LUMO_API CPushbackInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CPushbackInputStream);
 
+public:
     // A null stream throws CIllegalArgumentException "Invalid input stream."; a size
     // of 0 throws "Invalid pushback buffer size."; a buffer that cannot be allocated
     // throws CMemoryException.

@@ -14,6 +14,7 @@ namespace io {
 class LUMO_API CPushbackReader : public CReader {
     LUMO_DECLARE_CLASS(CPushbackReader);
 
+public:
     // `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
     // reader."; size 0: "Invalid pushback buffer size."; no memory: CMemoryException.
     CPushbackReader(CReader* reader, unsigned long size);

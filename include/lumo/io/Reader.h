@@ -12,6 +12,7 @@ namespace io {
 class LUMO_API CReader : public base::CObject {
     LUMO_DECLARE_CLASS(CReader);
 
+public:
     // Not 0xFFFF as for byte streams: that is a valid UTF-16 unit.
     static constexpr long EOS = 0xFFFFF;
 

@@ -11,6 +11,7 @@ namespace io {
 class LUMO_API CUnsupportedEncodingException : public CIOException {
     LUMO_DECLARE_CLASS(CUnsupportedEncodingException);
 
+public:
     CUnsupportedEncodingException(char const* file, unsigned long line, char const* encoding);
 
     base::CString const& GetEncoding() const { return m_encoding; }

@@ -14,6 +14,7 @@ namespace io {
 class LUMO_API CWCharToCharConverter : public base::CObject {
     LUMO_DECLARE_CLASS(CWCharToCharConverter);
 
+public:
     ~CWCharToCharConverter() override;
 
     base::CString const& GetEncoding() const { return m_encoding; }
@@ -50,6 +51,7 @@ private:
 class LUMO_API CWCharToCharUTF8 : public CWCharToCharConverter {
     LUMO_DECLARE_CLASS(CWCharToCharUTF8);
 
+public:
     // The pending-surrogate value that means nothing is waiting.
     static constexpr unsigned short NO_PENDING_SURROGATE = 0x0030;
 

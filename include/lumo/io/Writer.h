@@ -12,6 +12,7 @@ namespace io {
 class LUMO_API CWriter : public base::CObject {
     LUMO_DECLARE_CLASS(CWriter);
 
+public:
     ~CWriter() override;
 
     // Units off .. off + len - 1 of `s`; nothing when `s` is empty or off is past its

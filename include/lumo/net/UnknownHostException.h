@@ -11,6 +11,7 @@ namespace net {
 class LUMO_API CUnknownHostException : public io::CIOException {
     LUMO_DECLARE_CLASS(CUnknownHostException);
 
+public:
     CUnknownHostException(char const* file, unsigned long line, char const* hostName);
 
     base::CString const& GetHostName() const { return m_hostName; }

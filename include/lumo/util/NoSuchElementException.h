@@ -6,13 +6,11 @@
 namespace lumo {
 namespace util {
 
-using base::CException;
-
 // Its class record names CMemoryException as base (so IsInstanceOf against that
-// record is true) while the C++ base is CException: kept for compatibility.
-LUMO_EXCEPTION_0(CNoSuchElementException, CException);
-LUMO_EXCEPTION_0(CEmptyStackException, CException);
-LUMO_EXCEPTION_0(CEmptyQueueException, CException);
+// record is true) while the C++ base is base::CException: kept for compatibility.
+LUMO_EXCEPTION_0(CNoSuchElementException, base::CException);
+LUMO_EXCEPTION_0(CEmptyStackException, base::CException);
+LUMO_EXCEPTION_0(CEmptyQueueException, base::CException);
 
 } // namespace util
 } // namespace lumo

@@ -9,8 +9,6 @@
 namespace lumo {
 namespace util {
 
-using base::CObject;
-
 namespace detail {
 class ObjectHashtableCursor;
 }
@@ -45,21 +43,21 @@ public:
     // Maps `key` to `value`. For a present key only the value is replaced (the old
     // one deleted when owning) and `key` stays the caller's; a new key and its
     // value are taken over. A new key arriving at a full table first doubles it.
-    void Put(CObject* key, CObject* value);
+    void Put(base::CObject* key, base::CObject* value);
     // The value of `key` (still the table's); CNoSuchElementException when absent.
-    CObject* Get(CObject const* key) const;
-    bool ContainsKey(CObject const* key) const;
+    base::CObject* Get(base::CObject const* key) const;
+    bool ContainsKey(base::CObject const* key) const;
     // Whether some value Equals(value).
-    bool Contains(CObject const* value) const;
+    bool Contains(base::CObject const* value) const;
     // Removes the entry of `key` if there is one (deleting key and value when
     // owning) and then always throws CNoSuchElementException, removal or not:
     // callers that remove catch it.
-    void Remove(CObject const* key);
+    void Remove(base::CObject const* key);
     // Drops every entry; the capacity is kept.
     void Clear();
 
-    CEnumeration<CObject> GetKeys() const;
-    CEnumeration<CObject> GetElements() const;
+    CEnumeration<base::CObject> GetKeys() const;
+    CEnumeration<base::CObject> GetElements() const;
 
     // One mapping; opaque outside the table.
     struct Entry;
@@ -68,7 +66,7 @@ private:
     friend class detail::ObjectHashtableCursor;
 
     CObjectHashtable(bool owns, float loadFactor, std::int32_t threshold, std::uint32_t capacity);
-    Entry* Find(std::int32_t hash, CObject const* key) const;
+    Entry* Find(std::int32_t hash, base::CObject const* key) const;
     void Rehash();
     void FreeEntries() noexcept;
 
@@ -87,8 +85,8 @@ public:
     explicit ObjectHashtableCursor(CObjectHashtable const* table);
     bool HasMore() const;
     // The next entry's key or value; CNoSuchElementException past the end.
-    CObject* NextKey();
-    CObject* NextValue();
+    base::CObject* NextKey();
+    base::CObject* NextValue();
     void Reset();
 
 private:
@@ -105,22 +103,22 @@ private:
 
 // Enumerate the keys, or the values, of a table bucket by bucket and each chain in
 // order. They read the live table, which must not change meanwhile.
-class LUMO_API CObjectHashtableKeyEnumeration : public IEnumeration<CObject> {
+class LUMO_API CObjectHashtableKeyEnumeration : public IEnumeration<base::CObject> {
 public:
     explicit CObjectHashtableKeyEnumeration(CObjectHashtable const* table) : m_cursor(table) {}
     bool HasMoreElements() const override { return m_cursor.HasMore(); }
-    CObject* NextElement() override { return m_cursor.NextKey(); }
+    base::CObject* NextElement() override { return m_cursor.NextKey(); }
     void Reset() override { m_cursor.Reset(); }
 
 private:
     detail::ObjectHashtableCursor m_cursor;
 };
 
-class LUMO_API CObjectHashtableElementEnumeration : public IEnumeration<CObject> {
+class LUMO_API CObjectHashtableElementEnumeration : public IEnumeration<base::CObject> {
 public:
     explicit CObjectHashtableElementEnumeration(CObjectHashtable const* table) : m_cursor(table) {}
     bool HasMoreElements() const override { return m_cursor.HasMore(); }
-    CObject* NextElement() override { return m_cursor.NextValue(); }
+    base::CObject* NextElement() override { return m_cursor.NextValue(); }
     void Reset() override { m_cursor.Reset(); }
 
 private:

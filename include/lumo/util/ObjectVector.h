@@ -7,8 +7,6 @@
 namespace lumo {
 namespace util {
 
-using base::CObject;
-
 // A growable array of objects, which it owns: an element is deleted when it is
 // removed, replaced, or when the vector is cleared, assigned or destroyed, unless
 // it is taken back with one of the Detach operations. Slots never hold null.
@@ -37,34 +35,34 @@ public:
     bool operator!=(CObjectVector const& other) const { return !(*this == other); }
 
     // CArrayIndexOutOfBoundsException for an index >= size.
-    CObject* GetElementAt(unsigned long index) const;
-    CObject* operator[](unsigned long index) const { return GetElementAt(index); }
+    base::CObject* GetElementAt(unsigned long index) const;
+    base::CObject* operator[](unsigned long index) const { return GetElementAt(index); }
     // CNoSuchElementException when empty.
-    CObject* GetFirstElement() const;
-    CObject* GetLastElement() const;
+    base::CObject* GetFirstElement() const;
+    base::CObject* GetLastElement() const;
 
     // Searches ask each element Equals(obj); null obj is an illegal argument.
-    bool Contains(CObject const* obj) const { return GetIndexOf(obj) >= 0; }
-    long GetIndexOf(CObject const* obj) const;
-    long GetLastIndexOf(CObject const* obj) const;
+    bool Contains(base::CObject const* obj) const { return GetIndexOf(obj) >= 0; }
+    long GetIndexOf(base::CObject const* obj) const;
+    long GetLastIndexOf(base::CObject const* obj) const;
 
     // The vector takes over `obj` once the call succeeds; on an exception the
     // object stays the caller's.
-    void AddElement(CObject* obj);
+    void AddElement(base::CObject* obj);
     // index == size appends; index > size is out of bounds.
-    void InsertElementAt(CObject* obj, unsigned long index);
+    void InsertElementAt(base::CObject* obj, unsigned long index);
     // Deletes the element at `index` and stores `obj` there.
-    void SetElementAt(CObject* obj, unsigned long index);
+    void SetElementAt(base::CObject* obj, unsigned long index);
 
     // Deletes the first element that Equals(obj); nothing when there is none.
-    void RemoveElement(CObject const* obj);
+    void RemoveElement(base::CObject const* obj);
     void RemoveElementAt(unsigned long index);
     void RemoveAllElements();
 
     // As the Remove forms, but the element goes back to the caller: the detached
     // element is returned (null from DetachElement when none matched).
-    CObject* DetachElement(CObject const* obj);
-    CObject* DetachElementAt(unsigned long index);
+    base::CObject* DetachElement(base::CObject const* obj);
+    base::CObject* DetachElementAt(unsigned long index);
     void DetachAllElements();
 
     // Grows (never shrinks) to the capacity rule for `n` slots.
@@ -73,11 +71,11 @@ public:
     void TrimToSize();
 
     // Sorts the slots with the C runtime's qsort; `compare` receives pointers to
-    // two slots (CObject* const*).
+    // two slots (base::CObject* const*).
     void Sort(int (*compare)(void const*, void const*));
 
 private:
-    detail::ArrayStore<CObject*> m_store;
+    detail::ArrayStore<base::CObject*> m_store;
 };
 
 } // namespace util

@@ -16,35 +16,35 @@ void* Allocate(std::size_t size) {
 }
 } // namespace
 
-void CBase::_ThrowMemoryException(char const* file, int line) {
+void CBase::ThrowMemoryException(char const* file, int line) {
     throw CMemoryException(file, static_cast<unsigned long>(line));
 }
 
 void* CBase::operator new(std::size_t size) {
     void* p = Allocate(size);
     if (p == nullptr)
-        _ThrowMemoryException("lumo/base/Base", 150);
+        ThrowMemoryException("lumo/base/Base", 150);
     return p;
 }
 
 void* CBase::operator new[](std::size_t size) {
     void* p = Allocate(size);
     if (p == nullptr)
-        _ThrowMemoryException("lumo/base/Base", 198);
+        ThrowMemoryException("lumo/base/Base", 198);
     return p;
 }
 
 void* CBase::operator new(std::size_t size, char const* file, int line) {
     void* p = Allocate(size);
     if (p == nullptr)
-        _ThrowMemoryException(file, line);
+        ThrowMemoryException(file, line);
     return p;
 }
 
 void* CBase::operator new[](std::size_t size, char const* file, int line) {
     void* p = Allocate(size);
     if (p == nullptr)
-        _ThrowMemoryException(file, line);
+        ThrowMemoryException(file, line);
     return p;
 }
 

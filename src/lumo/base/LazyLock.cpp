@@ -2,25 +2,11 @@
 
 #include <lumo/base/Exception.h>
 
+#include "detail/ScopedHold.h"
 #include "os/SystemCriticalSection.h"
 
 namespace lumo {
 namespace base {
-
-namespace {
-
-class CGuard {
-public:
-    explicit CGuard(CSpinLock& lock) : m_lock(lock) { m_lock.Acquire(); }
-    ~CGuard() { m_lock.Release(); }
-    CGuard(CGuard const&) = delete;
-    CGuard& operator=(CGuard const&) = delete;
-
-private:
-    CSpinLock& m_lock;
-};
-
-} // namespace
 
 CLazyLock::CLazyLock() : m_impl(nullptr) {}
 
@@ -29,7 +15,7 @@ CLazyLock::~CLazyLock() {
 }
 
 void CLazyLock::Create() {
-    CGuard guard(m_guard);
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_guard);
     // The inverted test is the defined behaviour (see LazyLock.h): an implementation
     // is made only when one exists already, so none is ever made.
     if (m_impl != nullptr) {

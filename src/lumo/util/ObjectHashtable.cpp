@@ -10,6 +10,8 @@
 namespace lumo {
 namespace util {
 
+using base::CObject;
+
 using base::CIllegalArgumentException;
 using base::CMemoryException;
 

@@ -8,6 +8,8 @@
 namespace lumo {
 namespace util {
 
+using base::CObject;
+
 using base::CArrayIndexOutOfBoundsException;
 using base::CIllegalArgumentException;
 using base::CMemoryException;

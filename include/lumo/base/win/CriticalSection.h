@@ -16,6 +16,7 @@ namespace win {
 class LUMO_API CCriticalSection : public CSyncObject {
     LUMO_DECLARE_CLASS(CCriticalSection);
 
+public:
     // CSynchronizationException "Failed to create critical section." when the
     // operating system cannot make one.
     CCriticalSection();

@@ -14,6 +14,7 @@ namespace win {
 class LUMO_API CEvent : public CSyncObject {
     LUMO_DECLARE_CLASS(CEvent);
 
+public:
     // A null or empty name makes an anonymous event. Opening an existing named event
     // ignores initialState and manualReset. CMemoryException when the event cannot
     // be made (also when the name belongs to a mutex).

@@ -22,6 +22,7 @@ namespace win {
 class LUMO_API CLazyCriticalSection : public CSyncObject {
     LUMO_DECLARE_CLASS(CLazyCriticalSection);
 
+public:
     CLazyCriticalSection();
     ~CLazyCriticalSection() override;
 

@@ -14,6 +14,7 @@ namespace win {
 class LUMO_API CMutex : public CSyncObject {
     LUMO_DECLARE_CLASS(CMutex);
 
+public:
     // A null or empty name makes an anonymous mutex. Opening an existing named mutex
     // ignores initialOwner. CMemoryException when the mutex cannot be made (also
     // when the name belongs to an event).

@@ -15,6 +15,7 @@ namespace win {
 class LUMO_API CSyncObject : public CObject {
     LUMO_DECLARE_CLASS(CSyncObject);
 
+public:
     typedef void* Handle;
 
     static constexpr unsigned long Wait_Object_0 = 0;

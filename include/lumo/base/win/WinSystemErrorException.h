@@ -12,6 +12,7 @@ namespace win {
 class LUMO_API CWinSystemErrorException : public CException {
     LUMO_DECLARE_CLASS(CWinSystemErrorException);
 
+public:
     CWinSystemErrorException(char const* file, unsigned long line, char const* errorDescription,
                              unsigned long errorCode);
 
