@@ -5,35 +5,35 @@
 
 namespace IO {
 
-// Result codes of the file layer: 0 is success, everything else an error.
+/// Result codes of the file layer: 0 is success, everything else an error.
 typedef unsigned long Result;
 
 Result const RESULT_OK = 0;
-// A general failure of the platform call; the file keeps the system's error number.
+/// A general failure of the platform call; the file keeps the system's error number.
 Result const RESULT_FAILED = 0x81000001;
 Result const RESULT_NOT_OPEN = 0x81000002;
 Result const RESULT_ALREADY_OPEN = 0x81000003;
 Result const RESULT_INVALID_ARGUMENT = 0x81000004;
 Result const RESULT_OUT_OF_MEMORY = 0x81000005;
-// A read found no data left.
+/// A read found no data left.
 Result const RESULT_END_OF_DATA = 0x81000100;
 Result const RESULT_NOT_FOUND = 0x81010101;
 Result const RESULT_ACCESS_DENIED = 0x81010102;
 Result const RESULT_ILLEGAL_LOCATION = 0x81010103;
 Result const RESULT_IS_DIRECTORY = 0x81010104;
 
-// A sequential byte channel. Only the block operations and Flush must be given;
-// the single-byte and 16-bit forms default to one block call each. A 16-bit unit
-// travels as two bytes, low byte first, whatever the machine's order.
+/// A sequential byte channel. Only the block operations and Flush must be given;
+/// the single-byte and 16-bit forms default to one block call each. A 16-bit unit
+/// travels as two bytes, low byte first, whatever the machine's order.
 class VELA_API IChannel {
 public:
     virtual ~IChannel() {}
 
-    // Reads up to `size` bytes, fewer only at the end of the data; `*done` (when
-    // given) receives the count also on failure. RESULT_END_OF_DATA when `size` > 0
-    // and nothing was left.
+    /// Reads up to `size` bytes, fewer only at the end of the data; `*done` (when
+    /// given) receives the count also on failure. RESULT_END_OF_DATA when `size` > 0
+    /// and nothing was left.
     virtual Result Read(void* buffer, unsigned long size, unsigned long* done) = 0;
-    // Writes all `size` bytes or fails; `*done` (when given) receives the count written.
+    /// Writes all `size` bytes or fails; `*done` (when given) receives the count written.
     virtual Result Write(void const* buffer, unsigned long size, unsigned long* done) = 0;
     virtual Result Flush() = 0;
 
@@ -42,8 +42,8 @@ public:
         Result const result = Read(value, 1, &done);
         return result == RESULT_OK && done != 1 ? RESULT_END_OF_DATA : result;
     }
-    // RESULT_END_OF_DATA when no byte was left; RESULT_FAILED when only one was (the
-    // unit was cut off; that byte is consumed).
+    /// RESULT_END_OF_DATA when no byte was left; RESULT_FAILED when only one was (the
+    /// unit was cut off; that byte is consumed).
     virtual Result ReadUnit16(unsigned short* value) {
         unsigned char bytes[2];
         unsigned long done = 0;

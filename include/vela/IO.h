@@ -3,12 +3,12 @@
 
 #include <vela/Config.h>
 
-// The file layer's start and stop, counted so that nested pairs are allowed.
+/// The file layer's start and stop, counted so that nested pairs are allowed.
 namespace IO {
 
 VELA_API void Init(bool full);
 VELA_API void End();
-// The number of Init calls not yet matched by End.
+/// The number of Init calls not yet matched by End.
 VELA_API long GetInitCount();
 
 } // namespace IO

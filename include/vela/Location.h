@@ -5,14 +5,14 @@
 
 namespace IO {
 
-// The name of a file. The path is kept in UTF-8 whichever form it was given in;
-// text that is not well-formed (malformed UTF-8, an unpaired UTF-16 surrogate)
-// makes the location illegal rather than being silently altered.
+/// The name of a file. The path is kept in UTF-8 whichever form it was given in;
+/// text that is not well-formed (malformed UTF-8, an unpaired UTF-16 surrogate)
+/// makes the location illegal rather than being silently altered.
 class VELA_API Location {
 public:
-    // An empty location.
+    /// An empty location.
     Location() noexcept;
-    // A null path gives an empty location.
+    /// A null path gives an empty location.
     Location(char const* utf8Path);
     Location(unsigned short const* utf16Path);
     Location(Location const& other);
@@ -22,11 +22,11 @@ public:
     ~Location();
 
     bool IsEmpty() const noexcept { return m_length == 0; }
-    // Non-empty, well-formed text within the platform's limits on path and name
-    // lengths. Whether the file exists is not asked.
+    /// Non-empty, well-formed text within the platform's limits on path and name
+    /// lengths. Whether the file exists is not asked.
     bool IsLegal() const noexcept;
 
-    // The path in UTF-8; never null (an empty text for an empty location).
+    /// The path in UTF-8; never null (an empty text for an empty location).
     char const* GetPath() const noexcept;
     unsigned long GetLength() const noexcept { return m_length; }
 

@@ -3,8 +3,8 @@
 
 #include <vela/Config.h>
 
-// Resource modules: each module registers a table of indexed string resources, found
-// by type, identifier and index, the active module first.
+/// Resource modules: each module registers a table of indexed string resources, found
+/// by type, identifier and index, the active module first.
 namespace Vela {
 
 struct RSStringTable {
@@ -14,7 +14,7 @@ struct RSStringTable {
     unsigned long count;
 };
 
-// What a module handle points at: its name and its string tables.
+/// What a module handle points at: its name and its string tables.
 struct RSModuleInfo {
     char const* name;
     RSStringTable const* tables;
@@ -23,17 +23,17 @@ struct RSModuleInfo {
 
 typedef RSModuleInfo const* RSModuleHandle;
 
-// Registers a module; returns its identifier (> 0), or 0 when the handle is null.
-// The new module becomes the active one.
+/// Registers a module; returns its identifier (> 0), or 0 when the handle is null.
+/// The new module becomes the active one.
 VELA_API long RSAddModule(RSModuleHandle handle);
-// Removes a module by identifier; false when none has it.
+/// Removes a module by identifier; false when none has it.
 VELA_API bool RSRemoveModule(long id);
-// The identifier of the active module, 0 when none.
+/// The identifier of the active module, 0 when none.
 VELA_API long RSGetActiveModule();
-// Makes a module active; returns the previously active identifier.
+/// Makes a module active; returns the previously active identifier.
 VELA_API long RSSetActiveModule(long id);
-// The string of type, identifier and index: the active module is searched first,
-// then the others, newest first. Null when none has it.
+/// The string of type, identifier and index: the active module is searched first,
+/// then the others, newest first. Null when none has it.
 VELA_API char const* RSLoadString(char const* type, unsigned long id, unsigned long index);
 
 } // namespace Vela

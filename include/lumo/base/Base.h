@@ -8,8 +8,8 @@
 namespace lumo {
 namespace base {
 
-// Class-level allocation for every library object: C heap memory, and a
-// CMemoryException naming the allocation site when the heap is exhausted.
+/// Class-level allocation for every library object: C heap memory, and a
+/// CMemoryException naming the allocation site when the heap is exhausted.
 class LUMO_API CBase {
 public:
     static void* operator new(std::size_t size);
@@ -34,7 +34,7 @@ private:
     [[noreturn]] static void ThrowMemoryException(char const* file, int line);
 };
 
-// Base for classes whose objects must not be copied.
+/// Base for classes whose objects must not be copied.
 class LUMO_API CNonCopyable {
 protected:
     CNonCopyable() = default;
@@ -45,7 +45,7 @@ public:
     CNonCopyable& operator=(CNonCopyable const&) = delete;
 };
 
-// Marker type of the library-wide constant `null`.
+/// Marker type of the library-wide constant `null`.
 class LUMO_API CNull {
 public:
     CNull& operator=(CNull const&) { return *this; }

@@ -8,37 +8,37 @@
 namespace lumo {
 namespace base {
 
-// An owned block of bytes on the C heap, with two text forms: base64 (standard
-// alphabet, "=" padding, no line breaks) and binhex (two upper-case hexadecimal
-// digits per byte, high nibble first). Each form exists for 8-bit and UTF-16 text.
-//
-// Blocks returned by the Parse helpers belong to the caller, who frees them with
-// `free`. Failures: CIllegalArgumentException for bad arguments, CNumberFormatException
-// for malformed text, CMemoryException when memory runs out (file
-// lumo/base/BinaryData).
+/// An owned block of bytes on the C heap, with two text forms: base64 (standard
+/// alphabet, "=" padding, no line breaks) and binhex (two upper-case hexadecimal
+/// digits per byte, high nibble first). Each form exists for 8-bit and UTF-16 text.
+///
+/// Blocks returned by the Parse helpers belong to the caller, who frees them with
+/// `free`. Failures: CIllegalArgumentException for bad arguments, CNumberFormatException
+/// for malformed text, CMemoryException when memory runs out (file
+/// lumo/base/BinaryData).
 class LUMO_API CBinaryData {
 public:
     CBinaryData() noexcept : m_data(nullptr), m_length(0) {}
-    // `length` zero bytes.
+    /// `length` zero bytes.
     explicit CBinaryData(unsigned long length);
-    // A copy of `length` bytes at `data`; a null `data` with a non-zero length throws
-    // CIllegalArgumentException "Illegal data pointer.".
+    /// A copy of `length` bytes at `data`; a null `data` with a non-zero length throws
+    /// CIllegalArgumentException "Illegal data pointer.".
     CBinaryData(char const* data, unsigned long length);
     CBinaryData(CBinaryData const& other);
     CBinaryData& operator=(CBinaryData const& other);
     ~CBinaryData();
 
-    // Null when the length is 0.
+    /// Null when the length is 0.
     char* GetData() { return m_data; }
     char const* GetData() const { return m_data; }
     unsigned long GetDataLength() const { return m_length; }
 
-    // Lowers the length, keeping the memory; 0 frees it. A length above the present
-    // one throws CIllegalArgumentException "Invalid new data length.".
+    /// Lowers the length, keeping the memory; 0 frees it. A length above the present
+    /// one throws CIllegalArgumentException "Invalid new data length.".
     void Truncate(unsigned long newLength);
 
-    // -1, 0 or 1: a shorter block is smaller whatever its bytes; blocks of equal
-    // length compare as unsigned bytes.
+    /// -1, 0 or 1: a shorter block is smaller whatever its bytes; blocks of equal
+    /// length compare as unsigned bytes.
     int Compare(CBinaryData const& other) const;
     bool operator==(CBinaryData const& other) const { return Compare(other) == 0; }
     bool operator!=(CBinaryData const& other) const { return Compare(other) != 0; }
@@ -48,17 +48,17 @@ public:
     void ToBinHexString(CString& out) const;
     void ToBinHexUnicodeString(CUnicodeString& out) const;
 
-    // Replace the bytes with the decoded text. The old bytes are freed first, so a
-    // malformed text leaves the block empty. An empty text throws
-    // CIllegalArgumentException "Invalid value buffer.".
+    /// Replace the bytes with the decoded text. The old bytes are freed first, so a
+    /// malformed text leaves the block empty. An empty text throws
+    /// CIllegalArgumentException "Invalid value buffer.".
     void FromBinHexString(char const* text);
     void FromBinHexString(char const* text, unsigned long length);
     void FromBinHexUnicodeString(unsigned short const* text);
     void FromBinHexUnicodeString(unsigned short const* text, unsigned long length);
 
-    // Encoders over raw bytes. A null or unreadable `data` throws
-    // CIllegalArgumentException "Illegal data pointer."; a length of 0 gives an empty
-    // text.
+    /// Encoders over raw bytes. A null or unreadable `data` throws
+    /// CIllegalArgumentException "Illegal data pointer."; a length of 0 gives an empty
+    /// text.
     static void ToBase64String(char const* data, unsigned long length, CString& out);
     static CString ToBase64String(char const* data, unsigned long length);
     static void ToBase64UnicodeString(char const* data, unsigned long length, CUnicodeString& out);
@@ -68,22 +68,22 @@ public:
     static void ToBinHexUnicodeString(char const* data, unsigned long length, CUnicodeString& out);
     static CUnicodeString ToBinHexUnicodeString(char const* data, unsigned long length);
 
-    // Base64 decoders. The text length must be a multiple of 4 ("Invalid base64
-    // encoded binary data."); padding is accepted in any group; any character outside
-    // the alphabet, white space included, throws "Invalid base 64 char found.". An
-    // empty text gives null and 0. On failure the outputs are null and 0.
+    /// Base64 decoders. The text length must be a multiple of 4 ("Invalid base64
+    /// encoded binary data."); padding is accepted in any group; any character outside
+    /// the alphabet, white space included, throws "Invalid base 64 char found.". An
+    /// empty text gives null and 0. On failure the outputs are null and 0.
     static void ParseBase64String(CString const& text, char*& data, unsigned long& length);
-    // `length` is taken by value: this form cannot report the decoded length, which
-    // is three bytes per group of four characters less one per "=".
+    /// `length` is taken by value: this form cannot report the decoded length, which
+    /// is three bytes per group of four characters less one per "=".
     static void ParseBase64UnicodeString(CUnicodeString const& text, char*& data,
                                          unsigned long length);
 
-    // Binhex decoders: an even number of digits 0-9 and A-F (upper case only). An
-    // odd length throws "Invalid binhex encoded binary data.", a bad digit "Invalid
-    // binhex digit." (CNumberFormatException). The raw-pointer forms throw
-    // CIllegalArgumentException "Invalid value buffer." for a null (or, without a
-    // length, empty) text and "Invalid value buffer length." for a length of 0. On
-    // failure the outputs are null and 0.
+    /// Binhex decoders: an even number of digits 0-9 and A-F (upper case only). An
+    /// odd length throws "Invalid binhex encoded binary data.", a bad digit "Invalid
+    /// binhex digit." (CNumberFormatException). The raw-pointer forms throw
+    /// CIllegalArgumentException "Invalid value buffer." for a null (or, without a
+    /// length, empty) text and "Invalid value buffer length." for a length of 0. On
+    /// failure the outputs are null and 0.
     static void ParseBinHexString(CString const& text, char*& data, unsigned long& length);
     static void ParseBinHexString(char const* text, char*& data, unsigned long& length);
     static void ParseBinHexString(char const* text, unsigned long textLength, char*& data,

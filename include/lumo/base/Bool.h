@@ -6,7 +6,7 @@
 namespace lumo {
 namespace base {
 
-// The library's fixed texts for booleans, 8-bit and UTF-16.
+/// The library's fixed texts for booleans, 8-bit and UTF-16.
 class LUMO_API CBool : public CObject {
     LUMO_DECLARE_CLASS(CBool);
 
@@ -17,7 +17,7 @@ public:
     static char const SZ_FALSE[];
     static unsigned short const WSZ_TRUE[];
     static unsigned short const WSZ_FALSE[];
-    // Lengths of the texts in characters.
+    /// Lengths of the texts in characters.
     static constexpr unsigned long CC_TRUE = 4;
     static constexpr unsigned long CC_FALSE = 5;
     static constexpr unsigned long WCC_TRUE = 4;

@@ -9,9 +9,9 @@ namespace base {
 class CObject;
 class CClassManager;
 
-// The run-time record of one class: qualified name, up to three base names, the
-// instance size and an optional factory. Every record registers itself with the
-// process-wide class registry for as long as it lives.
+/// The run-time record of one class: qualified name, up to three base names, the
+/// instance size and an optional factory. Every record registers itself with the
+/// process-wide class registry for as long as it lives.
 class LUMO_API CClass {
 public:
     typedef CObject* (*Constructor)();
@@ -27,17 +27,17 @@ public:
     unsigned long GetSize() const { return m_size; }
     Constructor GetConstructor() const { return m_constructor; }
 
-    // The part of the qualified name after its last ':'; points into the qualified name.
+    /// The part of the qualified name after its last ':'; points into the qualified name.
     char const* GetName() const;
 
-    // Base records, looked up by name on first use and cached once found.
+    /// Base records, looked up by name on first use and cached once found.
     CClass const* GetBaseClass1() const;
     CClass const* GetBaseClass2() const;
     CClass const* GetBaseClass3() const;
 
     bool IsInstanceOf(CClass const* cls) const;
-    // A new default instance owned by the caller; throws CInstantiationException
-    // for a record without factory.
+    /// A new default instance owned by the caller; throws CInstantiationException
+    /// for a record without factory.
     CObject* CreateNewInstance() const;
 
     static CClass const* FindClass(char const* name);

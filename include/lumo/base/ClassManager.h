@@ -11,22 +11,22 @@ namespace base {
 
 class CObject;
 
-// The class registry's interface.
+/// The class registry's interface.
 class LUMO_API IClassManager {
 public:
     virtual ~IClassManager() {}
     virtual void RegisterClass(CClass* cls) = 0;
     virtual void UnregisterClass(CClass* cls) = 0;
     virtual CClass* FindClass(char const* name) = 0;
-    // Throws CClassNotFoundException when no record bears the name.
+    /// Throws CClassNotFoundException when no record bears the name.
     virtual CObject* CreateInstance(char const* name) = 0;
-    // Null for a null record.
+    /// Null for a null record.
     virtual CObject* CreateInstance(CClass const* cls) = 0;
 };
 
-// The process-wide registry: a newest-first list of records. A hash table serves
-// lookups only until the first record is registered; from then on lookups walk the
-// list, so a later record of the same name hides an earlier one.
+/// The process-wide registry: a newest-first list of records. A hash table serves
+/// lookups only until the first record is registered; from then on lookups walk the
+/// list, so a later record of the same name hides an earlier one.
 class LUMO_API CClassManager : public IClassManager {
 public:
     CClassManager();
@@ -41,7 +41,7 @@ public:
     unsigned long GetCount() const { return m_count; }
     bool IsHashing() const { return m_hashing != 0; }
 
-    // The single registry, made on first use.
+    /// The single registry, made on first use.
     static CClassManager& GetInstance();
 
 private:

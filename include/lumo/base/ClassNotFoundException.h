@@ -7,7 +7,7 @@
 namespace lumo {
 namespace base {
 
-// No record bears the class name asked for.
+/// No record bears the class name asked for.
 class LUMO_API CClassNotFoundException : public CException {
     LUMO_DECLARE_CLASS(CClassNotFoundException);
 
@@ -21,7 +21,7 @@ private:
     CString m_className;
 };
 
-// The record has no factory (an interface or an abstract class).
+/// The record has no factory (an interface or an abstract class).
 class LUMO_API CInstantiationException : public CException {
     LUMO_DECLARE_CLASS(CInstantiationException);
 

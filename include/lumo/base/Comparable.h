@@ -6,12 +6,12 @@
 namespace lumo {
 namespace base {
 
-// Objects with a natural order. Implementations throw CIllegalComparisonException
-// when asked to compare with an object they cannot be ordered against.
+/// Objects with a natural order. Implementations throw CIllegalComparisonException
+/// when asked to compare with an object they cannot be ordered against.
 class LUMO_API IComparable {
 public:
     virtual ~IComparable();
-    // Negative, zero or positive as this object sorts before, with or after `other`.
+    /// Negative, zero or positive as this object sorts before, with or after `other`.
     virtual int CompareTo(IComparable const& other) const = 0;
 
 protected:

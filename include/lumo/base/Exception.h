@@ -9,14 +9,14 @@ class CPrintStream;
 }
 namespace base {
 
-// Root of every failure the library throws: where it was raised, a constant
-// description of the kind of failure, and an owned run-time message.
+/// Root of every failure the library throws: where it was raised, a constant
+/// description of the kind of failure, and an owned run-time message.
 class LUMO_API CException : public CObject {
     LUMO_DECLARE_CLASS(CException);
 
 public:
-    // The file and description are kept as given (they must outlive the exception);
-    // the message is copied.
+    /// The file and description are kept as given (they must outlive the exception);
+    /// the message is copied.
     CException(char const* file, unsigned long line, char const* errorDescription,
                char const* message);
     CException(CException const& other);
@@ -26,14 +26,14 @@ public:
     char const* GetSourceFile() const { return m_file; }
     unsigned long GetSourceLine() const { return m_line; }
     char const* GetErrorDescription() const { return m_description; }
-    // Null when there is no message.
+    /// Null when there is no message.
     char const* GetMessage() const { return m_message; }
 
-    // Replaces the message with a copy of `message`; a null or empty text means no
-    // message. False when the copy could not be allocated (the message is then gone).
+    /// Replaces the message with a copy of `message`; a null or empty text means no
+    /// message. False when the copy could not be allocated (the message is then gone).
     bool SetMessage(char const* message);
 
-    // Writes the exception report to `out`.
+    /// Writes the exception report to `out`.
     virtual void Print(io::CPrintStream& out) const;
 
 private:

@@ -8,27 +8,27 @@ namespace base {
 
 struct CProcessPools;
 
-// A pool of equal-sized blocks from the C heap. The free list is refilled a few
-// blocks at a time and trimmed back when most blocks lie idle, so a steady pattern
-// of short-lived allocations makes no heap calls. Every operation takes the pool's
-// spin lock, so a pool may be used from any thread.
+/// A pool of equal-sized blocks from the C heap. The free list is refilled a few
+/// blocks at a time and trimmed back when most blocks lie idle, so a steady pattern
+/// of short-lived allocations makes no heap calls. Every operation takes the pool's
+/// spin lock, so a pool may be used from any thread.
 class LUMO_API CFixBlockAllocator {
 public:
     CFixBlockAllocator(unsigned long blockSize, unsigned long refillCount);
     ~CFixBlockAllocator();
 
-    // A block of GetBlockSize() bytes; CMemoryException when the heap is exhausted.
+    /// A block of GetBlockSize() bytes; CMemoryException when the heap is exhausted.
     void* Allocate();
-    // Returns a block of this pool; null is ignored.
+    /// Returns a block of this pool; null is ignored.
     void Free(void* block);
-    // Frees every block, used and free, to the C heap.
+    /// Frees every block, used and free, to the C heap.
     void Clear();
 
-    // As Allocate and Free, through a small per-thread cache in front of the pool for
-    // the process-wide pools (other pools go straight to the pool). A block freed here
-    // stays counted as used by the pool until the cache hands it back, which it does
-    // when it overflows and when its thread ends. Short-lived strings made and
-    // dropped on one thread so cost no lock at all.
+    /// As Allocate and Free, through a small per-thread cache in front of the pool for
+    /// the process-wide pools (other pools go straight to the pool). A block freed here
+    /// stays counted as used by the pool until the cache hands it back, which it does
+    /// when it overflows and when its thread ends. Short-lived strings made and
+    /// dropped on one thread so cost no lock at all.
     void* AllocateCached();
     void FreeCached(void* block);
 
@@ -37,10 +37,10 @@ public:
     unsigned long GetUsedCount() const;
     unsigned long GetFreeCount() const;
 
-    // The process-wide pools behind CString (blocks of 76, 140, 268, 524 and 1036
-    // bytes) and CUnicodeString (140, 268, 524, 1036 and 2060 bytes), by class 0-4;
-    // another class throws CArrayIndexOutOfBoundsException. They live (and are never
-    // destroyed) for the whole process.
+    /// The process-wide pools behind CString (blocks of 76, 140, 268, 524 and 1036
+    /// bytes) and CUnicodeString (140, 268, 524, 1036 and 2060 bytes), by class 0-4;
+    /// another class throws CArrayIndexOutOfBoundsException. They live (and are never
+    /// destroyed) for the whole process.
     static CFixBlockAllocator& StringPool(int sizeClass);
     static CFixBlockAllocator& UnicodeStringPool(int sizeClass);
 

@@ -8,12 +8,12 @@
 namespace lumo {
 namespace base {
 
-// A CString made in one step from a printf-style format, for passing formatted text
-// where a plain text is expected: CFormattedString("%d items", n). Formatting follows
-// CString::FormatV (a text longer than the work buffer is cut).
+/// A CString made in one step from a printf-style format, for passing formatted text
+/// where a plain text is expected: CFormattedString("%d items", n). Formatting follows
+/// CString::FormatV (a text longer than the work buffer is cut).
 class LUMO_API CFormattedString {
 public:
-    // A null or empty format raises CIllegalArgumentException ("Invalid format string.").
+    /// A null or empty format raises CIllegalArgumentException ("Invalid format string.").
     CFormattedString(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
 
     operator char const*() const noexcept { return m_string; }
@@ -24,10 +24,10 @@ private:
     CString m_string;
 };
 
-// The same over UTF-16, through CUnicodeString::FormatV.
+/// The same over UTF-16, through CUnicodeString::FormatV.
 class LUMO_API CFormattedUnicodeString {
 public:
-    // A null or empty format raises CIllegalArgumentException ("Invalid format string.").
+    /// A null or empty format raises CIllegalArgumentException ("Invalid format string.").
     CFormattedUnicodeString(unsigned short const* format, ...);
 
     operator unsigned short const*() const noexcept { return m_string; }

@@ -10,13 +10,13 @@ namespace detail {
 struct SystemCriticalSection;
 }
 
-// A lock meant to make its critical section on first use, guarded by a spin lock.
-//
-// Defined behaviour, kept from the original library: the creation step tests the
-// implementation pointer the wrong way round and makes a critical section only
-// when one already exists, so a lazy lock never gets one. Acquire and TryAcquire
-// therefore throw CSynchronizationException "Failed to enter critical section."
-// (source "lumo/base/LockImplWin"), and Release does nothing.
+/// A lock meant to make its critical section on first use, guarded by a spin lock.
+///
+/// Defined behaviour, kept from the original library: the creation step tests the
+/// implementation pointer the wrong way round and makes a critical section only
+/// when one already exists, so a lazy lock never gets one. Acquire and TryAcquire
+/// therefore throw CSynchronizationException "Failed to enter critical section."
+/// (source "lumo/base/LockImplWin"), and Release does nothing.
 class LUMO_API CLazyLock : public ILockable {
 public:
     CLazyLock();

@@ -6,18 +6,18 @@
 namespace lumo {
 namespace base {
 
-// The lock interface of the library: CLock, CReentrantLock, CSpinLock, CLazyLock.
+/// The lock interface of the library: CLock, CReentrantLock, CSpinLock, CLazyLock.
 class LUMO_API ILockable : public CBase {
 public:
     virtual ~ILockable();
-    // Waits as long as needed to take the lock.
+    /// Waits as long as needed to take the lock.
     virtual void Acquire() = 0;
-    // Takes the lock when it is free; true when taken.
+    /// Takes the lock when it is free; true when taken.
     virtual bool TryAcquire(unsigned long timeout) = 0;
     virtual void Release() = 0;
 };
 
-// The same three operations, kept as a separate type (the lock a CCondition is bound to).
+/// The same three operations, kept as a separate type (the lock a CCondition is bound to).
 class LUMO_API ILockable_ : public CBase {
 public:
     virtual ~ILockable_();
@@ -26,11 +26,11 @@ public:
     virtual void Release() = 0;
 };
 
-// Things that can be waited on.
+/// Things that can be waited on.
 class LUMO_API IWaitable : public CBase {
 public:
     virtual ~IWaitable();
-    // True when woken, false on time-out.
+    /// True when woken, false on time-out.
     virtual bool Wait(unsigned long timeout) = 0;
     virtual void Wait() = 0;
 };

@@ -9,8 +9,8 @@
 namespace lumo {
 namespace base {
 
-// Root of every library class: run-time class record, identity hash and equality,
-// and an optional clone.
+/// Root of every library class: run-time class record, identity hash and equality,
+/// and an optional clone.
 class LUMO_API CObject : public CBase {
 public:
     static CClass m_classCObject;
@@ -20,11 +20,11 @@ public:
     virtual ~CObject();
 
     virtual CClass const* GetClass() const;
-    // The object's own address, folded to 32 bits.
+    /// The object's own address, folded to 32 bits.
     virtual std::int32_t GetHashCode() const;
-    // Identity: true only for this very object.
+    /// Identity: true only for this very object.
     virtual bool Equals(CObject const* other) const;
-    // Null: objects are not cloneable unless a subclass says otherwise.
+    /// Null: objects are not cloneable unless a subclass says otherwise.
     virtual CObject* Clone() const;
 
     bool IsInstanceOf(CClass const* cls) const;

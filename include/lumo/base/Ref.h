@@ -11,18 +11,18 @@
 namespace lumo {
 namespace base {
 
-// The record shared by the CRef values that hold one object: the object, whether
-// the holders own it, and how many CRef values share the record. Any class can be
-// held, not only CObject descendants. The count is plain (not atomic): a CRef and
-// its copies are used by one thread at a time.
+/// The record shared by the CRef values that hold one object: the object, whether
+/// the holders own it, and how many CRef values share the record. Any class can be
+/// held, not only CObject descendants. The count is plain (not atomic): a CRef and
+/// its copies are used by one thread at a time.
 class LUMO_API RefCountedPtr : public CBase {
 public:
-    // Destroys an object held by a record (a `delete` of the pointer's real type).
+    /// Destroys an object held by a record (a `delete` of the pointer's real type).
     typedef void (*Deleter)(void* object);
 
-    // Count 1. A null object throws CIllegalArgumentException "Invalid pointer."
-    // (lumo/base/RefCountedPtr, line 98). An owning record needs a deleter; a record
-    // without one never destroys its object.
+    /// Count 1. A null object throws CIllegalArgumentException "Invalid pointer."
+    /// (lumo/base/RefCountedPtr, line 98). An owning record needs a deleter; a record
+    /// without one never destroys its object.
     RefCountedPtr(void* object, bool owner, Deleter deleter = nullptr);
 
     void* GetObject() const { return m_object; }
@@ -30,15 +30,15 @@ public:
     std::uint32_t GetCount() const { return m_count; }
 
     void AddRef() { ++m_count; }
-    // Releases one holding of `record` (null is ignored): the count is lowered unless
-    // already 0; at 0 an owned object is destroyed (an exception from its destructor
-    // is caught and dropped) and the record freed.
+    /// Releases one holding of `record` (null is ignored): the count is lowered unless
+    /// already 0; at 0 an owned object is destroyed (an exception from its destructor
+    /// is caught and dropped) and the record freed.
     static void Release(RefCountedPtr* record) noexcept;
 
-    // Raises CNullReferenceException (lumo/base/Ref, line 437).
+    /// Raises CNullReferenceException (lumo/base/Ref, line 437).
     [[noreturn]] static void ThrowNullReference();
-    // Destroys `object` through `deleter`, dropping any exception (used when the
-    // record for a new object cannot be allocated).
+    /// Destroys `object` through `deleter`, dropping any exception (used when the
+    /// record for a new object cannot be allocated).
     static void DestroyObject(void* object, Deleter deleter) noexcept;
 
     template <class T> static void DeleteObject(void* object) { delete static_cast<T*>(object); }
@@ -53,10 +53,10 @@ private:
     Deleter m_deleter;
 };
 
-// The library's shared-ownership pointer. Copies share one RefCountedPtr record;
-// the object is destroyed (through a `delete` of the type it was handed over as)
-// when the last holder lets go. Not thread-safe: a CRef and the copies that share
-// its record must be used by one thread at a time.
+/// The library's shared-ownership pointer. Copies share one RefCountedPtr record;
+/// the object is destroyed (through a `delete` of the type it was handed over as)
+/// when the last holder lets go. Not thread-safe: a CRef and the copies that share
+/// its record must be used by one thread at a time.
 template <class T> class CRef {
 public:
     typedef T ElementType;
@@ -64,23 +64,23 @@ public:
     CRef() noexcept : m_record(nullptr), m_object(nullptr) {}
     CRef(std::nullptr_t) noexcept : m_record(nullptr), m_object(nullptr) {}
 
-    // Owns `p` (null gives an empty CRef). If the record cannot be allocated, `p` is
-    // destroyed and the CMemoryException passed on.
+    /// Owns `p` (null gives an empty CRef). If the record cannot be allocated, `p` is
+    /// destroyed and the CMemoryException passed on.
     CRef(T* p) : m_record(MakeRecord(p, true, 185)), m_object(p) {}
-    // Holds `p`; destroys it at the end only when `owner` is true.
+    /// Holds `p`; destroys it at the end only when `owner` is true.
     CRef(T* p, bool owner) : m_record(MakeRecord(p, owner, 185)), m_object(p) {}
 
     CRef(CRef const& other) noexcept : m_record(other.m_record), m_object(other.m_object) {
         if (m_record != nullptr)
             m_record->AddRef();
     }
-    // Shares the record of a CRef to a type whose pointer converts to T*.
+    /// Shares the record of a CRef to a type whose pointer converts to T*.
     template <class U, class = typename std::enable_if<std::is_convertible<U*, T*>::value>::type>
     CRef(CRef<U> const& other) noexcept : m_record(other.m_record), m_object(other.m_object) {
         if (m_record != nullptr)
             m_record->AddRef();
     }
-    // Moves take the holding over and leave `other` empty; the count is unchanged.
+    /// Moves take the holding over and leave `other` empty; the count is unchanged.
     CRef(CRef&& other) noexcept : m_record(other.m_record), m_object(other.m_object) {
         other.m_record = nullptr;
         other.m_object = nullptr;
@@ -93,10 +93,10 @@ public:
 
     ~CRef() { RefCountedPtr::Release(m_record); }
 
-    // Holding the record of `other` from now on. Assignment to itself, or to a copy
-    // sharing the same record, leaves the count as it was. The new count is raised
-    // before the old holding is released, so that releasing the old object cannot
-    // destroy `other` (when `other` lives inside that object).
+    /// Holding the record of `other` from now on. Assignment to itself, or to a copy
+    /// sharing the same record, leaves the count as it was. The new count is raised
+    /// before the old holding is released, so that releasing the old object cannot
+    /// destroy `other` (when `other` lives inside that object).
     CRef& operator=(CRef const& other) noexcept {
         Assign(other.m_record, other.m_object);
         return *this;
@@ -117,10 +117,10 @@ public:
         }
         return *this;
     }
-    // A new owning record for `p` (made first; allocated at lumo/base/Ref line 279),
-    // then the old holding released. A null `p` empties the CRef. Assigning the
-    // object already held changes nothing (a second record for it would destroy
-    // it twice).
+    /// A new owning record for `p` (made first; allocated at lumo/base/Ref line 279),
+    /// then the old holding released. A null `p` empties the CRef. Assigning the
+    /// object already held changes nothing (a second record for it would destroy
+    /// it twice).
     CRef& operator=(T* p) {
         if (p != nullptr && p == m_object)
             return *this;
@@ -139,7 +139,7 @@ public:
         return *this;
     }
 
-    // The object; CNullReferenceException (lumo/base/Ref, line 437) when empty.
+    /// The object; CNullReferenceException (lumo/base/Ref, line 437) when empty.
     T* operator->() const {
         if (m_object == nullptr)
             RefCountedPtr::ThrowNullReference();
@@ -151,20 +151,20 @@ public:
         return *m_object;
     }
 
-    // The object or null; never throws.
+    /// The object or null; never throws.
     T* Get() const noexcept { return m_object; }
     bool IsNull() const noexcept { return m_object == nullptr; }
     explicit operator bool() const noexcept { return m_object != nullptr; }
 
-    // Number of CRef values sharing the record; 0 when empty.
+    /// Number of CRef values sharing the record; 0 when empty.
     std::uint32_t GetRefCount() const noexcept {
         return m_record != nullptr ? m_record->GetCount() : 0;
     }
-    // True when the holders destroy the object at the end (false when empty).
+    /// True when the holders destroy the object at the end (false when empty).
     bool IsOwner() const noexcept { return m_record != nullptr && m_record->IsOwner(); }
 
-    // A CRef of another type sharing this record: U* from T* by static_cast, or by
-    // dynamic_cast (empty when the object is no U).
+    /// A CRef of another type sharing this record: U* from T* by static_cast, or by
+    /// dynamic_cast (empty when the object is no U).
     template <class U> CRef<U> StaticCast() const noexcept {
         return CRef<U>(m_record, static_cast<U*>(m_object));
     }
@@ -176,7 +176,7 @@ public:
 private:
     template <class U> friend class CRef;
 
-    // Shares `record` (raising its count) for `object`.
+    /// Shares `record` (raising its count) for `object`.
     CRef(RefCountedPtr* record, T* object) noexcept : m_record(record), m_object(object) {
         if (m_record != nullptr)
             m_record->AddRef();
@@ -243,7 +243,7 @@ template <class T> bool operator==(std::nullptr_t, CRef<T> const& b) noexcept {
 template <class T> bool operator!=(std::nullptr_t, CRef<T> const& b) noexcept {
     return !b.IsNull();
 }
-// An order by object address, for ordered containers.
+/// An order by object address, for ordered containers.
 template <class T> bool operator<(CRef<T> const& a, CRef<T> const& b) noexcept {
     return std::less<T*>()(a.Get(), b.Get());
 }

@@ -7,27 +7,27 @@
 namespace lumo {
 namespace base {
 
-// A piece of work that a thread can run.
+/// A piece of work that a thread can run.
 class LUMO_API IRunnable : public CBase {
 public:
     virtual ~IRunnable();
     virtual void Run() = 0;
 };
 
-// A thread whose body is a runnable it shares through a CRef.
-//
-// CRef counts are not atomic: the thread object's copy is released where the object
-// is destroyed. With auto-deletion that is the new thread, so the caller must not
-// copy or release other CRef copies of the runnable while the thread may end.
+/// A thread whose body is a runnable it shares through a CRef.
+///
+/// CRef counts are not atomic: the thread object's copy is released where the object
+/// is destroyed. With auto-deletion that is the new thread, so the caller must not
+/// copy or release other CRef copies of the runnable while the thread may end.
 class LUMO_API CRunnableThread : public CThread {
     LUMO_DECLARE_CLASS(CRunnableThread);
 
 public:
-    // An empty CRef throws CIllegalArgumentException "Invalid runnable.".
+    /// An empty CRef throws CIllegalArgumentException "Invalid runnable.".
     explicit CRunnableThread(CRef<IRunnable> const& runnable);
     ~CRunnableThread() override;
 
-    // runnable->Run().
+    /// runnable->Run().
     void Run() override;
     CRef<IRunnable> const& GetRunnable() const { return m_runnable; }
 

@@ -11,30 +11,30 @@ namespace base {
 class CString;
 class CUnicodeString;
 
-// A plain, unshared, growable array of 8-bit characters holding a 0-terminated text:
-// a work area for building text. The array comes from the C heap and is allocated on
-// first need.
-//
-// Sizes are rounded up by the capacity increment (never below 8): a request for n
-// characters gives n + (((increment - 1) * n) mod increment), in 32-bit arithmetic,
-// which is n rounded up to a multiple of the increment. The array grows to exactly
-// that size, so the increment sets how often appending reallocates.
-//
-// UTF-16 arguments are converted to UTF-8 (an unpaired surrogate becomes '?'). Null
-// texts are empty texts. Allocation failures raise CMemoryException and leave the
-// buffer as it was.
+/// A plain, unshared, growable array of 8-bit characters holding a 0-terminated text:
+/// a work area for building text. The array comes from the C heap and is allocated on
+/// first need.
+///
+/// Sizes are rounded up by the capacity increment (never below 8): a request for n
+/// characters gives n + (((increment - 1) * n) mod increment), in 32-bit arithmetic,
+/// which is n rounded up to a multiple of the increment. The array grows to exactly
+/// that size, so the increment sets how often appending reallocates.
+///
+/// UTF-16 arguments are converted to UTF-8 (an unpaired surrogate becomes '?'). Null
+/// texts are empty texts. Allocation failures raise CMemoryException and leave the
+/// buffer as it was.
 class LUMO_API CStringBuffer {
 public:
-    // No storage yet.
+    /// No storage yet.
     explicit CStringBuffer(unsigned long increment = 64);
-    // Storage for `capacity` characters (rounded), all zero.
+    /// Storage for `capacity` characters (rounded), all zero.
     CStringBuffer(unsigned long capacity, unsigned long increment);
-    // Copies the text and the increment.
+    /// Copies the text and the increment.
     CStringBuffer(CStringBuffer const& other);
     CStringBuffer(CStringBuffer&& other) noexcept;
     ~CStringBuffer();
 
-    // Assignments replace the text; the increment stays.
+    /// Assignments replace the text; the increment stays.
     CStringBuffer& operator=(CStringBuffer const& other);
     CStringBuffer& operator=(CStringBuffer&& other) noexcept;
     CStringBuffer& operator=(char const* text);
@@ -48,27 +48,27 @@ public:
     CStringBuffer& operator+=(CString const& text);
     CStringBuffer& operator+=(CUnicodeString const& text);
 
-    // The array, for writing; a buffer without storage first gets some, so the
-    // result is never null.
+    /// The array, for writing; a buffer without storage first gets some, so the
+    /// result is never null.
     operator char*();
-    // The text; "" for a buffer without storage.
+    /// The text; "" for a buffer without storage.
     operator char const*() const;
-    // Makes room for n characters (at least 1, for a terminator) and returns the array.
+    /// Makes room for n characters (at least 1, for a terminator) and returns the array.
     char* GetBuffer(unsigned long n);
 
-    // Characters up to the terminator (the capacity if the array holds none).
+    /// Characters up to the terminator (the capacity if the array holds none).
     unsigned long GetSize() const;
     bool IsEmpty() const;
-    // Sets the first character to 0; the storage stays.
+    /// Sets the first character to 0; the storage stays.
     void Empty();
-    // Grows the array to hold n characters (rounded), keeping its contents.
+    /// Grows the array to hold n characters (rounded), keeping its contents.
     void EnsureCapacity(unsigned long n);
-    // Shrinks the array to the rounded size of the text and its terminator.
+    /// Shrinks the array to the rounded size of the text and its terminator.
     void TrimToSize();
-    // Characters the array holds (0 without storage).
+    /// Characters the array holds (0 without storage).
     unsigned long GetCapacity() const { return m_capacity; }
 
-    // Values below 8 are raised to 8.
+    /// Values below 8 are raised to 8.
     void SetCapacityIncrement(unsigned long increment);
     unsigned long GetCapacityIncrement() const { return m_increment; }
 
@@ -78,8 +78,8 @@ private:
     std::uint32_t m_increment;
 };
 
-// The same in 16-bit units; 8-bit arguments are UTF-8 and are converted to UTF-16
-// (conversion stops at the first malformed sequence).
+/// The same in 16-bit units; 8-bit arguments are UTF-8 and are converted to UTF-16
+/// (conversion stops at the first malformed sequence).
 class LUMO_API CUnicodeStringBuffer {
 public:
     explicit CUnicodeStringBuffer(unsigned long increment = 64);

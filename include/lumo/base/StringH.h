@@ -10,15 +10,15 @@ namespace base {
 
 class CString;
 
-// 8-bit text kept in a relocatable handle of the platform's handle memory manager.
-// Each string owns its handle: no sharing, no copy-on-write. The lock count lets a
-// holder mark the text as in use while it keeps a pointer into the handle; it is
-// advisory, no operation checks it. When the manager cannot supply memory, the
-// operation raises CMemoryException and the string keeps its handle and contents.
+/// 8-bit text kept in a relocatable handle of the platform's handle memory manager.
+/// Each string owns its handle: no sharing, no copy-on-write. The lock count lets a
+/// holder mark the text as in use while it keeps a pointer into the handle; it is
+/// advisory, no operation checks it. When the manager cannot supply memory, the
+/// operation raises CMemoryException and the string keeps its handle and contents.
 class LUMO_API CStringH {
 public:
     CStringH() noexcept : m_handle(nullptr), m_capacity(0), m_length(0), m_locks(0) {}
-    // A null text is stored as an empty one.
+    /// A null text is stored as an empty one.
     CStringH(char const* s);
     CStringH(CString const& s);
     CStringH(CStringH const& other);
@@ -28,21 +28,21 @@ public:
     CStringH& operator=(CString const& s);
     CStringH& operator=(CStringH const& other);
 
-    // The characters at the handle; null when there is no handle yet. After Empty()
-    // the text may still show characters: the length is what counts.
+    /// The characters at the handle; null when there is no handle yet. After Empty()
+    /// the text may still show characters: the length is what counts.
     operator char const*() const;
     unsigned long GetLength() const noexcept { return m_length; }
     bool IsEmpty() const noexcept { return m_length == 0; }
-    // With a handle and a length above 0: the first byte becomes the digit '0' (not
-    // the terminator) and the length 0. Otherwise nothing happens.
+    /// With a handle and a length above 0: the first byte becomes the digit '0' (not
+    /// the terminator) and the length 0. Otherwise nothing happens.
     void Empty();
 
-    // Return the new lock count; Unlock never goes below 0.
+    /// Return the new lock count; Unlock never goes below 0.
     unsigned long Lock() const noexcept { return ++m_locks; }
     unsigned long Unlock() const noexcept { return m_locks == 0 ? 0 : --m_locks; }
 
-    // Against a null or empty text: 1 when this string has a length, else 0;
-    // otherwise -1 when this string is empty, else the platform comparison (with case).
+    /// Against a null or empty text: 1 when this string has a length, else 0;
+    /// otherwise -1 when this string is empty, else the platform comparison (with case).
     int Compare(char const* s) const;
     int Compare(CStringH const& s) const;
     int Compare(CString const& s) const;

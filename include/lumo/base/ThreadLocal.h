@@ -6,26 +6,26 @@
 namespace lumo {
 namespace base {
 
-// A thread-local slot of the platform (lumo::base::win::CWinThreadLocalImpl).
+/// A thread-local slot of the platform (lumo::base::win::CWinThreadLocalImpl).
 class LUMO_API CThreadLocalImpl : public CBase {
 public:
     virtual ~CThreadLocalImpl();
-    // Allocates the slot; every thread's value starts null.
+    /// Allocates the slot; every thread's value starts null.
     virtual void Allocate() = 0;
     virtual void* GetValue() = 0;
     virtual void SetValue(void* value) = 0;
 };
 
-// One pointer per thread. The slot is allocated when the holder is made and freed
-// when it is destroyed (values still stored are dropped, not deleted).
+/// One pointer per thread. The slot is allocated when the holder is made and freed
+/// when it is destroyed (values still stored are dropped, not deleted).
 class LUMO_API CThreadLocal : public CBase {
 public:
-    // CWinSystemErrorException "There is no available free TLS slot." when the
-    // process has used up its slots.
+    /// CWinSystemErrorException "There is no available free TLS slot." when the
+    /// process has used up its slots.
     CThreadLocal();
     ~CThreadLocal();
 
-    // The calling thread's value (null until it sets one).
+    /// The calling thread's value (null until it sets one).
     void* Get() const;
     void Set(void* value);
 

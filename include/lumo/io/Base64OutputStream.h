@@ -7,27 +7,27 @@
 namespace lumo {
 namespace io {
 
-// Encodes the bytes written as base64 text (standard alphabet, "=" padding) on the
-// wrapped stream, in lines of `lineLength` characters separated by CR LF (0: one
-// line). The raw-pointer form borrows the wrapped stream, the CRef form shares it.
+/// Encodes the bytes written as base64 text (standard alphabet, "=" padding) on the
+/// wrapped stream, in lines of `lineLength` characters separated by CR LF (0: one
+/// line). The raw-pointer form borrows the wrapped stream, the CRef form shares it.
 class LUMO_API CBase64OutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CBase64OutputStream);
 
 public:
-    // A null stream throws CIllegalArgumentException "Invalid output stream.".
+    /// A null stream throws CIllegalArgumentException "Invalid output stream.".
     CBase64OutputStream(COutputStream* out, unsigned long lineLength);
     CBase64OutputStream(base::CRef<COutputStream> const& out, unsigned long lineLength);
     ~CBase64OutputStream() override;
 
-    // Writes and Flush throw CIOException "Stream closed." after Close.
+    /// Writes and Flush throw CIOException "Stream closed." after Close.
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
-    // Encodes a waiting group of 1 or 2 bytes at once, with its padding, then flushes
-    // the wrapped stream. A Flush in the middle of the data thus ends a quantum early.
+    /// Encodes a waiting group of 1 or 2 bytes at once, with its padding, then flushes
+    /// the wrapped stream. A Flush in the middle of the data thus ends a quantum early.
     void Flush() override;
-    // Encodes a waiting group and closes the wrapped stream; a second Close does
-    // nothing.
+    /// Encodes a waiting group and closes the wrapped stream; a second Close does
+    /// nothing.
     void Close() override;
 
 protected:

@@ -7,30 +7,30 @@
 namespace lumo {
 namespace io {
 
-// Reads the wrapped stream in blocks of the buffer's size. The raw-pointer form
-// borrows the wrapped stream (the caller keeps it alive and deletes it); the CRef
-// form shares it. Close closes the wrapped stream; the destructor never does.
+/// Reads the wrapped stream in blocks of the buffer's size. The raw-pointer form
+/// borrows the wrapped stream (the caller keeps it alive and deletes it); the CRef
+/// form shares it. Close closes the wrapped stream; the destructor never does.
 class LUMO_API CBufferedInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CBufferedInputStream);
 
 public:
-    // A null stream throws CIllegalArgumentException "Invalid input stream."; a size
-    // of 0 means 512 bytes; a buffer that cannot be allocated throws
-    // CMemoryException.
+    /// A null stream throws CIllegalArgumentException "Invalid input stream."; a size
+    /// of 0 means 512 bytes; a buffer that cannot be allocated throws
+    /// CMemoryException.
     CBufferedInputStream(CInputStream* in, unsigned long size);
     CBufferedInputStream(base::CRef<CInputStream> const& in, unsigned long size);
     ~CBufferedInputStream() override;
 
-    // Every operation throws CIOException "Stream closed." after Close.
+    /// Every operation throws CIOException "Stream closed." after Close.
     unsigned long GetAvailable() const override;
-    // Refills at most once per call and returns 0 (not -1) at the end. A request
-    // larger than the buffer goes straight to the wrapped stream, ahead of any bytes
-    // still waiting here.
+    /// Refills at most once per call and returns 0 (not -1) at the end. A request
+    /// larger than the buffer goes straight to the wrapped stream, ahead of any bytes
+    /// still waiting here.
     long Read(char* buf, unsigned long off, unsigned long len) override;
     long Read(char* buf, unsigned long len) override;
     long Read() override;
     long Skip(unsigned long n) override;
-    // Drops the buffered bytes and resets the wrapped stream.
+    /// Drops the buffered bytes and resets the wrapped stream.
     void Reset() override;
     void Close() override;
 

@@ -7,29 +7,29 @@
 namespace lumo {
 namespace io {
 
-// Collects small writes into one block write on the wrapped stream. The raw-pointer
-// form borrows the wrapped stream, the CRef form shares it. The destructor neither
-// flushes nor closes: bytes still waiting are lost unless Flush or Close was called.
+/// Collects small writes into one block write on the wrapped stream. The raw-pointer
+/// form borrows the wrapped stream, the CRef form shares it. The destructor neither
+/// flushes nor closes: bytes still waiting are lost unless Flush or Close was called.
 class LUMO_API CBufferedOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CBufferedOutputStream);
 
 public:
-    // A null stream throws CIllegalArgumentException "Invalid output stream."; a
-    // size of 0 throws "Invaid buffer size."; a buffer that cannot be allocated
-    // throws CMemoryException.
+    /// A null stream throws CIllegalArgumentException "Invalid output stream."; a
+    /// size of 0 throws "Invaid buffer size."; a buffer that cannot be allocated
+    /// throws CMemoryException.
     CBufferedOutputStream(COutputStream* out, unsigned long size);
     CBufferedOutputStream(base::CRef<COutputStream> const& out, unsigned long size);
     ~CBufferedOutputStream() override;
 
-    // Writes and Flush throw CIOException "Stream closed." after Close. A null or
-    // unreadable block is ignored. A block at least as large as the buffer goes
-    // straight through after the waiting bytes.
+    /// Writes and Flush throw CIOException "Stream closed." after Close. A null or
+    /// unreadable block is ignored. A block at least as large as the buffer goes
+    /// straight through after the waiting bytes.
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
     void Flush() override;
-    // Writes the waiting bytes and closes the wrapped stream; a second Close does
-    // nothing.
+    /// Writes the waiting bytes and closes the wrapped stream; a second Close does
+    /// nothing.
     void Close() override;
 
 protected:

@@ -7,14 +7,14 @@
 namespace lumo {
 namespace io {
 
-// Reads the wrapped reader in blocks of the buffer's size. The raw-pointer form
-// borrows the reader, the CRef form shares it; Close closes it.
+/// Reads the wrapped reader in blocks of the buffer's size. The raw-pointer form
+/// borrows the reader, the CRef form shares it; Close closes it.
 class LUMO_API CBufferedReader : public CReader {
     LUMO_DECLARE_CLASS(CBufferedReader);
 
 public:
-    // `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
-    // reader."; size 0: "Invalid buffer size."; no memory: CMemoryException.
+    /// `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
+    /// reader."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedReader(CReader* reader, unsigned long size);
     CBufferedReader(base::CRef<CReader> const& reader, unsigned long size);
     ~CBufferedReader() override;
@@ -22,25 +22,25 @@ public:
     CBufferedReader(CBufferedReader const&) = delete;
     CBufferedReader& operator=(CBufferedReader const&) = delete;
 
-    // A request larger than the buffer goes straight to the wrapped reader (units
-    // still buffered wait for the next read); otherwise the buffer is refilled at
-    // most once. -1 only when nothing was left at all.
+    /// A request larger than the buffer goes straight to the wrapped reader (units
+    /// still buffered wait for the next read); otherwise the buffer is refilled at
+    /// most once. -1 only when nothing was left at all.
     long Read(unsigned short* buf, unsigned long off, unsigned long len) override;
     long Read(unsigned short* buf, unsigned long len) override;
     long Read() override;
-    // Buffered units first, then the wrapped reader's Skip for the rest (whose
-    // result is added as that reader reports it).
+    /// Buffered units first, then the wrapped reader's Skip for the rest (whose
+    /// result is added as that reader reports it).
     long Skip(unsigned long n) override;
-    // Drops the buffer and resets the wrapped reader.
+    /// Drops the buffer and resets the wrapped reader.
     void Reset() override;
-    // Closes the wrapped reader; this reader is closed even when that throws.
+    /// Closes the wrapped reader; this reader is closed even when that throws.
     void Close() override;
 
 private:
     void Init(unsigned long size);
     void CheckOpen() const;
-    // Moves the unread rest to the front and reads once into the free part; false
-    // when the wrapped reader reported the end.
+    /// Moves the unread rest to the front and reads once into the free part; false
+    /// when the wrapped reader reported the end.
     bool FillBuffer();
 
     CReader* m_reader;

@@ -7,15 +7,15 @@
 namespace lumo {
 namespace io {
 
-// Collects small writes into block writes on the wrapped writer. The raw-pointer
-// form borrows the writer, the CRef form shares it. The destructor neither flushes
-// nor closes: units still buffered are lost unless Flush or Close was called.
+/// Collects small writes into block writes on the wrapped writer. The raw-pointer
+/// form borrows the writer, the CRef form shares it. The destructor neither flushes
+/// nor closes: units still buffered are lost unless Flush or Close was called.
 class LUMO_API CBufferedWriter : public CWriter {
     LUMO_DECLARE_CLASS(CBufferedWriter);
 
 public:
-    // `size` in 16-bit units. A null writer: CIllegalArgumentException "Invalid
-    // writer."; size 0: "Invalid buffer size."; no memory: CMemoryException.
+    /// `size` in 16-bit units. A null writer: CIllegalArgumentException "Invalid
+    /// writer."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedWriter(CWriter* writer, unsigned long size);
     CBufferedWriter(base::CRef<CWriter> const& writer, unsigned long size);
     ~CBufferedWriter() override;
@@ -25,21 +25,21 @@ public:
 
     void Write(base::CUnicodeString const& s, unsigned long off, unsigned long len) override;
     void Write(base::CUnicodeString const& s) override;
-    // A block smaller than the buffer is copied in, the buffer going out whenever it
-    // becomes full; a larger one goes straight to the wrapped writer after the
-    // buffer. A null block writes nothing.
+    /// A block smaller than the buffer is copied in, the buffer going out whenever it
+    /// becomes full; a larger one goes straight to the wrapped writer after the
+    /// buffer. A null block writes nothing.
     void Write(unsigned short const* buf, unsigned long off, unsigned long len) override;
     void Write(unsigned short const* buf, unsigned long len) override;
     void Write(unsigned short const* text) override;
     void Write(unsigned short c) override;
-    // The buffer, then the wrapped writer's Flush.
+    /// The buffer, then the wrapped writer's Flush.
     void Flush() override;
-    // Writes the buffer out and closes the wrapped writer (which is closed even when
-    // the buffer cannot be written); a second Close does nothing.
+    /// Writes the buffer out and closes the wrapped writer (which is closed even when
+    /// the buffer cannot be written); a second Close does nothing.
     void Close() override;
 
 protected:
-    // One block write of the waiting units, if any.
+    /// One block write of the waiting units, if any.
     void FlushBuffer();
     void InternalWrite(unsigned short const* buf, unsigned long off, unsigned long len);
     void InternalClose();

@@ -6,7 +6,7 @@
 namespace lumo {
 namespace io {
 
-// A print stream whose lines end in CR LF on every platform.
+/// A print stream whose lines end in CR LF on every platform.
 class LUMO_API CCRLFPrintStream : public CPrintStream {
     LUMO_DECLARE_CLASS(CCRLFPrintStream);
 

@@ -11,35 +11,35 @@
 namespace lumo {
 namespace io {
 
-// Reads typed values written by CDataOutputStream: big-endian integers, floats and
-// doubles in the host's (little-endian) byte order, strings as a 32-bit big-endian
-// byte count and UTF-8. Each value is one read on the wrapped stream; a short read
-// or the end of the data is not reported (check GetAvailable when it matters).
-// The raw-pointer form borrows the wrapped stream, the CRef form shares it.
+/// Reads typed values written by CDataOutputStream: big-endian integers, floats and
+/// doubles in the host's (little-endian) byte order, strings as a 32-bit big-endian
+/// byte count and UTF-8. Each value is one read on the wrapped stream; a short read
+/// or the end of the data is not reported (check GetAvailable when it matters).
+/// The raw-pointer form borrows the wrapped stream, the CRef form shares it.
 class LUMO_API CDataInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CDataInputStream);
 
 public:
-    // A null stream throws CIllegalArgumentException "Invalid input stream.".
+    /// A null stream throws CIllegalArgumentException "Invalid input stream.".
     explicit CDataInputStream(CInputStream* in);
     explicit CDataInputStream(base::CRef<CInputStream> const& in);
     ~CDataInputStream() override;
 
-    // Pass-through operations; like every typed read they throw CIOException
-    // "Stream closed." after Close.
+    /// Pass-through operations; like every typed read they throw CIOException
+    /// "Stream closed." after Close.
     unsigned long GetAvailable() const override;
     long Read(char* buf, unsigned long off, unsigned long len) override;
     long Read(char* buf, unsigned long len) override;
     long Read() override;
     long Skip(unsigned long n) override;
     void Reset() override;
-    // Closes the wrapped stream; a second Close does nothing.
+    /// Closes the wrapped stream; a second Close does nothing.
     void Close() override;
 
-    // True only for the byte 1.
+    /// True only for the byte 1.
     virtual bool ReadBool();
-    // The low 8 bits of one Read(): signed for ReadByte, unsigned for ReadSByte (the
-    // names are the other way round from the types, and stay so).
+    /// The low 8 bits of one Read(): signed for ReadByte, unsigned for ReadSByte (the
+    /// names are the other way round from the types, and stay so).
     virtual char ReadByte();
     virtual unsigned char ReadSByte();
     virtual short ReadInt16();
@@ -65,12 +65,12 @@ public:
 
 protected:
     void CheckOpen() const;
-    // Reads `count` bytes (fewer at the end) into `buf`, zeroing what is not read.
+    /// Reads `count` bytes (fewer at the end) into `buf`, zeroing what is not read.
     void ReadRaw(unsigned char* buf, unsigned long count);
-    // Big-endian counts and integers.
+    /// Big-endian counts and integers.
     std::uint16_t ReadBig16();
     std::uint32_t ReadBig32();
-    // Reads a string of `count` UTF-8 bytes.
+    /// Reads a string of `count` UTF-8 bytes.
     base::CUnicodeString ReadUTF8(unsigned long count);
 
     CInputStream* m_in;

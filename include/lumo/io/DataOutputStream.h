@@ -9,41 +9,41 @@
 namespace lumo {
 namespace io {
 
-// Writes typed values without tags or padding: bool as 1 byte (1 or 0), 16- and
-// 32-bit integers big-endian, floats and doubles in the host's (little-endian) byte
-// order, strings as a 32-bit big-endian byte count and their UTF-8 bytes. The
-// raw-pointer form borrows the wrapped stream, the CRef form shares it.
+/// Writes typed values without tags or padding: bool as 1 byte (1 or 0), 16- and
+/// 32-bit integers big-endian, floats and doubles in the host's (little-endian) byte
+/// order, strings as a 32-bit big-endian byte count and their UTF-8 bytes. The
+/// raw-pointer form borrows the wrapped stream, the CRef form shares it.
 class LUMO_API CDataOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CDataOutputStream);
 
 public:
-    // A null stream throws CIllegalArgumentException "Invalid output stream.".
+    /// A null stream throws CIllegalArgumentException "Invalid output stream.".
     explicit CDataOutputStream(COutputStream* out);
     explicit CDataOutputStream(base::CRef<COutputStream> const& out);
     ~CDataOutputStream() override;
 
-    // Pass-through operations; like every typed write they throw CIOException
-    // "Stream closed." after Close.
+    /// Pass-through operations; like every typed write they throw CIOException
+    /// "Stream closed." after Close.
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
     void Flush() override;
-    // Closes the wrapped stream; a second Close does nothing.
+    /// Closes the wrapped stream; a second Close does nothing.
     void Close() override;
 
     virtual void WriteBool(bool value);
     virtual void WriteByte(char value);
     virtual void WriteUByte(unsigned char value);
     virtual void WriteInt16(short value);
-    // The low 32 bits.
+    /// The low 32 bits.
     virtual void WriteInt32(long value);
     virtual void WriteUInt16(unsigned short value);
     virtual void WriteUInt32(unsigned long value);
     virtual void WriteFloat(float value);
     virtual void WriteDouble(double value);
     virtual void WriteString(base::CUnicodeString const& value);
-    // A null or empty text writes nothing at all, not even a count (unlike an empty
-    // CUnicodeString): a reader expecting a string there reads the next value's bytes.
+    /// A null or empty text writes nothing at all, not even a count (unlike an empty
+    /// CUnicodeString): a reader expecting a string there reads the next value's bytes.
     virtual void WriteString(unsigned short const* value);
     virtual void WriteObject(ISerializable const& object);
 

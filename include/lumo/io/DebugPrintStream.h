@@ -6,13 +6,13 @@
 namespace lumo {
 namespace io {
 
-// Sends each printed value to the debug output (Vela::DBPrintf), one call per value.
-// Raw writes are refused with CIOException "Unsupported on class CDebugPrintStream.".
-// After Close every operation but Close throws "Stream closed.".
-//
-// Two formats are kept as they have always been: Print(unsigned long) prints the
-// letters "lu" and not the value, and Print(double) prints the low 32 bits of the
-// value's IEEE bits as a signed decimal, as "%ld" did on the 32-bit platforms.
+/// Sends each printed value to the debug output (Vela::DBPrintf), one call per value.
+/// Raw writes are refused with CIOException "Unsupported on class CDebugPrintStream.".
+/// After Close every operation but Close throws "Stream closed.".
+///
+/// Two formats are kept as they have always been: Print(unsigned long) prints the
+/// letters "lu" and not the value, and Print(double) prints the low 32 bits of the
+/// value's IEEE bits as a signed decimal, as "%ld" did on the 32-bit platforms.
 class LUMO_API CDebugPrintStream : public CPrintStream {
     LUMO_DECLARE_CLASS(CDebugPrintStream);
 
@@ -43,7 +43,7 @@ public:
     void Println(float value) override;
     void Println(double value) override;
     void Println(char value) override;
-    // Prints only a non-empty text.
+    /// Prints only a non-empty text.
     void Println(char const* value) override;
     void Println(base::CString const& value) override;
     void Println() override;

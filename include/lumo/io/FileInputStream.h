@@ -8,32 +8,32 @@
 namespace lumo {
 namespace io {
 
-// Reads the bytes of a file, unbuffered (wrap it in a CBufferedInputStream for
-// small reads). Every operation throws CIOException "Stream closed." once closed.
+/// Reads the bytes of a file, unbuffered (wrap it in a CBufferedInputStream for
+/// small reads). Every operation throws CIOException "Stream closed." once closed.
 class LUMO_API CFileInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CFileInputStream);
 
 public:
-    // An empty or illegal location throws CIOException "Illegal file location.";
-    // a refused permission "Access denied."; any other failure (a missing file, a
-    // directory) "An error occured while trying to open file.".
+    /// An empty or illegal location throws CIOException "Illegal file location.";
+    /// a refused permission "Access denied."; any other failure (a missing file, a
+    /// directory) "An error occured while trying to open file.".
     explicit CFileInputStream(IO::Location const& location);
     ~CFileInputStream() override;
 
     CFileInputStream(CFileInputStream const&) = delete;
     CFileInputStream& operator=(CFileInputStream const&) = delete;
 
-    // Bytes from the position to the end; a count of 2^32 or more throws
-    // "64-bit file sizes not supported".
+    /// Bytes from the position to the end; a count of 2^32 or more throws
+    /// "64-bit file sizes not supported".
     unsigned long GetAvailable() const override;
-    // -1 at the end. A null buffer skips instead.
+    /// -1 at the end. A null buffer skips instead.
     long Read(char* buf, unsigned long off, unsigned long len) override;
     long Read(char* buf, unsigned long len) override;
-    // The byte sign-extended, or EOS at the end.
+    /// The byte sign-extended, or EOS at the end.
     long Read() override;
-    // Skips at most to the end and returns the number of bytes skipped.
+    /// Skips at most to the end and returns the number of bytes skipped.
     long Skip(unsigned long n) override;
-    // Back to the start of the file.
+    /// Back to the start of the file.
     void Reset() override;
     void Close() override;
 

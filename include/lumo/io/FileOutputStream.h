@@ -8,24 +8,24 @@
 namespace lumo {
 namespace io {
 
-// Writes bytes to a file, unbuffered (wrap it in a CBufferedOutputStream for small
-// writes). A missing file is created; an existing one is emptied first unless
-// `append` is given, in which case every write goes to its end. Every operation
-// throws CIOException "Stream closed." once closed.
+/// Writes bytes to a file, unbuffered (wrap it in a CBufferedOutputStream for small
+/// writes). A missing file is created; an existing one is emptied first unless
+/// `append` is given, in which case every write goes to its end. Every operation
+/// throws CIOException "Stream closed." once closed.
 class LUMO_API CFileOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CFileOutputStream);
 
 public:
-    // An empty or illegal location throws CIOException "Illegal file location.";
-    // a refused permission "Access denied."; any other failure "Failed to open the
-    // underlying file.".
+    /// An empty or illegal location throws CIOException "Illegal file location.";
+    /// a refused permission "Access denied."; any other failure "Failed to open the
+    /// underlying file.".
     CFileOutputStream(IO::Location const& location, bool append);
     ~CFileOutputStream() override;
 
     CFileOutputStream(CFileOutputStream const&) = delete;
     CFileOutputStream& operator=(CFileOutputStream const&) = delete;
 
-    // A null block writes nothing.
+    /// A null block writes nothing.
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;

@@ -8,27 +8,27 @@
 namespace lumo {
 namespace io {
 
-// Reads a file of UTF-16 units stored as they are: two bytes a unit, low byte
-// first, no byte-order mark. Counts and positions are in units. Every operation
-// throws CIOException "Reader closed." once closed.
+/// Reads a file of UTF-16 units stored as they are: two bytes a unit, low byte
+/// first, no byte-order mark. Counts and positions are in units. Every operation
+/// throws CIOException "Reader closed." once closed.
 class LUMO_API CFileReader : public CReader {
     LUMO_DECLARE_CLASS(CFileReader);
 
 public:
-    // As CFileInputStream, except that other open failures throw "Failed to open the
-    // underlying file."; a file of odd length throws "Invalid unicode file: the file
-    // length must be even.".
+    /// As CFileInputStream, except that other open failures throw "Failed to open the
+    /// underlying file."; a file of odd length throws "Invalid unicode file: the file
+    /// length must be even.".
     explicit CFileReader(IO::Location const& location);
     ~CFileReader() override;
 
     CFileReader(CFileReader const&) = delete;
     CFileReader& operator=(CFileReader const&) = delete;
 
-    // -1 at the end. A null buffer skips instead.
+    /// -1 at the end. A null buffer skips instead.
     long Read(unsigned short* buf, unsigned long off, unsigned long len) override;
     long Read(unsigned short* buf, unsigned long len) override;
     long Read() override;
-    // Skips at most to the end and returns the number of units skipped.
+    /// Skips at most to the end and returns the number of units skipped.
     long Skip(unsigned long n) override;
     void Reset() override;
     void Close() override;

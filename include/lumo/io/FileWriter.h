@@ -8,16 +8,16 @@
 namespace lumo {
 namespace io {
 
-// Writes UTF-16 units to a file as they are: two bytes a unit, low byte first, no
-// byte-order mark. A missing file is created, an existing one emptied first. Every
-// operation throws CIOException "Writer closed." once closed.
+/// Writes UTF-16 units to a file as they are: two bytes a unit, low byte first, no
+/// byte-order mark. A missing file is created, an existing one emptied first. Every
+/// operation throws CIOException "Writer closed." once closed.
 class LUMO_API CFileWriter : public CWriter {
     LUMO_DECLARE_CLASS(CFileWriter);
 
 public:
-    // An empty or illegal location throws CIOException "Illegal file location.";
-    // a refused permission "Access denied."; any other failure "Failed to open the
-    // underlying file.".
+    /// An empty or illegal location throws CIOException "Illegal file location.";
+    /// a refused permission "Access denied."; any other failure "Failed to open the
+    /// underlying file.".
     explicit CFileWriter(IO::Location const& location);
     ~CFileWriter() override;
 
@@ -25,7 +25,7 @@ public:
     CFileWriter& operator=(CFileWriter const&) = delete;
 
     using CWriter::Write;
-    // A null block writes nothing.
+    /// A null block writes nothing.
     void Write(unsigned short const* buf, unsigned long off, unsigned long len) override;
     void Write(unsigned short c) override;
     void Flush() override;

@@ -11,7 +11,7 @@ LUMO_EXCEPTION_2(CCharConversionException, CIOException);
 LUMO_EXCEPTION_2(CInterruptedIOException, CIOException);
 LUMO_EXCEPTION_2(CXMLException, CIOException);
 
-// A UTF-16 unit that an encoder cannot represent.
+/// A UTF-16 unit that an encoder cannot represent.
 class LUMO_API CUnknownCharacterException : public CCharConversionException {
     LUMO_DECLARE_CLASS(CUnknownCharacterException);
 

@@ -6,27 +6,27 @@
 namespace lumo {
 namespace io {
 
-// Abstract source of bytes. The single-byte Read() returns the byte sign-extended
-// (0xFF comes back as -1) and EOS at the end; the block reads return -1 at the end.
+/// Abstract source of bytes. The single-byte Read() returns the byte sign-extended
+/// (0xFF comes back as -1) and EOS at the end; the block reads return -1 at the end.
 class LUMO_API CInputStream : public base::CObject {
     LUMO_DECLARE_CLASS(CInputStream);
 
 public:
-    // End of data for the single-byte Read(); deliberately distinct from the -1 of
-    // the block reads and from every sign-extended byte.
+    /// End of data for the single-byte Read(); deliberately distinct from the -1 of
+    /// the block reads and from every sign-extended byte.
     static constexpr long EOS = 0xFFFF;
 
     ~CInputStream() override;
 
     virtual unsigned long GetAvailable() const = 0;
-    // Up to `len` bytes into buf[off..]; the count read, or -1 at the end.
+    /// Up to `len` bytes into buf[off..]; the count read, or -1 at the end.
     virtual long Read(char* buf, unsigned long off, unsigned long len) = 0;
-    // Read(buf, 0, len) through the slot.
+    /// Read(buf, 0, len) through the slot.
     virtual long Read(char* buf, unsigned long len);
-    // One byte through the block read: EOS at the end, else the byte sign-extended.
+    /// One byte through the block read: EOS at the end, else the byte sign-extended.
     virtual long Read();
-    // Skips by single reads and returns the number of bytes NOT skipped (0 when all
-    // n were consumed). Concrete streams return the number skipped instead.
+    /// Skips by single reads and returns the number of bytes NOT skipped (0 when all
+    /// n were consumed). Concrete streams return the number skipped instead.
     virtual long Skip(unsigned long n);
     virtual void Reset() = 0;
     virtual void Close() = 0;

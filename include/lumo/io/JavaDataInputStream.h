@@ -6,8 +6,8 @@
 namespace lumo {
 namespace io {
 
-// A data input stream whose strings carry a 16-bit big-endian byte count, as Java's
-// DataOutputStream.writeUTF writes them.
+/// A data input stream whose strings carry a 16-bit big-endian byte count, as Java's
+/// DataOutputStream.writeUTF writes them.
 class LUMO_API CJavaDataInputStream : public CDataInputStream {
     LUMO_DECLARE_CLASS(CJavaDataInputStream);
 

@@ -6,9 +6,9 @@
 namespace lumo {
 namespace io {
 
-// A data output stream whose strings carry a 16-bit big-endian byte count, as Java's
-// DataInputStream.readUTF expects them. Floats and doubles keep the host byte order
-// of the native form.
+/// A data output stream whose strings carry a 16-bit big-endian byte count, as Java's
+/// DataInputStream.readUTF expects them. Floats and doubles keep the host byte order
+/// of the native form.
 class LUMO_API CJavaDataOutputStream : public CDataOutputStream {
     LUMO_DECLARE_CLASS(CJavaDataOutputStream);
 
@@ -17,8 +17,8 @@ public:
     explicit CJavaDataOutputStream(base::CRef<COutputStream> const& out);
     ~CJavaDataOutputStream() override;
 
-    // A UTF-8 form longer than 65535 bytes throws CIOException "The specified string
-    // is too long." and writes nothing.
+    /// A UTF-8 form longer than 65535 bytes throws CIOException "The specified string
+    /// is too long." and writes nothing.
     void WriteString(base::CUnicodeString const& value) override;
     void WriteString(unsigned short const* value) override;
 };

@@ -8,34 +8,34 @@ namespace io {
 
 class CNativeFile;
 
-// Writes bytes straight to a file through the platform's own file calls, without
-// buffering. The file is created when missing and never truncated: without
-// `append` writing starts at offset 0 and overwrites, so bytes of an older, longer
-// file beyond the last one written remain. With `append` writing starts at the end
-// the file had when it was opened.
+/// Writes bytes straight to a file through the platform's own file calls, without
+/// buffering. The file is created when missing and never truncated: without
+/// `append` writing starts at offset 0 and overwrites, so bytes of an older, longer
+/// file beyond the last one written remain. With `append` writing starts at the end
+/// the file had when it was opened.
 class LUMO_API CNativeFileOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CNativeFileOutputStream);
 
 public:
-    // A null or empty (or not well-formed) UTF-16 path throws
-    // CIllegalArgumentException "Invalid file path."; a refused permission
-    // CIOException "Access denied."; any other failure "Failed to open the specified
-    // file.".
+    /// A null or empty (or not well-formed) UTF-16 path throws
+    /// CIllegalArgumentException "Invalid file path."; a refused permission
+    /// CIOException "Access denied."; any other failure "Failed to open the specified
+    /// file.".
     CNativeFileOutputStream(unsigned short const* path, bool append);
-    // Closes the file if still open.
+    /// Closes the file if still open.
     ~CNativeFileOutputStream() override;
 
     CNativeFileOutputStream(CNativeFileOutputStream const&) = delete;
     CNativeFileOutputStream& operator=(CNativeFileOutputStream const&) = delete;
 
-    // CIOException "Stream closed." once closed; "Failed to write the specified byte
-    // the the underlying file." when not every byte could be written.
+    /// CIOException "Stream closed." once closed; "Failed to write the specified byte
+    /// the the underlying file." when not every byte could be written.
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
-    // Makes the platform write the file's data through to the device.
+    /// Makes the platform write the file's data through to the device.
     void Flush() override;
-    // Never throws; a second Close does nothing.
+    /// Never throws; a second Close does nothing.
     void Close() override;
 
 private:

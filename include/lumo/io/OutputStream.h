@@ -6,8 +6,8 @@
 namespace lumo {
 namespace io {
 
-// Abstract sink of bytes. The block writes default to one Write(char) per byte and
-// ignore a null buffer.
+/// Abstract sink of bytes. The block writes default to one Write(char) per byte and
+/// ignore a null buffer.
 class LUMO_API COutputStream : public base::CObject {
     LUMO_DECLARE_CLASS(COutputStream);
 

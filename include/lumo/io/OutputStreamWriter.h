@@ -10,16 +10,16 @@
 namespace lumo {
 namespace io {
 
-// Turns UTF-16 units into bytes of a named encoding on a byte stream, collecting
-// the bytes in a buffer (8196 bytes to begin with). The raw-pointer form borrows the
-// stream, the CRef form shares it. The destructor neither flushes nor closes.
+/// Turns UTF-16 units into bytes of a named encoding on a byte stream, collecting
+/// the bytes in a buffer (8196 bytes to begin with). The raw-pointer form borrows the
+/// stream, the CRef form shares it. The destructor neither flushes nor closes.
 class LUMO_API COutputStreamWriter : public CWriter {
     LUMO_DECLARE_CLASS(COutputStreamWriter);
 
 public:
-    // A null stream: CIllegalArgumentException "Invalid output stream.."; a null or
-    // empty encoding: "Invalid encoding."; an unknown one:
-    // CUnsupportedEncodingException; no memory: CMemoryException.
+    /// A null stream: CIllegalArgumentException "Invalid output stream.."; a null or
+    /// empty encoding: "Invalid encoding."; an unknown one:
+    /// CUnsupportedEncodingException; no memory: CMemoryException.
     COutputStreamWriter(COutputStream* out, char const* encoding);
     COutputStreamWriter(base::CRef<COutputStream> const& out, char const* encoding);
     ~COutputStreamWriter() override;
@@ -27,30 +27,30 @@ public:
     COutputStreamWriter(COutputStreamWriter const&) = delete;
     COutputStreamWriter& operator=(COutputStreamWriter const&) = delete;
 
-    // The encoding name as given.
+    /// The encoding name as given.
     base::CString const& GetEncoding() const { return m_encoding; }
 
-    // Every write throws CIOException "Writer closed." after Close. A null block
-    // writes nothing.
+    /// Every write throws CIOException "Writer closed." after Close. A null block
+    /// writes nothing.
     void Write(base::CUnicodeString const& s, unsigned long off, unsigned long len) override;
     void Write(base::CUnicodeString const& s) override;
     void Write(unsigned short const* buf, unsigned long off, unsigned long len) override;
     void Write(unsigned short const* buf, unsigned long len) override;
     void Write(unsigned short const* text) override;
     void Write(unsigned short c) override;
-    // The waiting bytes, then the stream's Flush.
+    /// The waiting bytes, then the stream's Flush.
     void Flush() override;
-    // Writes the waiting bytes and closes the stream (which is closed even when the
-    // bytes cannot be written); a second Close does nothing.
+    /// Writes the waiting bytes and closes the stream (which is closed even when the
+    /// bytes cannot be written); a second Close does nothing.
     void Close() override;
 
 protected:
-    // One block write of the waiting bytes, if any.
+    /// One block write of the waiting bytes, if any.
     void FlushBuffer();
-    // Converts in one piece into the free part of the buffer if it can; otherwise
-    // writes the buffer out once to make room, and doubles the buffer only when
-    // even an empty one cannot hold the converted text (CIOException "Memory full."
-    // when that fails).
+    /// Converts in one piece into the free part of the buffer if it can; otherwise
+    /// writes the buffer out once to make room, and doubles the buffer only when
+    /// even an empty one cannot hold the converted text (CIOException "Memory full."
+    /// when that fails).
     void InternalWrite(unsigned short const* buf, unsigned long off, unsigned long len);
     void InternalClose();
 

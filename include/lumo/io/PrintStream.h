@@ -8,17 +8,17 @@
 namespace lumo {
 namespace io {
 
-// Writes the text form of values to the wrapped stream: "%hd", "%ld", "%lu", "%g"
-// for float and double, true/false for bool, strings as their bytes. Println adds the
-// line separator (the platform's end of line unless changed), and with autoflush
-// flushes the wrapped stream after it. The raw-pointer form borrows the wrapped
-// stream, the CRef form shares it. Every operation throws CIOException "Stream
-// closed." after Close.
+/// Writes the text form of values to the wrapped stream: "%hd", "%ld", "%lu", "%g"
+/// for float and double, true/false for bool, strings as their bytes. Println adds the
+/// line separator (the platform's end of line unless changed), and with autoflush
+/// flushes the wrapped stream after it. The raw-pointer form borrows the wrapped
+/// stream, the CRef form shares it. Every operation throws CIOException "Stream
+/// closed." after Close.
 class LUMO_API CPrintStream : public COutputStream {
     LUMO_DECLARE_CLASS(CPrintStream);
 
 public:
-    // A null stream throws CIllegalArgumentException "Invalid output stream.".
+    /// A null stream throws CIllegalArgumentException "Invalid output stream.".
     CPrintStream(COutputStream* out, bool autoFlush);
     CPrintStream(base::CRef<COutputStream> const& out, bool autoFlush);
     ~CPrintStream() override;
@@ -27,7 +27,7 @@ public:
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
     void Flush() override;
-    // Closes the wrapped stream; a second Close does nothing.
+    /// Closes the wrapped stream; a second Close does nothing.
     void Close() override;
 
     virtual void Print(bool value);
@@ -37,7 +37,7 @@ public:
     virtual void Print(float value);
     virtual void Print(double value);
     virtual void Print(char value);
-    // A null text prints nothing.
+    /// A null text prints nothing.
     virtual void Print(char const* value);
     virtual void Print(base::CString const& value);
 
@@ -56,7 +56,7 @@ public:
     void SetLineSeparator(base::CString const& separator) { m_lineSeparator = separator; }
 
 protected:
-    // For streams that print elsewhere than to a wrapped stream.
+    /// For streams that print elsewhere than to a wrapped stream.
     CPrintStream();
 
     void CheckOpen() const;
@@ -65,7 +65,7 @@ protected:
     COutputStream* m_out;
     base::CRef<COutputStream> m_outRef;
     bool m_autoFlush;
-    // Numbers are formatted here, so printing allocates nothing.
+    /// Numbers are formatted here, so printing allocates nothing.
     char m_scratch[64];
     base::CString m_lineSeparator;
 

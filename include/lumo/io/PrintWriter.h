@@ -9,17 +9,17 @@
 namespace lumo {
 namespace io {
 
-// Writes the text form of values as UTF-16 to the wrapped writer. Its formats are
-// its own: "%d" for short, "%ld", "%lu", and "%f" / "%lf" for float and double
-// (unlike CPrintStream's "%g"). Println adds CR LF, and with autoflush flushes the
-// wrapped writer after it. 8-bit text is UTF-8; a byte that is not part of a
-// well-formed sequence prints as U+FFFD. The raw-pointer form borrows the writer,
-// the CRef form shares it. Use after Close throws CIOException "Writer closed.".
+/// Writes the text form of values as UTF-16 to the wrapped writer. Its formats are
+/// its own: "%d" for short, "%ld", "%lu", and "%f" / "%lf" for float and double
+/// (unlike CPrintStream's "%g"). Println adds CR LF, and with autoflush flushes the
+/// wrapped writer after it. 8-bit text is UTF-8; a byte that is not part of a
+/// well-formed sequence prints as U+FFFD. The raw-pointer form borrows the writer,
+/// the CRef form shares it. Use after Close throws CIOException "Writer closed.".
 class LUMO_API CPrintWriter : public CWriter {
     LUMO_DECLARE_CLASS(CPrintWriter);
 
 public:
-    // A null writer throws CIllegalArgumentException "Invalid writer.".
+    /// A null writer throws CIllegalArgumentException "Invalid writer.".
     CPrintWriter(CWriter* writer, bool autoFlush);
     CPrintWriter(base::CRef<CWriter> const& writer, bool autoFlush);
     ~CPrintWriter() override;
@@ -34,26 +34,26 @@ public:
     void Write(unsigned short const* text) override;
     void Write(unsigned short c) override;
     void Flush() override;
-    // Closes the wrapped writer; a second Close does nothing.
+    /// Closes the wrapped writer; a second Close does nothing.
     void Close() override;
 
-    // true or false.
+    /// true or false.
     virtual void Print(bool value);
     virtual void Print(short value);
     virtual void Print(long value);
     virtual void Print(unsigned long value);
     virtual void Print(float value);
     virtual void Print(double value);
-    // One byte: an ASCII character, else U+FFFD.
+    /// One byte: an ASCII character, else U+FFFD.
     virtual void Print(char value);
-    // One UTF-16 unit.
+    /// One UTF-16 unit.
     virtual void Print(unsigned short value);
-    // Texts print as they are; a null text prints nothing.
+    /// Texts print as they are; a null text prints nothing.
     virtual void Print(char const* value);
     virtual void Print(base::CString const& value);
     virtual void Print(base::CUnicodeString const& value);
     virtual void Print(unsigned short const* value);
-    // As numbers: "%d", "%hu", "%d", "%u".
+    /// As numbers: "%d", "%hu", "%d", "%u".
     virtual void PrintUnsignedChar(unsigned char value);
     virtual void PrintUnsignedShort(unsigned short value);
     virtual void PrintInt(int value);
@@ -79,7 +79,7 @@ public:
 
 protected:
     void CheckOpen() const;
-    // CR LF in one write, then the wrapped writer's Flush with autoflush.
+    /// CR LF in one write, then the wrapped writer's Flush with autoflush.
     void WriteNewLine();
 
 private:

@@ -7,16 +7,16 @@
 namespace lumo {
 namespace io {
 
-// A reader that can give units back. The pushback buffer fills from its end:
-// units given back one by one are read again last-first, a block given back is
-// read again in its own order. The raw-pointer form borrows the reader, the CRef
-// form shares it.
+/// A reader that can give units back. The pushback buffer fills from its end:
+/// units given back one by one are read again last-first, a block given back is
+/// read again in its own order. The raw-pointer form borrows the reader, the CRef
+/// form shares it.
 class LUMO_API CPushbackReader : public CReader {
     LUMO_DECLARE_CLASS(CPushbackReader);
 
 public:
-    // `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
-    // reader."; size 0: "Invalid pushback buffer size."; no memory: CMemoryException.
+    /// `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
+    /// reader."; size 0: "Invalid pushback buffer size."; no memory: CMemoryException.
     CPushbackReader(CReader* reader, unsigned long size);
     CPushbackReader(base::CRef<CReader> const& reader, unsigned long size);
     ~CPushbackReader() override;
@@ -24,21 +24,21 @@ public:
     CPushbackReader(CPushbackReader const&) = delete;
     CPushbackReader& operator=(CPushbackReader const&) = delete;
 
-    // Units given back first, then the wrapped reader. -1 only when nothing was
-    // given back and the wrapped reader is at its end.
+    /// Units given back first, then the wrapped reader. -1 only when nothing was
+    /// given back and the wrapped reader is at its end.
     long Read(unsigned short* buf, unsigned long off, unsigned long len) override;
     long Read(unsigned short* buf, unsigned long len) override;
     long Read() override;
-    // Units given back first, then the wrapped reader's Skip for the rest (whose
-    // result is added as that reader reports it).
+    /// Units given back first, then the wrapped reader's Skip for the rest (whose
+    /// result is added as that reader reports it).
     long Skip(unsigned long n) override;
-    // Forgets the units given back and resets the wrapped reader.
+    /// Forgets the units given back and resets the wrapped reader.
     void Reset() override;
-    // Closes the wrapped reader; this reader is closed even when that throws.
+    /// Closes the wrapped reader; this reader is closed even when that throws.
     void Close() override;
 
-    // CIOException "Pushback buffer is full." when there is no room (for a block:
-    // room for all of it); nothing is given back then.
+    /// CIOException "Pushback buffer is full." when there is no room (for a block:
+    /// room for all of it); nothing is given back then.
     void Unread(unsigned short c);
     void Unread(unsigned short const* buf, unsigned long len);
     void Unread(unsigned short const* buf, unsigned long off, unsigned long len);

@@ -6,25 +6,25 @@
 namespace lumo {
 namespace io {
 
-// Abstract source of UTF-16 code units. The single-unit Read returns the unit
-// zero-extended (0..65535) or EOS at the end; block reads return the number of
-// units read, or -1 at the end.
+/// Abstract source of UTF-16 code units. The single-unit Read returns the unit
+/// zero-extended (0..65535) or EOS at the end; block reads return the number of
+/// units read, or -1 at the end.
 class LUMO_API CReader : public base::CObject {
     LUMO_DECLARE_CLASS(CReader);
 
 public:
-    // Not 0xFFFF as for byte streams: that is a valid UTF-16 unit.
+    /// Not 0xFFFF as for byte streams: that is a valid UTF-16 unit.
     static constexpr long EOS = 0xFFFFF;
 
     ~CReader() override;
 
     virtual long Read(unsigned short* buf, unsigned long off, unsigned long len) = 0;
-    // Read(buf, 0, len).
+    /// Read(buf, 0, len).
     virtual long Read(unsigned short* buf, unsigned long len);
-    // One unit through Read(&u, 0, 1); EOS when that reports the end.
+    /// One unit through Read(&u, 0, 1); EOS when that reports the end.
     virtual long Read();
-    // Reads up to n units one by one and returns the number NOT skipped (0 when all
-    // were consumed), as CInputStream::Skip does.
+    /// Reads up to n units one by one and returns the number NOT skipped (0 when all
+    /// were consumed), as CInputStream::Skip does.
     virtual long Skip(unsigned long n);
     virtual void Reset() = 0;
     virtual void Close() = 0;

@@ -9,8 +9,8 @@ namespace io {
 class CDataInputStream;
 class CDataOutputStream;
 
-// An object that writes itself to a data stream and reads itself back. Nothing is
-// added around what Serialize writes.
+/// An object that writes itself to a data stream and reads itself back. Nothing is
+/// added around what Serialize writes.
 class LUMO_API ISerializable {
 public:
     virtual ~ISerializable();

@@ -7,7 +7,7 @@
 namespace lumo {
 namespace io {
 
-// No converter is registered under the encoding name.
+/// No converter is registered under the encoding name.
 class LUMO_API CUnsupportedEncodingException : public CIOException {
     LUMO_DECLARE_CLASS(CUnsupportedEncodingException);
 

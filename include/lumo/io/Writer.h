@@ -7,25 +7,25 @@
 namespace lumo {
 namespace io {
 
-// Abstract sink of UTF-16 code units. Every form ends in the block write
-// Write(buf, off, len), which subclasses provide.
+/// Abstract sink of UTF-16 code units. Every form ends in the block write
+/// Write(buf, off, len), which subclasses provide.
 class LUMO_API CWriter : public base::CObject {
     LUMO_DECLARE_CLASS(CWriter);
 
 public:
     ~CWriter() override;
 
-    // Units off .. off + len - 1 of `s`; nothing when `s` is empty or off is past its
-    // end, and len is cut to what the string holds.
+    /// Units off .. off + len - 1 of `s`; nothing when `s` is empty or off is past its
+    /// end, and len is cut to what the string holds.
     virtual void Write(base::CUnicodeString const& s, unsigned long off, unsigned long len);
-    // The whole string; nothing for an empty one.
+    /// The whole string; nothing for an empty one.
     virtual void Write(base::CUnicodeString const& s);
     virtual void Write(unsigned short const* buf, unsigned long off, unsigned long len) = 0;
-    // Write(buf, 0, len).
+    /// Write(buf, 0, len).
     virtual void Write(unsigned short const* buf, unsigned long len);
-    // A zero-terminated text; null writes nothing.
+    /// A zero-terminated text; null writes nothing.
     virtual void Write(unsigned short const* text);
-    // Write(&c, 0, 1).
+    /// Write(&c, 0, 1).
     virtual void Write(unsigned short c);
     virtual void Flush() = 0;
     virtual void Close() = 0;

@@ -7,7 +7,7 @@
 namespace lumo {
 namespace net {
 
-// A host name that does not resolve; the description is always "Unknown host name.".
+/// A host name that does not resolve; the description is always "Unknown host name.".
 class LUMO_API CUnknownHostException : public io::CIOException {
     LUMO_DECLARE_CLASS(CUnknownHostException);
 

@@ -15,12 +15,12 @@ namespace lumo {
 namespace util {
 namespace detail {
 
-// The growable C-heap buffer behind the vectors: elements, size, capacity and the
-// increment of the capacity rule. It reports exhausted memory by returning false
-// and is then unchanged, so that each container raises the failure with its own
-// source; every allocation happens before any element is touched. Exceptions from
-// the elements' own copies pass through; the buffer stays consistent (nothing
-// leaks, nothing is destroyed twice).
+/// The growable C-heap buffer behind the vectors: elements, size, capacity and the
+/// increment of the capacity rule. It reports exhausted memory by returning false
+/// and is then unchanged, so that each container raises the failure with its own
+/// source; every allocation happens before any element is touched. Exceptions from
+/// the elements' own copies pass through; the buffer stays consistent (nothing
+/// leaks, nothing is destroyed twice).
 template <class T> class ArrayStore {
 public:
     explicit ArrayStore(std::uint32_t increment)
@@ -37,7 +37,7 @@ public:
     std::uint32_t Capacity() const { return m_capacity; }
     std::uint32_t Increment() const { return m_increment; }
 
-    // Growth: the capacity rule for `n` slots, keeping the elements. Never shrinks.
+    /// Growth: the capacity rule for `n` slots, keeping the elements. Never shrinks.
     bool Reserve(std::uint64_t n) {
         std::uint32_t needed;
         if (!RoundUpCapacity(n, m_increment, needed))
@@ -47,8 +47,8 @@ public:
         return Reallocate(needed);
     }
 
-    // `value` may be one of the store's own elements: it is copied before the
-    // buffer moves, and a failing copy leaves everything in place.
+    /// `value` may be one of the store's own elements: it is copied before the
+    /// buffer moves, and a failing copy leaves everything in place.
     bool Append(T const& value) {
         T copy(value);
         if (m_size == m_capacity && !Reserve(static_cast<std::uint64_t>(m_size) + 1))
@@ -58,7 +58,7 @@ public:
         return true;
     }
 
-    // `index` <= size; `value` may be one of the store's own elements.
+    /// `index` <= size; `value` may be one of the store's own elements.
     bool Insert(std::uint32_t index, T const& value) {
         if (index == m_size)
             return Append(value);
@@ -80,7 +80,7 @@ public:
         return true;
     }
 
-    // Removes the element at `index` (< size) and compacts.
+    /// Removes the element at `index` (< size) and compacts.
     bool RemoveAt(std::uint32_t index) {
         std::uint32_t const newSize = m_size - 1;
         std::uint32_t const target = CompactedCapacity(newSize, m_increment);
@@ -107,8 +107,8 @@ public:
         return true;
     }
 
-    // Calls `visit` on every element (in index order), destroys them all and
-    // compacts. The compacted buffer is obtained before anything is visited.
+    /// Calls `visit` on every element (in index order), destroys them all and
+    /// compacts. The compacted buffer is obtained before anything is visited.
     template <class Visit> bool Clear(Visit visit) {
         if (m_data == nullptr)
             return true;
@@ -135,8 +135,8 @@ public:
         return Clear([](T&) {});
     }
 
-    // Exactly `size` slots (no buffer at all when empty); the one place where the
-    // capacity may stop being a multiple of the increment.
+    /// Exactly `size` slots (no buffer at all when empty); the one place where the
+    /// capacity may stop being a multiple of the increment.
     bool TrimToSize() {
         if (m_size >= m_capacity)
             return true;
@@ -149,11 +149,11 @@ public:
         return Reallocate(m_size);
     }
 
-    // Replaces the contents with `count` elements, element i constructed from
-    // make(i). The capacity follows the fresh-allocation rule (grow to the rounded
-    // count when needed) and then compaction when the size fell. `visitOld` sees
-    // every old element once the new ones exist. If `make` throws, the new
-    // elements are destroyed and the store is unchanged.
+    /// Replaces the contents with `count` elements, element i constructed from
+    /// make(i). The capacity follows the fresh-allocation rule (grow to the rounded
+    /// count when needed) and then compaction when the size fell. `visitOld` sees
+    /// every old element once the new ones exist. If `make` throws, the new
+    /// elements are destroyed and the store is unchanged.
     template <class Make, class Visit> bool Assign(std::uint32_t count, Make make, Visit visitOld) {
         std::uint32_t newCapacity = m_capacity;
         if (count > 0) {
@@ -197,7 +197,7 @@ public:
         return true;
     }
 
-    // Exchanges the whole state with `other` (increment included).
+    /// Exchanges the whole state with `other` (increment included).
     void Swap(ArrayStore& other) noexcept {
         std::swap(m_data, other.m_data);
         std::swap(m_size, other.m_size);
@@ -205,7 +205,7 @@ public:
         std::swap(m_increment, other.m_increment);
     }
 
-    // Null when `count` slots cannot be obtained (or their byte size overflows).
+    /// Null when `count` slots cannot be obtained (or their byte size overflows).
     static T* AllocateSlots(std::uint32_t count) {
         if (count > static_cast<std::size_t>(-1) / sizeof(T))
             return nullptr;
@@ -229,10 +229,10 @@ private:
         return true;
     }
 
-    // Moves every element except the one at `skip` (size or more skips nothing)
-    // into `fresh`, then destroys the old elements (the skipped one included) and
-    // frees the old buffer. On an exception from a copy, `fresh` is released and
-    // the old buffer is untouched.
+    /// Moves every element except the one at `skip` (size or more skips nothing)
+    /// into `fresh`, then destroys the old elements (the skipped one included) and
+    /// frees the old buffer. On an exception from a copy, `fresh` is released and
+    /// the old buffer is untouched.
     void RelocateAround(T* fresh, std::uint32_t skip) {
         if constexpr (std::is_trivially_copyable<T>::value) {
             std::uint32_t const head = skip < m_size ? skip : m_size;

@@ -13,8 +13,8 @@ namespace util {
 // the top of the range is reported instead of wrapping. The increment must be
 // non-zero (each container rejects or replaces 0 before it gets here).
 
-// `n` rounded up to a multiple of `increment`. False when the result does not fit
-// in 32 bits (the caller reports that as exhausted memory).
+/// `n` rounded up to a multiple of `increment`. False when the result does not fit
+/// in 32 bits (the caller reports that as exhausted memory).
 inline bool RoundUpCapacity(std::uint64_t n, std::uint32_t increment, std::uint32_t& result) {
     if (n > 0xFFFFFFFFu)
         return false;
@@ -25,9 +25,9 @@ inline bool RoundUpCapacity(std::uint64_t n, std::uint32_t increment, std::uint3
     return true;
 }
 
-// The capacity a buffer holding `size` elements shrinks to: `size` rounded up, but
-// never below one increment. A buffer is only ever shrunk when this is below its
-// present capacity, so the result is clamped to 32 bits without harm.
+/// The capacity a buffer holding `size` elements shrinks to: `size` rounded up, but
+/// never below one increment. A buffer is only ever shrunk when this is below its
+/// present capacity, so the result is clamped to 32 bits without harm.
 inline std::uint32_t CompactedCapacity(std::uint32_t size, std::uint32_t increment) {
     std::uint64_t rounded = (static_cast<std::uint64_t>(size) + increment - 1) / increment;
     rounded *= increment;
@@ -36,8 +36,8 @@ inline std::uint32_t CompactedCapacity(std::uint32_t size, std::uint32_t increme
     return rounded > 0xFFFFFFFFu ? 0xFFFFFFFFu : static_cast<std::uint32_t>(rounded);
 }
 
-// The compaction target of a byte block that keeps one increment of slack beyond
-// the bytes in use: (used + increment) rounded up to a multiple of the increment.
+/// The compaction target of a byte block that keeps one increment of slack beyond
+/// the bytes in use: (used + increment) rounded up to a multiple of the increment.
 inline std::uint32_t CompactedCapacityWithSlack(std::uint32_t used, std::uint32_t increment) {
     return CompactedCapacity(
         static_cast<std::uint32_t>(used > 0xFFFFFFFFu - increment ? 0xFFFFFFFFu : used + increment),

@@ -6,19 +6,19 @@
 namespace lumo {
 namespace util {
 
-// Orders two elements of an array being sorted. The arguments point at the two
-// array slots, not at what the slots may point to.
+/// Orders two elements of an array being sorted. The arguments point at the two
+/// array slots, not at what the slots may point to.
 class LUMO_API IComparator : public base::CBase {
 public:
     virtual ~IComparator();
-    // Negative, zero or positive as a sorts before, with or after b.
+    /// Negative, zero or positive as a sorts before, with or after b.
     virtual int Compare(void const* a, void const* b) const = 0;
 };
 
-// Sorts `count` elements of `width` bytes at `base` with the library's
-// non-recursive quicksort (middle element as pivot, selection sort for runs of
-// eight or fewer). Not stable. Nothing happens for fewer than two elements or a
-// width of 0.
+/// Sorts `count` elements of `width` bytes at `base` with the library's
+/// non-recursive quicksort (middle element as pivot, selection sort for runs of
+/// eight or fewer). Not stable. Nothing happens for fewer than two elements or a
+/// width of 0.
 LUMO_API void qsort(void* base, unsigned count, unsigned width, IComparator const& comparator);
 
 } // namespace util

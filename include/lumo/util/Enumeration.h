@@ -9,29 +9,29 @@
 namespace lumo {
 namespace util {
 
-// One pass over the elements of a container. The elements stay the container's;
-// an enumeration reads the live container, which must not change meanwhile.
+/// One pass over the elements of a container. The elements stay the container's;
+/// an enumeration reads the live container, which must not change meanwhile.
 template <class T> class IEnumeration : public base::CBase {
 public:
     virtual ~IEnumeration() {}
     virtual bool HasMoreElements() const = 0;
-    // The complement of HasMoreElements; enumerations may answer it more cheaply.
+    /// The complement of HasMoreElements; enumerations may answer it more cheaply.
     virtual bool IsExhausted() const { return !HasMoreElements(); }
-    // The next element; CNoSuchElementException past the end.
+    /// The next element; CNoSuchElementException past the end.
     virtual T* NextElement() = 0;
-    // Back to the first element.
+    /// Back to the first element.
     virtual void Reset() = 0;
 };
 
-// A by-value handle on one enumeration object. Copies share the object; the last
-// handle deletes it.
+/// A by-value handle on one enumeration object. Copies share the object; the last
+/// handle deletes it.
 template <class T> class CEnumeration {
 public:
     CEnumeration() noexcept : m_block(nullptr) {}
 
-    // Takes over `enumeration` (null gives an empty handle). Should the shared
-    // record not be obtainable, the enumeration is deleted before the
-    // CMemoryException passes on.
+    /// Takes over `enumeration` (null gives an empty handle). Should the shared
+    /// record not be obtainable, the enumeration is deleted before the
+    /// CMemoryException passes on.
     CEnumeration(IEnumeration<T>* enumeration) : m_block(nullptr) {
         if (enumeration == nullptr)
             return;
@@ -58,12 +58,12 @@ public:
 
     ~CEnumeration() { Release(); }
 
-    // CNullReferenceException on an empty handle.
+    /// CNullReferenceException on an empty handle.
     bool HasMoreElements() const { return Get()->HasMoreElements(); }
     T* NextElement() { return Get()->NextElement(); }
     void Reset() { Get()->Reset(); }
 
-    // The enumeration object, or null for an empty handle.
+    /// The enumeration object, or null for an empty handle.
     IEnumeration<T>* GetEnumeration() const {
         return m_block != nullptr ? m_block->enumeration : nullptr;
     }
@@ -87,9 +87,9 @@ private:
         m_block = nullptr;
     }
 
-    // Kept out of line: inlined into a caller holding two handles on one block,
-    // the deletion makes compilers that cannot follow the count warn about a
-    // use after free.
+    /// Kept out of line: inlined into a caller holding two handles on one block,
+    /// the deletion makes compilers that cannot follow the count warn about a
+    /// use after free.
     LUMO_NOINLINE static void Destroy(Block* block) noexcept {
         delete block->enumeration;
         delete block;

@@ -18,9 +18,9 @@
 namespace lumo {
 namespace util {
 
-// Hash codes of the key types the library hashes by value: its strings (by the
-// library's text hash), integers and enumerations (folded to 32 bits) and
-// pointers (by address). Other key types specialize CHashTraits.
+/// Hash codes of the key types the library hashes by value: its strings (by the
+/// library's text hash), integers and enumerations (folded to 32 bits) and
+/// pointers (by address). Other key types specialize CHashTraits.
 inline std::int32_t HashCodeOf(base::CString const& key) {
     return GetCStringHashCode(key);
 }
@@ -38,7 +38,7 @@ template <class T> inline std::int32_t HashCodeOf(T* key) {
     return HashCodeOf(reinterpret_cast<std::uintptr_t>(key));
 }
 
-// How a CHashtable hashes and compares its keys.
+/// How a CHashtable hashes and compares its keys.
 template <class K> struct CHashTraits {
     static std::int32_t GetHashCode(K const& key) { return HashCodeOf(key); }
     template <class Q> static bool Equals(K const& stored, Q const& key) { return stored == key; }
@@ -47,20 +47,20 @@ template <class K> struct CHashTraits {
 template <class K, class V, class Traits> class HashtableKeyEnumeration;
 template <class K, class V, class Traits> class HashtableElementEnumeration;
 
-// A chained hash map of values: keys of K to values of V, both copied in. The
-// layout and growth are those of CObjectHashtable: a capacity below 12 becomes
-// 101, a load factor not above 0 becomes 0.75, and a new key arriving when the
-// count has reached the threshold first grows the table to capacity * 2 + 1. It
-// owns nothing beyond its copies (a table of pointers leaves what they point to
-// alone). A missing key throws CNoSuchElementException; a failed allocation
-// throws CMemoryException and leaves the table unchanged.
+/// A chained hash map of values: keys of K to values of V, both copied in. The
+/// layout and growth are those of CObjectHashtable: a capacity below 12 becomes
+/// 101, a load factor not above 0 becomes 0.75, and a new key arriving when the
+/// count has reached the threshold first grows the table to capacity * 2 + 1. It
+/// owns nothing beyond its copies (a table of pointers leaves what they point to
+/// alone). A missing key throws CNoSuchElementException; a failed allocation
+/// throws CMemoryException and leaves the table unchanged.
 template <class K, class V, class Traits = CHashTraits<K>> class CHashtable {
 public:
     explicit CHashtable(long initialCapacity = 101, float loadFactor = 0.75f)
         : CHashtable("lumo/util/Hashtable", initialCapacity, loadFactor) {}
 
-    // Copies every key and value; chains come out in reverse order, as in
-    // CObjectHashtable.
+    /// Copies every key and value; chains come out in reverse order, as in
+    /// CObjectHashtable.
     CHashtable(CHashtable const& other)
         : m_unit(other.m_unit), m_buckets(AllocateBuckets(other.m_capacity, __LINE__)),
           m_capacity(other.m_capacity), m_count(0), m_threshold(other.m_threshold),
@@ -96,20 +96,20 @@ public:
     bool IsEmpty() const { return m_count == 0; }
     unsigned long GetCapacity() const { return m_capacity; }
 
-    // Maps `key` to `value`. For a present key only the value is replaced, the old
-    // one handed back through `previous` when given; the result tells whether
-    // there was one.
+    /// Maps `key` to `value`. For a present key only the value is replaced, the old
+    /// one handed back through `previous` when given; the result tells whether
+    /// there was one.
     bool Put(K const& key, V const& value, V* previous = nullptr) {
         return PutHashed(Traits::GetHashCode(key), key, value, previous);
     }
 
-    // The value of `key`; CNoSuchElementException when absent.
+    /// The value of `key`; CNoSuchElementException when absent.
     V& Get(K const& key) { return GetHashed(Traits::GetHashCode(key), key); }
     V const& Get(K const& key) const {
         return const_cast<CHashtable*>(this)->GetHashed(Traits::GetHashCode(key), key);
     }
 
-    // The value of `key`, or null when absent.
+    /// The value of `key`, or null when absent.
     V* Find(K const& key) const {
         Entry* e = FindHashed(Traits::GetHashCode(key), key);
         return e != nullptr ? &e->value : nullptr;
@@ -119,7 +119,7 @@ public:
         return FindHashed(Traits::GetHashCode(key), key) != nullptr;
     }
 
-    // Whether some value == `value`, scanning bucket by bucket.
+    /// Whether some value == `value`, scanning bucket by bucket.
     bool Contains(V const& value) const {
         for (std::uint32_t i = 0; i < m_capacity; ++i)
             for (Entry const* e = m_buckets[i]; e != nullptr; e = e->next)
@@ -128,8 +128,8 @@ public:
         return false;
     }
 
-    // Removes the entry of `key` and returns its value; CNoSuchElementException
-    // when absent.
+    /// Removes the entry of `key` and returns its value; CNoSuchElementException
+    /// when absent.
     V Remove(K const& key) {
         Entry* e = UnlinkHashed(Traits::GetHashCode(key), key);
         if (e == nullptr)
@@ -137,11 +137,11 @@ public:
         return TakeValue(e);
     }
 
-    // Drops every entry; the capacity is kept.
+    /// Drops every entry; the capacity is kept.
     void Clear() { FreeEntries(); }
 
-    // Keys and values bucket by bucket, each chain in order, read from the live
-    // table. The keys handed out must not be changed.
+    /// Keys and values bucket by bucket, each chain in order, read from the live
+    /// table. The keys handed out must not be changed.
     CEnumeration<K> GetKeys() const {
         return new (m_unit, __LINE__) HashtableKeyEnumeration<K, V, Traits>(this);
     }
@@ -157,7 +157,7 @@ protected:
         Entry* next;
     };
 
-    // Tables built on this one raise their failures under their own source path.
+    /// Tables built on this one raise their failures under their own source path.
     CHashtable(char const* unit, long initialCapacity, float loadFactor)
         : m_unit(unit), m_buckets(nullptr), m_capacity(0), m_count(0), m_threshold(0),
           m_loadFactor(loadFactor), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr),
@@ -172,8 +172,8 @@ protected:
         m_threshold = ThresholdOf(m_capacity, m_loadFactor);
     }
 
-    // The operations behind the public ones, for a hash computed by the caller
-    // and any key type Q that Traits::Equals compares with K (and K is made from).
+    /// The operations behind the public ones, for a hash computed by the caller
+    /// and any key type Q that Traits::Equals compares with K (and K is made from).
     template <class Q> Entry* FindHashed(std::int32_t hash, Q const& key) const {
         for (Entry* e = m_buckets[BucketOf(hash, m_capacity)]; e != nullptr; e = e->next)
             if (e->hash == hash && Traits::Equals(e->key, key))
@@ -209,7 +209,7 @@ protected:
         }
     }
 
-    // Unlinks the entry of `key` (the caller destroys it), or null.
+    /// Unlinks the entry of `key` (the caller destroys it), or null.
     template <class Q> Entry* UnlinkHashed(std::int32_t hash, Q const& key) {
         Entry** link = &m_buckets[BucketOf(hash, m_capacity)];
         for (Entry* e = *link; e != nullptr; link = &e->next, e = e->next) {
@@ -222,7 +222,7 @@ protected:
         return nullptr;
     }
 
-    // The value of an unlinked entry; the entry is destroyed.
+    /// The value of an unlinked entry; the entry is destroyed.
     V TakeValue(Entry* e) {
         struct Release {
             CHashtable* table;
@@ -254,9 +254,9 @@ protected:
     }
 
 private:
-    // Entries come from slabs that the table allocates in growing sizes and keeps
-    // until it is cleared or destroyed; removed entries are reused. This spares the
-    // heap one allocation per key and keeps the entries close together.
+    /// Entries come from slabs that the table allocates in growing sizes and keeps
+    /// until it is cleared or destroyed; removed entries are reused. This spares the
+    /// heap one allocation per key and keeps the entries close together.
     struct Slab {
         Slab* next;
         std::uint32_t entries;
@@ -276,8 +276,8 @@ private:
         return (static_cast<std::uint32_t>(hash) & 0x7FFFFFFFu) % capacity;
     }
 
-    // (long)(capacity * loadFactor), truncating; saturating beyond 32 bits, and a
-    // NaN load factor gives a table that never grows.
+    /// (long)(capacity * loadFactor), truncating; saturating beyond 32 bits, and a
+    /// NaN load factor gives a table that never grows.
     static std::int32_t ThresholdOf(std::uint32_t capacity, float loadFactor) {
         float const product = static_cast<float>(capacity) * loadFactor;
         if (std::isnan(product) || product >= 2147483648.0f)
@@ -350,7 +350,7 @@ private:
         m_threshold = ThresholdOf(newCapacity, m_loadFactor);
     }
 
-    // Destroys every entry and gives the slabs back.
+    /// Destroys every entry and gives the slabs back.
     void FreeEntries() noexcept {
         if (m_count > 0) {
             if constexpr (!std::is_trivially_destructible<Entry>::value) {
@@ -379,10 +379,10 @@ private:
         m_slabEntries = kFirstSlabEntries;
     }
 
-    // With no slot waiting for reuse, every slot below the bump pointer holds an
-    // entry: destroy them in the order they were made (oldest slab first), which
-    // walks memory in sequence and hands keys back to their allocator in order.
-    // The caller clears the bucket heads and the count.
+    /// With no slot waiting for reuse, every slot below the bump pointer holds an
+    /// entry: destroy them in the order they were made (oldest slab first), which
+    /// walks memory in sequence and hands keys back to their allocator in order.
+    /// The caller clears the bucket heads and the count.
     void DestroyInSlabOrder() noexcept {
         Slab* reversed = nullptr;
         while (m_slabs != nullptr) {
@@ -413,7 +413,7 @@ private:
     std::uint32_t m_slabEntries;
 };
 
-// The walk of the hashtable enumerations: bucket by bucket, each chain in order.
+/// The walk of the hashtable enumerations: bucket by bucket, each chain in order.
 template <class K, class V, class Traits> class HashtableKeyEnumeration : public IEnumeration<K> {
 public:
     typedef CHashtable<K, V, Traits> Table;

@@ -6,8 +6,8 @@
 namespace lumo {
 namespace util {
 
-// Its class record names CMemoryException as base (so IsInstanceOf against that
-// record is true) while the C++ base is base::CException: kept for compatibility.
+/// Its class record names CMemoryException as base (so IsInstanceOf against that
+/// record is true) while the C++ base is base::CException: kept for compatibility.
 LUMO_EXCEPTION_0(CNoSuchElementException, base::CException);
 LUMO_EXCEPTION_0(CEmptyStackException, base::CException);
 LUMO_EXCEPTION_0(CEmptyQueueException, base::CException);

@@ -13,25 +13,25 @@ namespace detail {
 class ObjectHashtableCursor;
 }
 
-// A chained hash map from object keys to object values, keyed by the keys'
-// GetHashCode and Equals. Each entry keeps its key's hash, so growing never asks a
-// key again and lookups compare hashes before calling Equals. When `owns` is set
-// the table deletes the keys and values it drops.
+/// A chained hash map from object keys to object values, keyed by the keys'
+/// GetHashCode and Equals. Each entry keeps its key's hash, so growing never asks a
+/// key again and lookups compare hashes before calling Equals. When `owns` is set
+/// the table deletes the keys and values it drops.
 class LUMO_API CObjectHashtable {
 public:
-    // A capacity below 12 becomes 101 (larger ones are taken as given); a load
-    // factor not above 0 becomes 0.75.
+    /// A capacity below 12 becomes 101 (larger ones are taken as given); a load
+    /// factor not above 0 becomes 0.75.
     explicit CObjectHashtable(long initialCapacity = 101, float loadFactor = 0.75f,
                               bool owns = true);
-    // Takes the other table's owns flag, load factor, threshold and capacity, and
-    // maps a Clone() of every key to another Clone() of that same key (not of its
-    // value): a copied table maps each key to a copy of itself. Chains come out in
-    // reverse order. A null clone gives CIllegalArgumentException "Invalid key
-    // object.".
+    /// Takes the other table's owns flag, load factor, threshold and capacity, and
+    /// maps a Clone() of every key to another Clone() of that same key (not of its
+    /// value): a copied table maps each key to a copy of itself. Chains come out in
+    /// reverse order. A null clone gives CIllegalArgumentException "Invalid key
+    /// object.".
     CObjectHashtable(CObjectHashtable const& other);
-    // Replaces the whole table (owns flag, load factor and capacity included) with
-    // one that maps a Clone() of every key of `other` to a Clone() of its value.
-    // On failure the table is unchanged.
+    /// Replaces the whole table (owns flag, load factor and capacity included) with
+    /// one that maps a Clone() of every key of `other` to a Clone() of its value.
+    /// On failure the table is unchanged.
     CObjectHashtable& operator=(CObjectHashtable const& other);
     ~CObjectHashtable();
 
@@ -40,26 +40,26 @@ public:
     unsigned long GetCapacity() const { return m_capacity; }
     bool IsOwner() const { return m_owns; }
 
-    // Maps `key` to `value`. For a present key only the value is replaced (the old
-    // one deleted when owning) and `key` stays the caller's; a new key and its
-    // value are taken over. A new key arriving at a full table first doubles it.
+    /// Maps `key` to `value`. For a present key only the value is replaced (the old
+    /// one deleted when owning) and `key` stays the caller's; a new key and its
+    /// value are taken over. A new key arriving at a full table first doubles it.
     void Put(base::CObject* key, base::CObject* value);
-    // The value of `key` (still the table's); CNoSuchElementException when absent.
+    /// The value of `key` (still the table's); CNoSuchElementException when absent.
     base::CObject* Get(base::CObject const* key) const;
     bool ContainsKey(base::CObject const* key) const;
-    // Whether some value Equals(value).
+    /// Whether some value Equals(value).
     bool Contains(base::CObject const* value) const;
-    // Removes the entry of `key` if there is one (deleting key and value when
-    // owning) and then always throws CNoSuchElementException, removal or not:
-    // callers that remove catch it.
+    /// Removes the entry of `key` if there is one (deleting key and value when
+    /// owning) and then always throws CNoSuchElementException, removal or not:
+    /// callers that remove catch it.
     void Remove(base::CObject const* key);
-    // Drops every entry; the capacity is kept.
+    /// Drops every entry; the capacity is kept.
     void Clear();
 
     CEnumeration<base::CObject> GetKeys() const;
     CEnumeration<base::CObject> GetElements() const;
 
-    // One mapping; opaque outside the table.
+    /// One mapping; opaque outside the table.
     struct Entry;
 
 private:
@@ -79,12 +79,12 @@ private:
 };
 
 namespace detail {
-// The walk shared by the key and element enumerations of a table.
+/// The walk shared by the key and element enumerations of a table.
 class LUMO_API ObjectHashtableCursor {
 public:
     explicit ObjectHashtableCursor(CObjectHashtable const* table);
     bool HasMore() const;
-    // The next entry's key or value; CNoSuchElementException past the end.
+    /// The next entry's key or value; CNoSuchElementException past the end.
     base::CObject* NextKey();
     base::CObject* NextValue();
     void Reset();
@@ -93,16 +93,16 @@ private:
     void Advance();
 
     CObjectHashtable const* m_table;
-    // Entries handed out so far, and the bucket of the current entry (-1 before
-    // the first); 64-bit so that no table size can overflow them.
+    /// Entries handed out so far, and the bucket of the current entry (-1 before
+    /// the first); 64-bit so that no table size can overflow them.
     std::int64_t m_returned;
     std::int64_t m_bucket;
     CObjectHashtable::Entry const* m_current;
 };
 } // namespace detail
 
-// Enumerate the keys, or the values, of a table bucket by bucket and each chain in
-// order. They read the live table, which must not change meanwhile.
+/// Enumerate the keys, or the values, of a table bucket by bucket and each chain in
+/// order. They read the live table, which must not change meanwhile.
 class LUMO_API CObjectHashtableKeyEnumeration : public IEnumeration<base::CObject> {
 public:
     explicit CObjectHashtableKeyEnumeration(CObjectHashtable const* table) : m_cursor(table) {}

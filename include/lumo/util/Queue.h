@@ -13,14 +13,14 @@
 namespace lumo {
 namespace util {
 
-// A first-in-first-out queue of values of T in a ring buffer with the containers'
-// capacity rule: it grows to a multiple of the increment and shrinks in whole
-// increments as values leave, never below one increment. Taking from an empty
-// queue throws CEmptyQueueException; a failed allocation throws CMemoryException
-// and leaves the queue unchanged.
+/// A first-in-first-out queue of values of T in a ring buffer with the containers'
+/// capacity rule: it grows to a multiple of the increment and shrinks in whole
+/// increments as values leave, never below one increment. Taking from an empty
+/// queue throws CEmptyQueueException; a failed allocation throws CMemoryException
+/// and leaves the queue unchanged.
 template <class T> class Queue {
 public:
-    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    /// An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
     explicit Queue(unsigned long initialCapacity = 10, unsigned long increment = 10)
         : m_data(nullptr), m_head(0), m_size(0), m_capacity(0),
           m_increment(CheckedIncrement(increment)) {
@@ -58,7 +58,7 @@ public:
     bool IsEmpty() const { return m_size == 0; }
     unsigned long GetCapacity() const { return m_capacity; }
 
-    // Adds `value` at the back.
+    /// Adds `value` at the back.
     void Enqueue(T const& value) {
         T copy(value); // `value` may live in this queue's buffer
         if (m_size == m_capacity) {
@@ -71,7 +71,7 @@ public:
         ++m_size;
     }
 
-    // Removes the front value and returns it.
+    /// Removes the front value and returns it.
     T Dequeue() {
         if (m_size == 0)
             throw CEmptyQueueException(kUnit, __LINE__);
@@ -88,11 +88,11 @@ public:
         return value;
     }
 
-    // The front value, left in place.
+    /// The front value, left in place.
     T& Peek() { return m_data[Front(__LINE__)]; }
     T const& Peek() const { return m_data[Front(__LINE__)]; }
 
-    // Drops every value and shrinks to one increment.
+    /// Drops every value and shrinks to one increment.
     void Clear() {
         if (m_size == 0)
             return;
@@ -120,7 +120,7 @@ private:
         throw base::CMemoryException(kUnit, static_cast<unsigned long>(line));
     }
 
-    // The buffer index of the i-th value from the front.
+    /// The buffer index of the i-th value from the front.
     std::uint32_t Slot(std::uint32_t i) const {
         std::uint64_t const slot = static_cast<std::uint64_t>(m_head) + i;
         return static_cast<std::uint32_t>(slot >= m_capacity ? slot - m_capacity : slot);
@@ -140,9 +140,9 @@ private:
         }
     }
 
-    // Makes this queue hold the values of `source` from its `skip`-th on, in a
-    // fresh buffer of `capacity` slots starting at slot 0. All-or-nothing: on a
-    // failure this queue (which may be `source`) is unchanged.
+    /// Makes this queue hold the values of `source` from its `skip`-th on, in a
+    /// fresh buffer of `capacity` slots starting at slot 0. All-or-nothing: on a
+    /// failure this queue (which may be `source`) is unchanged.
     void Rebuild(Queue const& source, std::uint32_t capacity, std::uint32_t skip, int line) {
         T* fresh = Slots::AllocateSlots(capacity);
         if (fresh == nullptr)

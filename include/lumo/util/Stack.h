@@ -8,13 +8,13 @@
 namespace lumo {
 namespace util {
 
-// A last-in-first-out stack of values of T on a growable buffer with the
-// containers' capacity rule. Taking from an empty stack throws
-// CEmptyStackException; a failed allocation throws CMemoryException and leaves
-// the stack unchanged.
+/// A last-in-first-out stack of values of T on a growable buffer with the
+/// containers' capacity rule. Taking from an empty stack throws
+/// CEmptyStackException; a failed allocation throws CMemoryException and leaves
+/// the stack unchanged.
 template <class T> class Stack {
 public:
-    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    /// An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
     explicit Stack(unsigned long initialCapacity = 10, unsigned long increment = 10)
         : m_store(CheckedIncrement(increment)) {
         if (initialCapacity != 0 && !m_store.Reserve(initialCapacity))
@@ -38,7 +38,7 @@ public:
             ThrowMemory(__LINE__);
     }
 
-    // Removes the top value and returns it.
+    /// Removes the top value and returns it.
     T Pop() {
         std::uint32_t const top = Top(__LINE__);
         T value(m_store.Data()[top]);
@@ -47,7 +47,7 @@ public:
         return value;
     }
 
-    // The top value, left in place.
+    /// The top value, left in place.
     T& Peek() { return m_store.Data()[Top(__LINE__)]; }
     T const& Peek() const { return m_store.Data()[Top(__LINE__)]; }
 

@@ -8,18 +8,18 @@
 namespace lumo {
 namespace util {
 
-// An ordered map of 8-bit strings: keys and values in two parallel arrays, in
-// insertion order, found by linear scan (no hashing, no sorting). Keys compare
-// with or without case, as chosen at construction; values always exactly. The
-// arrays follow the containers' capacity rule; a failed allocation throws
-// CMemoryException and leaves the map unchanged.
+/// An ordered map of 8-bit strings: keys and values in two parallel arrays, in
+/// insertion order, found by linear scan (no hashing, no sorting). Keys compare
+/// with or without case, as chosen at construction; values always exactly. The
+/// arrays follow the containers' capacity rule; a failed allocation throws
+/// CMemoryException and leaves the map unchanged.
 class LUMO_API CStringMap {
 public:
     class CKeyIterator;
     class CConstValueIterator;
 
-    // An increment of 0 becomes 5. Both arrays are allocated at once for a
-    // non-zero initial capacity.
+    /// An increment of 0 becomes 5. Both arrays are allocated at once for a
+    /// non-zero initial capacity.
     explicit CStringMap(bool caseSensitive = true, unsigned long initialCapacity = 0,
                         unsigned long increment = 5);
     CStringMap(CStringMap const& other);
@@ -31,46 +31,46 @@ public:
     unsigned long GetCapacity() const { return m_capacity; }
     bool IsKeyCaseSensitive() const { return m_caseSensitive; }
 
-    // A null or empty key throws CIllegalArgumentException "Invalid key.". A
-    // present key keeps its spelling and gets the value (a null value stores an
-    // empty one); a new key is appended.
+    /// A null or empty key throws CIllegalArgumentException "Invalid key.". A
+    /// present key keeps its spelling and gets the value (a null value stores an
+    /// empty one); a new key is appended.
     void Put(char const* key, char const* value);
-    // The value of `key`; CNoSuchElementException when absent.
+    /// The value of `key`; CNoSuchElementException when absent.
     base::CString& Get(char const* key);
     base::CString const& Get(char const* key) const;
     bool ContainsKey(char const* key) const { return GetIndexOfKey(key) >= 0; }
-    // -1 when absent.
+    /// -1 when absent.
     long GetIndexOfKey(char const* key) const;
-    // Searches the values exactly (a null value stands for an empty one).
+    /// Searches the values exactly (a null value stands for an empty one).
     bool Contains(char const* value) const { return GetIndexOf(value) >= 0; }
     long GetIndexOf(char const* value) const;
 
-    // CArrayIndexOutOfBoundsException for an index >= size.
+    /// CArrayIndexOutOfBoundsException for an index >= size.
     base::CString& GetKeyAt(unsigned long index);
     base::CString const& GetKeyAt(unsigned long index) const;
     base::CString& GetAt(unsigned long index);
     base::CString const& GetAt(unsigned long index) const;
 
-    // Removes the entry of `key` and closes the gap; nothing when absent.
+    /// Removes the entry of `key` and closes the gap; nothing when absent.
     void Remove(char const* key);
     void RemoveAll();
 
     void EnsureCapacity(unsigned long n);
     void TrimToSize();
 
-    // Same size and exactly equal keys and values index by index.
+    /// Same size and exactly equal keys and values index by index.
     bool operator==(CStringMap const& other) const;
     bool operator!=(CStringMap const& other) const { return !(*this == other); }
 
     CKeyIterator GetKeyIterator() const;
     CConstValueIterator GetValueIterator() const;
 
-    // Walk the keys, or the values, in index order, reading the live map.
+    /// Walk the keys, or the values, in index order, reading the live map.
     class LUMO_API CKeyIterator {
     public:
         explicit CKeyIterator(CStringMap const* map) : m_map(map), m_index(0) {}
         bool HasMoreElements() const { return m_index < m_map->m_size; }
-        // CNoSuchElementException past the end.
+        /// CNoSuchElementException past the end.
         base::CString const& NextElement();
         void Reset() { m_index = 0; }
 

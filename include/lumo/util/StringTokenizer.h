@@ -8,27 +8,27 @@
 namespace lumo {
 namespace util {
 
-// Splits an 8-bit text into tokens separated by any of a set of delimiter
-// characters. Without returnDelims, runs of delimiters are skipped and each token
-// is a run of other characters. With returnDelims, every call consumes exactly
-// one character and hands out an empty token (the substring from the next
-// position to itself), and GetTokenCount counts the runs plus every delimiter:
-// both kept as the library has always defined them.
+/// Splits an 8-bit text into tokens separated by any of a set of delimiter
+/// characters. Without returnDelims, runs of delimiters are skipped and each token
+/// is a run of other characters. With returnDelims, every call consumes exactly
+/// one character and hands out an empty token (the substring from the next
+/// position to itself), and GetTokenCount counts the runs plus every delimiter:
+/// both kept as the library has always defined them.
 class LUMO_API CStringTokenizer {
 public:
-    // A null or empty source throws CIllegalArgumentException "Invalid source
-    // text."; null or empty delimiters "Invalid delimiters." (source first).
+    /// A null or empty source throws CIllegalArgumentException "Invalid source
+    /// text."; null or empty delimiters "Invalid delimiters." (source first).
     CStringTokenizer(char const* source, char const* delimiters, bool returnDelims = false);
 
-    // Without returnDelims this first moves past any delimiters (the position
-    // changes although the call is const).
+    /// Without returnDelims this first moves past any delimiters (the position
+    /// changes although the call is const).
     bool HasMoreTokens() const;
-    // The next token, valid until the next call; CNoSuchElementException when
-    // there is none.
+    /// The next token, valid until the next call; CNoSuchElementException when
+    /// there is none.
     base::CString const& GetNextToken();
-    // Replaces the delimiters for this and every later call, then as GetNextToken().
+    /// Replaces the delimiters for this and every later call, then as GetNextToken().
     base::CString const& GetNextToken(char const* delimiters);
-    // The tokens from the current position on, without moving.
+    /// The tokens from the current position on, without moving.
     unsigned long GetTokenCount() const;
 
 private:

@@ -8,14 +8,14 @@
 namespace lumo {
 namespace util {
 
-// A growable array of 8-bit strings, copied in from texts and handed out by
-// reference. Capacity rule, bounds and failures as CObjectVector, with one
-// difference kept on purpose: SetElementAt with an index at or beyond the size
-// does nothing and throws nothing. A null text throws CIllegalArgumentException
-// "Invalid element."; elements compare case-sensitively with the text.
+/// A growable array of 8-bit strings, copied in from texts and handed out by
+/// reference. Capacity rule, bounds and failures as CObjectVector, with one
+/// difference kept on purpose: SetElementAt with an index at or beyond the size
+/// does nothing and throws nothing. A null text throws CIllegalArgumentException
+/// "Invalid element."; elements compare case-sensitively with the text.
 class LUMO_API CStringVector {
 public:
-    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    /// An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
     explicit CStringVector(unsigned long initialCapacity = 10, unsigned long increment = 10);
     CStringVector(CStringVector const& other);
     CStringVector& operator=(CStringVector const& other);
@@ -25,16 +25,16 @@ public:
     unsigned long GetCapacity() const { return m_store.Capacity(); }
 
     void AddElement(char const* text);
-    // index == size appends; index > size is out of bounds.
+    /// index == size appends; index > size is out of bounds.
     void InsertElementAt(char const* text, unsigned long index);
     void SetElementAt(char const* text, unsigned long index);
 
-    // CArrayIndexOutOfBoundsException for an index >= size.
+    /// CArrayIndexOutOfBoundsException for an index >= size.
     base::CString& GetElementAt(unsigned long index);
     base::CString const& GetElementAt(unsigned long index) const;
     base::CString& operator[](unsigned long index) { return GetElementAt(index); }
     base::CString const& operator[](unsigned long index) const { return GetElementAt(index); }
-    // CNoSuchElementException when empty.
+    /// CNoSuchElementException when empty.
     base::CString& GetFirstElement();
     base::CString const& GetFirstElement() const;
     base::CString& GetLastElement();
@@ -44,7 +44,7 @@ public:
     long GetIndexOf(char const* text) const;
     long GetLastIndexOf(char const* text) const;
 
-    // Removes the first element equal to `text`; nothing when there is none.
+    /// Removes the first element equal to `text`; nothing when there is none.
     void RemoveElement(char const* text);
     void RemoveElementAt(unsigned long index);
     void RemoveAllElements();
@@ -52,11 +52,11 @@ public:
     void EnsureCapacity(unsigned long n);
     void TrimToSize();
 
-    // `compare` receives pointers to two element slots (CString const*). A null
-    // function throws CIllegalArgumentException "Invalid compare function.".
+    /// `compare` receives pointers to two element slots (CString const*). A null
+    /// function throws CIllegalArgumentException "Invalid compare function.".
     void Sort(int (*compare)(void const*, void const*));
 
-    // The elements by index, read from the live vector.
+    /// The elements by index, read from the live vector.
     CEnumeration<base::CString> GetElements() const;
 
     bool operator==(CStringVector const& other) const;

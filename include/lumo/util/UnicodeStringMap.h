@@ -8,18 +8,18 @@
 namespace lumo {
 namespace util {
 
-// An ordered map of UTF-16 strings: keys and values in two parallel arrays, in
-// insertion order, found by linear scan (no hashing, no sorting). Keys and values
-// compare exactly (there is no case-insensitive mode). The
-// arrays follow the containers' capacity rule; a failed allocation throws
-// CMemoryException and leaves the map unchanged.
+/// An ordered map of UTF-16 strings: keys and values in two parallel arrays, in
+/// insertion order, found by linear scan (no hashing, no sorting). Keys and values
+/// compare exactly (there is no case-insensitive mode). The
+/// arrays follow the containers' capacity rule; a failed allocation throws
+/// CMemoryException and leaves the map unchanged.
 class LUMO_API CUnicodeStringMap {
 public:
     class CKeyIterator;
     class CConstValueIterator;
 
-    // An increment of 0 becomes 5. Both arrays are allocated at once for a
-    // non-zero initial capacity.
+    /// An increment of 0 becomes 5. Both arrays are allocated at once for a
+    /// non-zero initial capacity.
     explicit CUnicodeStringMap(unsigned long initialCapacity = 0, unsigned long increment = 5);
     CUnicodeStringMap(CUnicodeStringMap const& other);
     CUnicodeStringMap& operator=(CUnicodeStringMap const& other);
@@ -29,46 +29,46 @@ public:
     bool IsEmpty() const { return m_size == 0; }
     unsigned long GetCapacity() const { return m_capacity; }
 
-    // A null or empty key throws CIllegalArgumentException "Invalid key.". A
-    // present key keeps its spelling and gets the value (a null value stores an
-    // empty one); a new key is appended.
+    /// A null or empty key throws CIllegalArgumentException "Invalid key.". A
+    /// present key keeps its spelling and gets the value (a null value stores an
+    /// empty one); a new key is appended.
     void Put(unsigned short const* key, unsigned short const* value);
-    // The value of `key`; CNoSuchElementException when absent.
+    /// The value of `key`; CNoSuchElementException when absent.
     base::CUnicodeString& Get(unsigned short const* key);
     base::CUnicodeString const& Get(unsigned short const* key) const;
     bool ContainsKey(unsigned short const* key) const { return GetIndexOfKey(key) >= 0; }
-    // -1 when absent.
+    /// -1 when absent.
     long GetIndexOfKey(unsigned short const* key) const;
-    // Searches the values exactly (a null value stands for an empty one).
+    /// Searches the values exactly (a null value stands for an empty one).
     bool Contains(unsigned short const* value) const { return GetIndexOf(value) >= 0; }
     long GetIndexOf(unsigned short const* value) const;
 
-    // CArrayIndexOutOfBoundsException for an index >= size.
+    /// CArrayIndexOutOfBoundsException for an index >= size.
     base::CUnicodeString& GetKeyAt(unsigned long index);
     base::CUnicodeString const& GetKeyAt(unsigned long index) const;
     base::CUnicodeString& GetAt(unsigned long index);
     base::CUnicodeString const& GetAt(unsigned long index) const;
 
-    // Removes the entry of `key` and closes the gap; nothing when absent.
+    /// Removes the entry of `key` and closes the gap; nothing when absent.
     void Remove(unsigned short const* key);
     void RemoveAll();
 
     void EnsureCapacity(unsigned long n);
     void TrimToSize();
 
-    // Same size and exactly equal keys and values index by index.
+    /// Same size and exactly equal keys and values index by index.
     bool operator==(CUnicodeStringMap const& other) const;
     bool operator!=(CUnicodeStringMap const& other) const { return !(*this == other); }
 
     CKeyIterator GetKeyIterator() const;
     CConstValueIterator GetValueIterator() const;
 
-    // Walk the keys, or the values, in index order, reading the live map.
+    /// Walk the keys, or the values, in index order, reading the live map.
     class LUMO_API CKeyIterator {
     public:
         explicit CKeyIterator(CUnicodeStringMap const* map) : m_map(map), m_index(0) {}
         bool HasMoreElements() const { return m_index < m_map->m_size; }
-        // CNoSuchElementException past the end.
+        /// CNoSuchElementException past the end.
         base::CUnicodeString const& NextElement();
         void Reset() { m_index = 0; }
 

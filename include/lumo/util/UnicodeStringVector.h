@@ -8,14 +8,14 @@
 namespace lumo {
 namespace util {
 
-// A growable array of UTF-16 strings, copied in from texts and handed out by
-// reference. Capacity rule, bounds and failures as CObjectVector, with one
-// difference kept on purpose: SetElementAt with an index at or beyond the size
-// does nothing and throws nothing. A null text throws CIllegalArgumentException
-// "Invalid element."; elements compare case-sensitively with the text.
+/// A growable array of UTF-16 strings, copied in from texts and handed out by
+/// reference. Capacity rule, bounds and failures as CObjectVector, with one
+/// difference kept on purpose: SetElementAt with an index at or beyond the size
+/// does nothing and throws nothing. A null text throws CIllegalArgumentException
+/// "Invalid element."; elements compare case-sensitively with the text.
 class LUMO_API CUnicodeStringVector {
 public:
-    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    /// An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
     explicit CUnicodeStringVector(unsigned long initialCapacity = 10, unsigned long increment = 10);
     CUnicodeStringVector(CUnicodeStringVector const& other);
     CUnicodeStringVector& operator=(CUnicodeStringVector const& other);
@@ -25,18 +25,18 @@ public:
     unsigned long GetCapacity() const { return m_store.Capacity(); }
 
     void AddElement(unsigned short const* text);
-    // index == size appends; index > size is out of bounds.
+    /// index == size appends; index > size is out of bounds.
     void InsertElementAt(unsigned short const* text, unsigned long index);
     void SetElementAt(unsigned short const* text, unsigned long index);
 
-    // CArrayIndexOutOfBoundsException for an index >= size.
+    /// CArrayIndexOutOfBoundsException for an index >= size.
     base::CUnicodeString& GetElementAt(unsigned long index);
     base::CUnicodeString const& GetElementAt(unsigned long index) const;
     base::CUnicodeString& operator[](unsigned long index) { return GetElementAt(index); }
     base::CUnicodeString const& operator[](unsigned long index) const {
         return GetElementAt(index);
     }
-    // CNoSuchElementException when empty.
+    /// CNoSuchElementException when empty.
     base::CUnicodeString& GetFirstElement();
     base::CUnicodeString const& GetFirstElement() const;
     base::CUnicodeString& GetLastElement();
@@ -46,7 +46,7 @@ public:
     long GetIndexOf(unsigned short const* text) const;
     long GetLastIndexOf(unsigned short const* text) const;
 
-    // Removes the first element equal to `text`; nothing when there is none.
+    /// Removes the first element equal to `text`; nothing when there is none.
     void RemoveElement(unsigned short const* text);
     void RemoveElementAt(unsigned long index);
     void RemoveAllElements();
@@ -54,11 +54,11 @@ public:
     void EnsureCapacity(unsigned long n);
     void TrimToSize();
 
-    // `compare` receives pointers to two element slots (CUnicodeString const*). A null
-    // function throws CIllegalArgumentException "Invalid compare function.".
+    /// `compare` receives pointers to two element slots (CUnicodeString const*). A null
+    /// function throws CIllegalArgumentException "Invalid compare function.".
     void Sort(int (*compare)(void const*, void const*));
 
-    // The elements by index, read from the live vector.
+    /// The elements by index, read from the live vector.
     CEnumeration<base::CUnicodeString> GetElements() const;
 
     bool operator==(CUnicodeStringVector const& other) const;

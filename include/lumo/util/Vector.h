@@ -11,14 +11,14 @@ namespace util {
 
 template <class T> class VectorEnumeration;
 
-// A growable array of values of T, copied in and handed out by reference. The
-// capacity is a multiple of the increment (until TrimToSize), grows on demand
-// and shrinks in whole increments after removals, never below one increment.
-// A failed allocation throws CMemoryException and leaves the vector unchanged.
-// Searches need T's operator==.
+/// A growable array of values of T, copied in and handed out by reference. The
+/// capacity is a multiple of the increment (until TrimToSize), grows on demand
+/// and shrinks in whole increments after removals, never below one increment.
+/// A failed allocation throws CMemoryException and leaves the vector unchanged.
+/// Searches need T's operator==.
 template <class T> class Vector {
 public:
-    // An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
+    /// An increment of 0 is rejected (CIllegalArgumentException "Invalid increment.").
     explicit Vector(unsigned long initialCapacity = 10, unsigned long increment = 10)
         : m_store(CheckedIncrement(increment)) {
         if (initialCapacity != 0 && !m_store.Reserve(initialCapacity))
@@ -50,7 +50,7 @@ public:
     }
     bool operator!=(Vector const& other) const { return !(*this == other); }
 
-    // CArrayIndexOutOfBoundsException for an index >= size.
+    /// CArrayIndexOutOfBoundsException for an index >= size.
     T& GetElementAt(unsigned long index) { return m_store.Data()[CheckIndex(index, __LINE__)]; }
     T const& GetElementAt(unsigned long index) const {
         return m_store.Data()[CheckIndex(index, __LINE__)];
@@ -58,7 +58,7 @@ public:
     T& operator[](unsigned long index) { return GetElementAt(index); }
     T const& operator[](unsigned long index) const { return GetElementAt(index); }
 
-    // CNoSuchElementException when empty.
+    /// CNoSuchElementException when empty.
     T& GetFirstElement() { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
     T const& GetFirstElement() const { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
     T& GetLastElement() { return m_store.Data()[CheckNotEmpty(__LINE__) + m_store.Size() - 1]; }
@@ -84,7 +84,7 @@ public:
         if (!m_store.Append(value))
             ThrowMemory(__LINE__);
     }
-    // index == size appends; index > size is out of bounds.
+    /// index == size appends; index > size is out of bounds.
     void InsertElementAt(T const& value, unsigned long index) {
         if (index > m_store.Size())
             throw base::CArrayIndexOutOfBoundsException(kUnit, __LINE__);
@@ -95,7 +95,7 @@ public:
         m_store.Data()[CheckIndex(index, __LINE__)] = value;
     }
 
-    // Removes the first element equal to `value`; nothing when there is none.
+    /// Removes the first element equal to `value`; nothing when there is none.
     void RemoveElement(T const& value) {
         long const index = GetIndexOf(value);
         if (index >= 0)
@@ -110,18 +110,18 @@ public:
             ThrowMemory(__LINE__);
     }
 
-    // Grows (never shrinks) to the capacity rule for `n` slots.
+    /// Grows (never shrinks) to the capacity rule for `n` slots.
     void EnsureCapacity(unsigned long n) {
         if (!m_store.Reserve(n))
             ThrowMemory(__LINE__);
     }
-    // Exactly size slots; an empty vector releases its buffer.
+    /// Exactly size slots; an empty vector releases its buffer.
     void TrimToSize() {
         if (!m_store.TrimToSize())
             ThrowMemory(__LINE__);
     }
 
-    // The elements by index, read from the live vector.
+    /// The elements by index, read from the live vector.
     CEnumeration<T> GetElements() const { return new (kUnit, __LINE__) VectorEnumeration<T>(this); }
 
 private:
@@ -160,7 +160,7 @@ private:
     detail::ArrayStore<T> m_store;
 };
 
-// Walks a vector by index.
+/// Walks a vector by index.
 template <class T> class VectorEnumeration : public IEnumeration<T> {
 public:
     explicit VectorEnumeration(Vector<T> const* vector) : m_vector(vector), m_index(0) {}

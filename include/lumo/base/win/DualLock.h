@@ -7,20 +7,20 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// CMultiLock for exactly two waitable sync objects, without allocation.
+/// CMultiLock for exactly two waitable sync objects, without allocation.
 class LUMO_API CDualLock : public CBase {
 public:
-    // CIllegalArgumentException "Sync object 1 is invalid." / "Sync object 2 is
-    // invalid." for a null object, "Sync object 1 is not waitable." / "Sync object 2
-    // is not waitable." for one without wait handle (a critical section). lockNow
-    // calls Lock(false, CSyncObject::Timeout_Infinite).
+    /// CIllegalArgumentException "Sync object 1 is invalid." / "Sync object 2 is
+    /// invalid." for a null object, "Sync object 1 is not waitable." / "Sync object 2
+    /// is not waitable." for one without wait handle (a critical section). lockNow
+    /// calls Lock(false, CSyncObject::Timeout_Infinite).
     CDualLock(CSyncObject* first, CSyncObject* second, bool lockNow = false);
     ~CDualLock();
 
-    // As CMultiLock::Lock with two objects.
+    /// As CMultiLock::Lock with two objects.
     unsigned long Lock(bool waitAll, unsigned long timeout);
     void Unlock();
-    // CArrayIndexOutOfBoundsException for an index other than 0 and 1.
+    /// CArrayIndexOutOfBoundsException for an index other than 0 and 1.
     bool IsLocked(unsigned long index) const;
 
     CDualLock(CDualLock const&) = delete;

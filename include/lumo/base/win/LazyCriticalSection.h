@@ -11,14 +11,14 @@ struct SystemCriticalSection;
 }
 namespace win {
 
-// A critical section meant to be made on first use, guarded by a spin lock.
-//
-// Defined behaviour, kept from the original library (as for CLazyLock): the creation
-// step tests the stored pointer the wrong way round and makes a critical section
-// only when one already exists, so none is ever made. Acquire therefore throws
-// CSynchronizationException "Failed to enter critical section."; TryAcquire, which
-// in the original faults on the missing section, throws the same exception here;
-// Release does nothing.
+/// A critical section meant to be made on first use, guarded by a spin lock.
+///
+/// Defined behaviour, kept from the original library (as for CLazyLock): the creation
+/// step tests the stored pointer the wrong way round and makes a critical section
+/// only when one already exists, so none is ever made. Acquire therefore throws
+/// CSynchronizationException "Failed to enter critical section."; TryAcquire, which
+/// in the original faults on the missing section, throws the same exception here;
+/// Release does nothing.
 class LUMO_API CLazyCriticalSection : public CSyncObject {
     LUMO_DECLARE_CLASS(CLazyCriticalSection);
 

@@ -7,19 +7,19 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// Scoped acquisition of one sync object (not owned); the destructor releases it
-// when it is held. Belongs to one thread.
+/// Scoped acquisition of one sync object (not owned); the destructor releases it
+/// when it is held. Belongs to one thread.
 class LUMO_API CSingleLock : public CBase {
 public:
-    // A null object throws CIllegalArgumentException "Invalid sync object.".
+    /// A null object throws CIllegalArgumentException "Invalid sync object.".
     explicit CSingleLock(CSyncObject* object, bool lockNow = false);
     ~CSingleLock();
 
-    // The object's Acquire; then locked.
+    /// The object's Acquire; then locked.
     void Lock();
-    // The object's TryAcquire(timeout); locked when it succeeds.
+    /// The object's TryAcquire(timeout); locked when it succeeds.
     bool Lock(unsigned long timeout);
-    // Releases the object once, if locked.
+    /// Releases the object once, if locked.
     void Unlock();
     bool IsLocked() const { return m_locked; }
 

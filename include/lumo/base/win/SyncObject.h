@@ -8,10 +8,10 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// Base of the Windows-style synchronization objects: an optional name and the
-// kernel wait handle (null for objects that cannot be waited on, such as critical
-// sections). On POSIX the handles are those of the library's emulation of kernel
-// wait objects; the wait results keep their Windows values.
+/// Base of the Windows-style synchronization objects: an optional name and the
+/// kernel wait handle (null for objects that cannot be waited on, such as critical
+/// sections). On POSIX the handles are those of the library's emulation of kernel
+/// wait objects; the wait results keep their Windows values.
 class LUMO_API CSyncObject : public CObject {
     LUMO_DECLARE_CLASS(CSyncObject);
 
@@ -24,13 +24,13 @@ public:
     static constexpr unsigned long Wait_Timeout = 0x102;
     static constexpr unsigned long Wait_Failed = 0xFFFFFFFF;
     static constexpr unsigned long Timeout_Infinite = 0xFFFFFFFF;
-    // The most handles one wait can take.
+    /// The most handles one wait can take.
     static constexpr unsigned long Maximum_Wait_Objects = 64;
 
-    // Closes the handle.
+    /// Closes the handle.
     ~CSyncObject() override;
 
-    // Whether TryAcquire honours its timeout (false: it only tries once).
+    /// Whether TryAcquire honours its timeout (false: it only tries once).
     virtual bool IsTimeoutSupported() const;
     virtual void Acquire() = 0;
     virtual bool TryAcquire(unsigned long timeout) = 0;
@@ -40,29 +40,29 @@ public:
     bool IsNamed() const { return !m_name.IsEmpty(); }
     Handle GetHandle() const { return m_handle; }
 
-    // The wait result (Wait_Object_0, Wait_Abandoned, Wait_Timeout or Wait_Failed).
-    // A null handle throws CIllegalArgumentException "Invalid wait handle.".
+    /// The wait result (Wait_Object_0, Wait_Abandoned, Wait_Timeout or Wait_Failed).
+    /// A null handle throws CIllegalArgumentException "Invalid wait handle.".
     static unsigned long WaitForSingleSyncObject(Handle handle, unsigned long timeout);
-    // Waits until one (waitAll false) or all of the objects are signalled and takes
-    // them; the result is offset by the index of the object concerned. A count below
-    // 2 or above Maximum_Wait_Objects throws CIllegalArgumentException "Invalid wait
-    // handle count."; a null array, or one naming an object twice, "Invalid wait
-    // handle array."; a null handle in it "Invalid wait handle.".
+    /// Waits until one (waitAll false) or all of the objects are signalled and takes
+    /// them; the result is offset by the index of the object concerned. A count below
+    /// 2 or above Maximum_Wait_Objects throws CIllegalArgumentException "Invalid wait
+    /// handle count."; a null array, or one naming an object twice, "Invalid wait
+    /// handle array."; a null handle in it "Invalid wait handle.".
     static unsigned long WaitForMultipleSyncObject(unsigned long count, Handle const* handles,
                                                    bool waitAll, unsigned long timeout);
 
-    // Kernel wait objects alive in the process: mutexes, events, semaphores and
-    // threads, anonymous or named (a diagnostic: handles are not leaked when it goes
-    // back to where it was).
+    /// Kernel wait objects alive in the process: mutexes, events, semaphores and
+    /// threads, anonymous or named (a diagnostic: handles are not leaked when it goes
+    /// back to where it was).
     static unsigned long GetKernelObjectCount();
 
     CSyncObject(CSyncObject const&) = delete;
     CSyncObject& operator=(CSyncObject const&) = delete;
 
 protected:
-    // A null or empty name makes an anonymous object.
+    /// A null or empty name makes an anonymous object.
     explicit CSyncObject(char const* name);
-    // Takes ownership of the handle.
+    /// Takes ownership of the handle.
     void SetHandle(Handle handle) { m_handle = handle; }
 
 private:

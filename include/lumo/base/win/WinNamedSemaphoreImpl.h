@@ -7,13 +7,13 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// A semaphore shared between processes by name (on POSIX a named semaphore,
-// sem_open("/name")), with the maximum count 0x7FFFFFFF. See CSemaphore for the
-// name rules and the object's lifetime.
+/// A semaphore shared between processes by name (on POSIX a named semaphore,
+/// sem_open("/name")), with the maximum count 0x7FFFFFFF. See CSemaphore for the
+/// name rules and the object's lifetime.
 class LUMO_API CWinNamedSemaphoreImpl : public CWinSemaphoreImpl {
 public:
-    // CIllegalArgumentException "Invalid semaphore name." / "Invalid initial count.";
-    // CMemoryException when the semaphore cannot be made or opened.
+    /// CIllegalArgumentException "Invalid semaphore name." / "Invalid initial count.";
+    /// CMemoryException when the semaphore cannot be made or opened.
     CWinNamedSemaphoreImpl(char const* name, unsigned long initialCount);
     ~CWinNamedSemaphoreImpl() override;
 

@@ -7,29 +7,29 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// A semaphore over one kernel semaphore handle, anonymous (process-local).
+/// A semaphore over one kernel semaphore handle, anonymous (process-local).
 class LUMO_API CWinSemaphoreImpl : public CSemaphoreImpl {
 public:
-    // CIllegalArgumentException "Invalid initial count." / "Invalid maximum count.";
-    // CMemoryException when the semaphore cannot be made.
+    /// CIllegalArgumentException "Invalid initial count." / "Invalid maximum count.";
+    /// CMemoryException when the semaphore cannot be made.
     CWinSemaphoreImpl(unsigned long initialCount, unsigned long maximumCount);
-    // Closes the handle.
+    /// Closes the handle.
     ~CWinSemaphoreImpl() override;
 
     bool IsNamed() const override;
     bool IsShared() const override;
-    // Signalled (or abandoned) results succeed; any other result throws
-    // CSynchronizationException "Failed to acquire the semaphore.".
+    /// Signalled (or abandoned) results succeed; any other result throws
+    /// CSynchronizationException "Failed to acquire the semaphore.".
     void Acquire() override;
     bool TryAcquire(unsigned long timeout) override;
-    // CSynchronizationException "Failed to release the semaphore.".
+    /// CSynchronizationException "Failed to release the semaphore.".
     void Release() override;
 
     CWinSemaphoreImpl(CWinSemaphoreImpl const&) = delete;
     CWinSemaphoreImpl& operator=(CWinSemaphoreImpl const&) = delete;
 
 protected:
-    // Takes ownership of a handle made by a derived class.
+    /// Takes ownership of a handle made by a derived class.
     explicit CWinSemaphoreImpl(void* handle);
 
 private:

@@ -7,8 +7,8 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// A failed system call: the error code (an errno value on POSIX) and, as message,
-// the system's text for it.
+/// A failed system call: the error code (an errno value on POSIX) and, as message,
+/// the system's text for it.
 class LUMO_API CWinSystemErrorException : public CException {
     LUMO_DECLARE_CLASS(CWinSystemErrorException);
 

@@ -7,16 +7,16 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// The operating-system thread behind a CThread: a kernel thread object that is
-// signalled when the thread ends (on POSIX a pthread in the library's kernel-object
-// emulation, joined when a wait sees it ended). See CThread for the behaviour and
-// the exceptions. Start must happen before the other calls are made from other
-// threads.
+/// The operating-system thread behind a CThread: a kernel thread object that is
+/// signalled when the thread ends (on POSIX a pthread in the library's kernel-object
+/// emulation, joined when a wait sees it ended). See CThread for the behaviour and
+/// the exceptions. Start must happen before the other calls are made from other
+/// threads.
 class LUMO_API CWinThreadImpl : public CThreadImpl {
 public:
     CWinThreadImpl();
-    // Closes the handle; a thread still running goes on (and is reclaimed when it
-    // ends).
+    /// Closes the handle; a thread still running goes on (and is reclaimed when it
+    /// ends).
     ~CWinThreadImpl() override;
 
     long GetPriority() override;
@@ -28,7 +28,7 @@ public:
     void Destroy() override;
     void Exit(unsigned long code) override;
 
-    // The number the system gave the thread at its start (0 before).
+    /// The number the system gave the thread at its start (0 before).
     unsigned long GetThreadId() const { return m_threadId; }
 
     CWinThreadImpl(CWinThreadImpl const&) = delete;

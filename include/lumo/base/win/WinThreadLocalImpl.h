@@ -7,19 +7,19 @@ namespace lumo {
 namespace base {
 namespace win {
 
-// A thread-local slot index of the operating system (a TLS index on Windows, a
-// pthread key on POSIX). Freed by the destructor when allocated.
+/// A thread-local slot index of the operating system (a TLS index on Windows, a
+/// pthread key on POSIX). Freed by the destructor when allocated.
 class LUMO_API CWinThreadLocalImpl : public CThreadLocalImpl {
 public:
     CWinThreadLocalImpl();
     ~CWinThreadLocalImpl() override;
 
-    // CWinSystemErrorException "There is no available free TLS slot." with the
-    // system's code. A second call keeps the slot it has.
+    /// CWinSystemErrorException "There is no available free TLS slot." with the
+    /// system's code. A second call keeps the slot it has.
     void Allocate() override;
-    // CWinSystemErrorException "Failed to get the value of the TLS slot." /
-    // "Failed to set the value of the TLS slot." when the system fails, or when no
-    // slot has been allocated (EINVAL).
+    /// CWinSystemErrorException "Failed to get the value of the TLS slot." /
+    /// "Failed to set the value of the TLS slot." when the system fails, or when no
+    /// slot has been allocated (EINVAL).
     void* GetValue() override;
     void SetValue(void* value) override;
 
