@@ -3,6 +3,8 @@
 
 #include <lumo/base/win/SyncObject.h>
 
+#include <memory>
+
 namespace lumo {
 namespace base {
 namespace win {
@@ -37,9 +39,9 @@ public:
 
 private:
     unsigned long m_count;
-    CSyncObject** m_objects;
-    CSyncObject::Handle* m_handles;
-    bool* m_locked;
+    std::unique_ptr<CSyncObject*[]> m_objects;
+    std::unique_ptr<CSyncObject::Handle[]> m_handles;
+    std::unique_ptr<bool[]> m_locked;
 };
 
 } // namespace win

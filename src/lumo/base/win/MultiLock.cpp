@@ -9,7 +9,7 @@ namespace base {
 namespace win {
 
 CMultiLock::CMultiLock(unsigned long count, CSyncObject* const* objects, bool lockNow)
-    : m_count(count), m_objects(nullptr), m_handles(nullptr), m_locked(nullptr) {
+    : m_count(count) {
     if (count == 0 || count > CSyncObject::Maximum_Wait_Objects)
         throw CIllegalArgumentException("lumo/base/win/MultiLock", __LINE__,
                                         "Invalid sync object count.");
@@ -20,30 +20,19 @@ CMultiLock::CMultiLock(unsigned long count, CSyncObject* const* objects, bool lo
         if (objects[i] == nullptr)
             throw CIllegalArgumentException("lumo/base/win/MultiLock", __LINE__,
                                             "Invalid sync object.");
-    m_objects = new (std::nothrow) CSyncObject*[count];
-    m_handles = new (std::nothrow) CSyncObject::Handle[count];
-    m_locked = new (std::nothrow) bool[count];
-    if (m_objects == nullptr || m_handles == nullptr || m_locked == nullptr) {
-        delete[] m_objects;
-        delete[] m_handles;
-        delete[] m_locked;
+    // Held by the members, so a failure below frees whatever was obtained.
+    m_objects.reset(new (std::nothrow) CSyncObject*[count]);
+    m_handles.reset(new (std::nothrow) CSyncObject::Handle[count]);
+    m_locked.reset(new (std::nothrow) bool[count]);
+    if (m_objects == nullptr || m_handles == nullptr || m_locked == nullptr)
         throw CMemoryException("lumo/base/win/MultiLock", __LINE__);
-    }
     for (unsigned long i = 0; i < count; ++i) {
         m_objects[i] = objects[i];
         m_handles[i] = objects[i]->GetHandle();
         m_locked[i] = false;
     }
-    if (lockNow) {
-        try {
-            Lock(false, CSyncObject::Timeout_Infinite);
-        } catch (...) {
-            delete[] m_objects;
-            delete[] m_handles;
-            delete[] m_locked;
-            throw;
-        }
-    }
+    if (lockNow)
+        Lock(false, CSyncObject::Timeout_Infinite);
 }
 
 CMultiLock::~CMultiLock() {
@@ -52,14 +41,11 @@ CMultiLock::~CMultiLock() {
     } catch (...) {
         // A destructor must not throw.
     }
-    delete[] m_objects;
-    delete[] m_handles;
-    delete[] m_locked;
 }
 
 unsigned long CMultiLock::Lock(bool waitAll, unsigned long timeout) {
     unsigned long const result =
-        CSyncObject::WaitForMultipleSyncObject(m_count, m_handles, waitAll, timeout);
+        CSyncObject::WaitForMultipleSyncObject(m_count, m_handles.get(), waitAll, timeout);
     if (result < CSyncObject::Wait_Object_0 + m_count) {
         if (waitAll) {
             for (unsigned long i = 0; i < m_count; ++i)
