@@ -7,6 +7,10 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kNewFailureLine = 150;      // operator new
+unsigned long const kNewArrayFailureLine = 198; // operator new[]
+
 CNull const null;
 
 namespace {
@@ -23,14 +27,14 @@ void CBase::ThrowMemoryException(char const* file, int line) {
 void* CBase::operator new(std::size_t size) {
     void* p = Allocate(size);
     if (p == nullptr)
-        ThrowMemoryException("lumo/base/Base", 150);
+        ThrowMemoryException("lumo/base/Base", kNewFailureLine);
     return p;
 }
 
 void* CBase::operator new[](std::size_t size) {
     void* p = Allocate(size);
     if (p == nullptr)
-        ThrowMemoryException("lumo/base/Base", 198);
+        ThrowMemoryException("lumo/base/Base", kNewArrayFailureLine);
     return p;
 }
 

@@ -12,6 +12,18 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kBase64FormatLine = 672;     // malformed base64
+unsigned long const kBase64MemoryLine = 679;     // no memory for decoded base64
+unsigned long const kBinHexFormatLine = 318;     // malformed binhex
+unsigned long const kBinHexMemoryLine = 325;     // no memory for decoded binhex
+unsigned long const kCopyMemoryLine = 405;       // no memory for a copy of the data
+unsigned long const kTruncateLine = 547;         // truncating to a greater length
+unsigned long const kFromBinHexLine = 585;       // From...String with no text
+unsigned long const kParseNullLine = 833;        // Parse...String with no text
+unsigned long const kParseNullLengthLine = 848;  // Parse...String(text, length) with no text
+unsigned long const kParseEmptyLengthLine = 850; // Parse...String(text, length) with length 0
+
 namespace {
 
 char const kUnit[] = "lumo/base/BinaryData";
@@ -64,12 +76,13 @@ void DecodeBase64(Unit const* text, std::size_t textLength, char*& data, unsigne
     data = nullptr;
     length = 0;
     if (textLength % 4 != 0)
-        throw CNumberFormatException(kUnit, 672, "Invalid base64 encoded binary data.", nullptr);
+        throw CNumberFormatException(kUnit, kBase64FormatLine,
+                                     "Invalid base64 encoded binary data.", nullptr);
     if (textLength == 0)
         return;
     auto* out = static_cast<unsigned char*>(std::malloc(textLength / 4 * 3));
     if (out == nullptr)
-        throw CMemoryException(kUnit, 679);
+        throw CMemoryException(kUnit, kBase64MemoryLine);
     std::size_t n = 0;
     std::size_t i = 0;
     // Fast path over whole groups of the alphabet. Every group but the last may
@@ -121,13 +134,14 @@ void DecodeBinHex(Unit const* text, std::size_t textLength, char*& data, unsigne
     data = nullptr;
     length = 0;
     if (textLength % 2 != 0)
-        throw CNumberFormatException(kUnit, 318, "Invalid binhex encoded binary data.", nullptr);
+        throw CNumberFormatException(kUnit, kBinHexFormatLine,
+                                     "Invalid binhex encoded binary data.", nullptr);
     std::size_t const n = textLength / 2;
     if (n == 0)
         return;
     auto* out = static_cast<unsigned char*>(std::malloc(n));
     if (out == nullptr)
-        throw CMemoryException(kUnit, 325);
+        throw CMemoryException(kUnit, kBinHexMemoryLine);
     for (std::size_t i = 0; i < n; ++i) {
         int const hi = codec::BinHexDigit(text[2 * i]);
         int const lo = codec::BinHexDigit(text[2 * i + 1]);
@@ -155,7 +169,7 @@ char* CopyBlock(char const* data, unsigned long length) {
         throw CIllegalArgumentException(kUnit, __LINE__, "Illegal data pointer.");
     char* block = static_cast<char*>(std::malloc(length));
     if (block == nullptr)
-        throw CMemoryException(kUnit, 405);
+        throw CMemoryException(kUnit, kCopyMemoryLine);
     std::memcpy(block, data, length);
     return block;
 }
@@ -167,7 +181,7 @@ CBinaryData::CBinaryData(unsigned long length) : m_data(nullptr), m_length(0) {
         return;
     m_data = static_cast<char*>(std::calloc(length, 1));
     if (m_data == nullptr)
-        throw CMemoryException(kUnit, 405);
+        throw CMemoryException(kUnit, kCopyMemoryLine);
     m_length = length;
 }
 
@@ -195,7 +209,7 @@ void CBinaryData::Replace(char* data, unsigned long length) noexcept {
 
 void CBinaryData::Truncate(unsigned long newLength) {
     if (newLength > m_length)
-        throw CIllegalArgumentException(kUnit, 547, "Invalid new data length.");
+        throw CIllegalArgumentException(kUnit, kTruncateLine, "Invalid new data length.");
     if (newLength == 0)
         Replace(nullptr, 0);
     else
@@ -239,28 +253,28 @@ void CBinaryData::ToBinHexUnicodeString(CUnicodeString& out) const {
 
 void CBinaryData::FromBinHexString(char const* text) {
     if (text == nullptr || *text == '\0')
-        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kFromBinHexLine, "Invalid value buffer.");
     Replace(nullptr, 0);
     ParseBinHexString(text, m_data, m_length);
 }
 
 void CBinaryData::FromBinHexString(char const* text, unsigned long length) {
     if (text == nullptr || length == 0)
-        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kFromBinHexLine, "Invalid value buffer.");
     Replace(nullptr, 0);
     ParseBinHexString(text, length, m_data, m_length);
 }
 
 void CBinaryData::FromBinHexUnicodeString(unsigned short const* text) {
     if (text == nullptr || *text == 0)
-        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kFromBinHexLine, "Invalid value buffer.");
     Replace(nullptr, 0);
     ParseBinHexUnicodeString(text, m_data, m_length);
 }
 
 void CBinaryData::FromBinHexUnicodeString(unsigned short const* text, unsigned long length) {
     if (text == nullptr || length == 0)
-        throw CIllegalArgumentException(kUnit, 585, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kFromBinHexLine, "Invalid value buffer.");
     Replace(nullptr, 0);
     ParseBinHexUnicodeString(text, length, m_data, m_length);
 }
@@ -324,7 +338,7 @@ void CBinaryData::ParseBinHexString(char const* text, char*& data, unsigned long
     data = nullptr;
     length = 0;
     if (text == nullptr || *text == '\0')
-        throw CIllegalArgumentException(kUnit, 833, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kParseNullLine, "Invalid value buffer.");
     DecodeBinHex(text, std::strlen(text), data, length, 269);
 }
 
@@ -333,9 +347,10 @@ void CBinaryData::ParseBinHexString(char const* text, unsigned long textLength, 
     data = nullptr;
     length = 0;
     if (text == nullptr)
-        throw CIllegalArgumentException(kUnit, 848, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kParseNullLengthLine, "Invalid value buffer.");
     if (textLength == 0)
-        throw CIllegalArgumentException(kUnit, 850, "Invalid value buffer length.");
+        throw CIllegalArgumentException(kUnit, kParseEmptyLengthLine,
+                                        "Invalid value buffer length.");
     DecodeBinHex(text, textLength, data, length, 269);
 }
 
@@ -349,7 +364,7 @@ void CBinaryData::ParseBinHexUnicodeString(unsigned short const* text, char*& da
     data = nullptr;
     length = 0;
     if (text == nullptr || *text == 0)
-        throw CIllegalArgumentException(kUnit, 833, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kParseNullLine, "Invalid value buffer.");
     DecodeBinHex(text, UnitLength(text), data, length, 285);
 }
 
@@ -358,9 +373,10 @@ void CBinaryData::ParseBinHexUnicodeString(unsigned short const* text, unsigned 
     data = nullptr;
     length = 0;
     if (text == nullptr)
-        throw CIllegalArgumentException(kUnit, 848, "Invalid value buffer.");
+        throw CIllegalArgumentException(kUnit, kParseNullLengthLine, "Invalid value buffer.");
     if (textLength == 0)
-        throw CIllegalArgumentException(kUnit, 850, "Invalid value buffer length.");
+        throw CIllegalArgumentException(kUnit, kParseEmptyLengthLine,
+                                        "Invalid value buffer length.");
     DecodeBinHex(text, textLength, data, length, 285);
 }
 

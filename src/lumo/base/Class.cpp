@@ -9,6 +9,10 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kNoFactoryLine = 221;      // a class without a factory
+unsigned long const kFactoryFailureLine = 216; // a factory that made nothing
+
 CClass::CClass(char const* qualifiedName, char const* baseName1, char const* baseName2,
                char const* baseName3, unsigned long size, Constructor constructor)
     : m_qualifiedName(qualifiedName), m_baseName1(baseName1), m_baseName2(baseName2),
@@ -83,12 +87,12 @@ bool CClass::IsInstanceOf(CClass const* cls) const {
 
 CObject* CClass::CreateNewInstance() const {
     if (m_constructor == nullptr)
-        throw CInstantiationException("lumo/base/Class", 221,
+        throw CInstantiationException("lumo/base/Class", kNoFactoryLine,
                                       "Attempt to instantiate an interface or an abstract class.",
                                       nullptr, m_qualifiedName);
     CObject* object = m_constructor();
     if (object == nullptr)
-        throw CMemoryException("lumo/base/Class", 216);
+        throw CMemoryException("lumo/base/Class", kFactoryFailureLine);
     return object;
 }
 

@@ -11,6 +11,9 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kClassNotFoundLine = 183; // CreateInstance of an unknown name
+
 struct CClassManager::Entry {
     std::int32_t hash;
     char const* key;
@@ -195,7 +198,7 @@ CClass* CClassManager::FindClass(char const* name) {
 CObject* CClassManager::CreateInstance(char const* name) {
     CClass* cls = FindClass(name);
     if (cls == nullptr)
-        throw CClassNotFoundException("lumo/base/ClassManager", 183,
+        throw CClassNotFoundException("lumo/base/ClassManager", kClassNotFoundLine,
                                       "The specified class is not found.", nullptr, name);
     return cls->CreateNewInstance();
 }

@@ -11,6 +11,9 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kRefillFailureLine = 218; // a pool that cannot grow
+
 // The two link words in front of every block handed out. On the free list only
 // `next` is used; on the used list both.
 struct CFixBlockAllocator::Block {
@@ -55,7 +58,7 @@ void* CFixBlockAllocator::Allocate() {
                                : nullptr;
             if (block == nullptr)
                 // Blocks taken so far stay on the free list.
-                throw CMemoryException("lumo/base/FixBlockAllocator", 218);
+                throw CMemoryException("lumo/base/FixBlockAllocator", kRefillFailureLine);
             block->prev = nullptr;
             block->next = m_free;
             m_free = block;

@@ -7,13 +7,16 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kBadFormatLine = 39; // a null or empty format
+
 namespace {
 
 char const kUnit[] = "lumo/base/FormattedString";
 
 void CheckFormat(bool empty) {
     if (empty)
-        throw CIllegalArgumentException(kUnit, 39, "Invalid format string.");
+        throw CIllegalArgumentException(kUnit, kBadFormatLine, "Invalid format string.");
 }
 
 } // namespace

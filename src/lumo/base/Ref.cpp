@@ -5,10 +5,15 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kNullObjectLine = 98;     // a record for a null object
+unsigned long const kNullReferenceLine = 437; // dereferencing an empty CRef
+
 RefCountedPtr::RefCountedPtr(void* object, bool owner, Deleter deleter)
     : m_object(object), m_owner(owner), m_count(1), m_deleter(deleter) {
     if (object == nullptr)
-        throw CIllegalArgumentException("lumo/base/RefCountedPtr", 98, "Invalid pointer.");
+        throw CIllegalArgumentException("lumo/base/RefCountedPtr", kNullObjectLine,
+                                        "Invalid pointer.");
 }
 
 void RefCountedPtr::Release(RefCountedPtr* record) noexcept {
@@ -25,7 +30,7 @@ void RefCountedPtr::Release(RefCountedPtr* record) noexcept {
 }
 
 void RefCountedPtr::ThrowNullReference() {
-    throw CNullReferenceException("lumo/base/Ref", 437);
+    throw CNullReferenceException("lumo/base/Ref", kNullReferenceLine);
 }
 
 void RefCountedPtr::DestroyObject(void* object, Deleter deleter) noexcept {

@@ -10,6 +10,9 @@
 namespace lumo {
 namespace base {
 
+// Line numbers that the library's documented behaviour fixes for these failures.
+unsigned long const kMemoryLine = 263; // no handle memory for the text
+
 namespace {
 
 // "No limit" for Store: the whole text is copied with CHCopyC.
@@ -92,7 +95,7 @@ void CStringH::Store(char const* s, unsigned long maxLength) {
     }
     std::size_t const n = maxLength == kWhole ? std::strlen(s) : ::strnlen(s, maxLength);
     if (n >= 0xFFFFFFFFu)
-        throw CMemoryException("lumo/base/StringH", 263);
+        throw CMemoryException("lumo/base/StringH", kMemoryLine);
     // A text inside our own block is copied out first: the copy routines may not
     // overlap, and the block may move when it grows.
     CString own;
@@ -116,7 +119,7 @@ void CStringH::MakeRoom(std::uint32_t n) {
     Vela::BMHandle handle = m_handle != nullptr ? Vela::bmManager::ResizeHandle(m_handle, n)
                                                 : Vela::bmManager::NewHandle(n);
     if (handle == nullptr)
-        throw CMemoryException("lumo/base/StringH", 263);
+        throw CMemoryException("lumo/base/StringH", kMemoryLine);
     m_handle = handle;
     m_capacity = n;
 }

@@ -18,7 +18,7 @@ CThreadImpl::~CThreadImpl() {}
 CThread::CThread()
     : m_implRef(new ("lumo/base/Thread", __LINE__) win::CWinThreadImpl), m_impl(m_implRef.Get()),
       m_condition(m_lock), m_stopped(false), m_autoDeleted(false),
-      m_control(new (std::nothrow) ::lumo::detail::ThreadControl(this)) {
+      m_control(new (std::nothrow)::lumo::detail::ThreadControl(this)) {
     if (m_control == nullptr)
         throw CMemoryException("lumo/base/Thread", __LINE__);
 }
