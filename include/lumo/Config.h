@@ -21,5 +21,15 @@
 #define LUMO_COLD VELA_COLD
 #define LUMO_LITTLE_ENDIAN VELA_LITTLE_ENDIAN
 #define LUMO_HAVE_SSE2 VELA_HAVE_SSE2
+#define LUMO_INIT_PRIORITY(priority) VELA_INIT_PRIORITY(priority)
+
+/// The start-up order of the library's static objects, stated here rather than left
+/// to the link order: the class records first (each registers itself), then the
+/// encoder registry, then the module's attach work; every other static object after
+/// them. Unloading goes backwards. Applications' class records take the first step
+/// too, which orders them only within their own binary.
+#define LUMO_CLASS_RECORD_PRIORITY 200
+#define LUMO_REGISTRY_PRIORITY 300
+#define LUMO_MODULE_PRIORITY 400
 
 #endif

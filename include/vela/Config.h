@@ -27,6 +27,14 @@
 #define VELA_COLD
 #endif
 
+// Orders a static object's construction: objects with a priority are made before all
+// others, lowest number first, and destroyed after them, in reverse.
+#if defined(__GNUC__)
+#define VELA_INIT_PRIORITY(priority) __attribute__((init_priority(priority)))
+#else
+#define VELA_INIT_PRIORITY(priority)
+#endif
+
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
 #define VELA_LITTLE_ENDIAN 0
 #else

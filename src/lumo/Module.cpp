@@ -1,5 +1,5 @@
-// The module's load and unload work. This unit is linked last, so its static object
-// is made after every class record of the library and destroyed before them.
+// The module's load and unload work. Its static object is made after every class
+// record and the encoder registry, and destroyed before them (LUMO_MODULE_PRIORITY).
 #include "Module.h"
 
 #include "ThreadSupport.h"
@@ -48,7 +48,7 @@ struct ModuleEntry {
     }
 };
 
-ModuleEntry g_module;
+ModuleEntry g_module LUMO_INIT_PRIORITY(LUMO_MODULE_PRIORITY);
 } // namespace
 
 long GetModuleId() {

@@ -78,8 +78,8 @@ public:                                                                         
 
 // The full form: up to three base names and a factory (or nullptr).
 #define LUMO_DEFINE_CLASS_EX(Name, qualifiedName, base1, base2, base3, factory)                    \
-    ::lumo::base::CClass Name::m_class##Name(qualifiedName, base1, base2, base3, sizeof(Name),     \
-                                             factory);                                             \
+    ::lumo::base::CClass Name::m_class##Name LUMO_INIT_PRIORITY(LUMO_CLASS_RECORD_PRIORITY)(       \
+        qualifiedName, base1, base2, base3, sizeof(Name), factory);                                \
     ::lumo::base::CClass const* Name::GetClass() const {                                           \
         return &Name::m_class##Name;                                                               \
     }

@@ -10,9 +10,11 @@ namespace io {
 
 namespace {
 
-char const kUnit[] = "lumo/io/WCharToCharConvFactory";
+char const kUnit[] = "lumo/io/WCharToCharConvFactory"; // the registry's documented source name
 
-CConcreteWCharToCharConverterFactory<CWCharToCharUTF8> g_utf8Factory("UTF-8");
+// Made before the module registers it (see LUMO_REGISTRY_PRIORITY).
+CConcreteWCharToCharConverterFactory<CWCharToCharUTF8>
+    g_utf8Factory LUMO_INIT_PRIORITY(LUMO_REGISTRY_PRIORITY)("UTF-8");
 
 void CheckName(char const* name, int line) {
     if (name == nullptr || *name == '\0')
@@ -25,7 +27,8 @@ void CheckName(char const* name, int line) {
 template class CConcreteWCharToCharConverterFactory<CWCharToCharUTF8>;
 
 util::CHashtable<base::CString, CWCharToCharConverterFactory*>
-    CWCharToCharConverterFactory::m_theConverterFactories;
+    CWCharToCharConverterFactory::m_theConverterFactories
+        LUMO_INIT_PRIORITY(LUMO_REGISTRY_PRIORITY);
 
 CWCharToCharConverterFactory::~CWCharToCharConverterFactory() {}
 
@@ -74,7 +77,7 @@ namespace detail {
 
 void RegisterBuiltInEncoders() {
     if (!io::CWCharToCharConverterFactory::RegisterConverterFactory(&io::g_utf8Factory))
-        throw base::CMemoryException("lumo/io/WCharToCharConvFactory", __LINE__);
+        throw base::CMemoryException(io::kUnit, __LINE__);
 }
 
 } // namespace detail
