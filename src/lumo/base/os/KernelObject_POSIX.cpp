@@ -17,7 +17,7 @@
 // Each thread that uses the objects has a record (found through a thread_local
 // pointer, cleaned up by a pthread key destructor) holding the list of mutexes it
 // owns, so that they are abandoned when the thread ends.
-#include "KernelObject.h"
+#include "KernelObjectCore_POSIX.h"
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -42,130 +42,13 @@ namespace base {
 namespace win {
 namespace kernel {
 
-namespace {
+namespace core {
 
 thread_local unsigned long t_lastError = 0;
 
 void SetError(unsigned long code) {
     t_lastError = code;
 }
-
-enum class Kind : unsigned char { Mutex, Event, Semaphore, NamedSemaphore, Thread };
-
-struct Object;
-struct Waiter;
-struct ThreadRecord;
-struct ThreadObject;
-
-// One waiter's entry in the list of one object it waits on.
-struct WaitBlock {
-    Waiter* waiter;
-    Object* object;
-    WaitBlock* prev;
-    WaitBlock* next;
-};
-
-struct Object {
-    explicit Object(Kind k) : kind(k) {}
-    virtual ~Object() = default;
-
-    Kind const kind;
-    unsigned long refs = 1;    // handles and registered waits; global lock
-    std::string name;          // registry key of a named mutex or event
-    WaitBlock* head = nullptr; // waiters in arrival order; global lock
-    WaitBlock* tail = nullptr;
-    Object* nextDead = nullptr; // graveyard link
-};
-
-constexpr std::uintptr_t MutexSlow = 1;
-
-struct MutexObject : Object {
-    MutexObject() : Object(Kind::Mutex) {}
-    std::atomic<std::uintptr_t> word{0}; // owning ThreadRecord | MutexSlow
-    std::uint32_t count = 0;             // recursion; changed by the owner only
-    bool abandoned = false;              // global lock
-    bool closed = false;                 // every handle closed while owned; global lock
-    MutexObject* ownedPrev = nullptr;    // the owner's list; touched by the owner only
-    MutexObject* ownedNext = nullptr;
-};
-
-constexpr std::uint32_t SemaphoreSlow = 0x80000000u;
-
-struct SemaphoreObject : Object {
-    SemaphoreObject(std::uint32_t initial, std::uint32_t max)
-        : Object(Kind::Semaphore), word(initial), maximum(max) {}
-    std::atomic<std::uint32_t> word; // count | SemaphoreSlow
-    std::uint32_t const maximum;
-};
-
-struct EventObject : Object {
-    EventObject(bool m, bool s) : Object(Kind::Event), manual(m), signalled(s) {}
-    bool const manual;
-    bool signalled; // global lock
-};
-
-struct NamedSemaphoreObject : Object {
-    NamedSemaphoreObject() : Object(Kind::NamedSemaphore) {}
-    sem_t* sem = SEM_FAILED;
-    bool creator = false; // unlinks the name when closed
-    std::string path;
-};
-
-struct ThreadObject : Object {
-    ThreadObject() : Object(Kind::Thread) {
-        pthread_mutex_init(&lock, nullptr);
-        pthread_cond_init(&cond, nullptr);
-    }
-    ~ThreadObject() override {
-        pthread_cond_destroy(&cond);
-        pthread_mutex_destroy(&lock);
-    }
-    // `lock` guards the fields up to exitCode: the thread id is valid while running.
-    pthread_mutex_t lock;
-    pthread_cond_t cond;
-    pthread_t thread{};
-    pid_t tid = 0;
-    bool started = false;
-    bool running = false;
-    bool reaped = false; // joined
-    bool suspended = false;
-    long priority = 0;
-    unsigned long exitCode = 0;
-    bool exitCodeSet = false;
-    bool signalled = false; // global lock
-    ThreadRoutine routine = nullptr;
-    void* argument = nullptr;
-};
-
-struct ThreadRecord {
-    ThreadRecord() {
-        pthread_mutex_init(&parkLock, nullptr);
-        pthread_condattr_t attr;
-        pthread_condattr_init(&attr);
-        pthread_condattr_setclock(&attr, CLOCK_MONOTONIC);
-        pthread_cond_init(&parkCond, &attr);
-        pthread_condattr_destroy(&attr);
-    }
-    ~ThreadRecord() {
-        pthread_cond_destroy(&parkCond);
-        pthread_mutex_destroy(&parkLock);
-    }
-    MutexObject* owned = nullptr;   // mutexes this thread owns; this thread only
-    ThreadObject* thread = nullptr; // set for threads made by NewThread
-    std::atomic<int> state{0};      // 1 once a wait of this thread was completed
-    pthread_mutex_t parkLock;
-    pthread_cond_t parkCond;
-};
-
-struct Waiter {
-    ThreadRecord* record;
-    unsigned long count;
-    Object* const* objects;
-    bool waitAll;
-    unsigned long result;
-    std::uint64_t acquired; // bit i: the wait made this thread owner of mutex i
-    WaitBlock blocks[MaximumWaitObjects];
-};
 
 #ifdef PTHREAD_ADAPTIVE_MUTEX_INITIALIZER_NP
 pthread_mutex_t g_lock = PTHREAD_ADAPTIVE_MUTEX_INITIALIZER_NP;
@@ -180,9 +63,8 @@ std::atomic<std::uint32_t> g_threadIds{0};
 pthread_once_t g_keyOnce = PTHREAD_ONCE_INIT;
 pthread_key_t g_key;
 std::atomic<bool> g_keyReady{false};
-// Initial-exec: the fast paths read it with one instruction instead of a call.
-__attribute__((tls_model("initial-exec"))) thread_local ThreadRecord* t_record = nullptr;
-thread_local ThreadObject* t_finishing = nullptr; // the thread object of a thread that ends
+thread_local ThreadRecord* t_record = nullptr; // initial-exec, see the header
+thread_local ThreadObject* t_finishing = nullptr;
 
 // Yields a few times before parking: when the thread that will complete the wait is
 // runnable, it may then do so without a sleep and wake-up of this thread. (Spinning
@@ -242,13 +124,6 @@ struct KeyCleanup {
             pthread_key_delete(g_key);
     }
 } g_keyCleanup;
-
-ThreadRecord* NewRecord();
-
-inline ThreadRecord* CurrentRecord() {
-    ThreadRecord* r = t_record;
-    return r != nullptr ? r : NewRecord();
-}
 
 ThreadRecord* NewRecord() {
     ThreadRecord* r;
@@ -656,91 +531,6 @@ Object* CheckHandle(Handle h) {
     return static_cast<Object*>(h);
 }
 
-// --- threads ----------------------------------------------------------------------
-
-long NiceOf(long level, bool* ok) {
-    *ok = true;
-    switch (level) {
-    case -15:
-        return 19; // idle
-    case -2:
-        return 10; // lowest
-    case -1:
-        return 5; // below normal
-    case 0:
-        return 0; // normal
-    case 1:
-        return -5; // above normal
-    case 2:
-        return -10; // highest
-    case 15:
-        return -20; // time critical
-    default:
-        *ok = false;
-        return 0;
-    }
-}
-
-long LevelOf(long nice) {
-    if (nice >= 15)
-        return -15;
-    if (nice >= 8)
-        return -2;
-    if (nice >= 3)
-        return -1;
-    if (nice >= -2)
-        return 0;
-    if (nice >= -7)
-        return 1;
-    if (nice >= -14)
-        return 2;
-    return 15;
-}
-
-void FinishThread(ThreadObject* t, ThreadRecord* r, unsigned long code) {
-    t_finishing = t;
-    if (r != nullptr) {
-        AbandonOwned(r);
-        r->thread = nullptr;
-    }
-    pthread_mutex_lock(&t->lock);
-    t->running = false;
-    if (!t->exitCodeSet)
-        t->exitCode = code;
-    pthread_mutex_unlock(&t->lock);
-    LockGlobal();
-    t->signalled = true;
-    Satisfy(t);
-    DropRef(t);
-    UnlockGlobal();
-}
-
-// Finishes the thread on return and on pthread_exit's unwinding alike.
-struct ThreadFinisher {
-    ThreadObject* thread;
-    ThreadRecord* record;
-    unsigned long code;
-    ~ThreadFinisher() { FinishThread(thread, record, code); }
-};
-
-void* ThreadMain(void* p) {
-    auto* t = static_cast<ThreadObject*>(p);
-    ThreadRecord* r = CurrentRecord();
-    if (r != nullptr)
-        r->thread = t;
-    pthread_mutex_lock(&t->lock);
-    t->tid = static_cast<pid_t>(syscall(SYS_gettid));
-    t->started = true;
-    t->running = true;
-    pthread_cond_broadcast(&t->cond);
-    while (t->suspended)
-        pthread_cond_wait(&t->cond, &t->lock);
-    pthread_mutex_unlock(&t->lock);
-    ThreadFinisher finisher{t, r, 0};
-    finisher.code = t->routine(t->argument);
-    return nullptr;
-}
-
 void Destroy(Object* o) {
     switch (o->kind) {
     case Kind::NamedSemaphore: {
@@ -794,7 +584,9 @@ unsigned long AfterWait(unsigned long count, Object* const* objects, bool waitAl
     return result;
 }
 
-} // namespace
+} // namespace core
+
+using namespace core;
 
 // --- interface --------------------------------------------------------------------
 
@@ -831,76 +623,53 @@ static bool RecordName(Object* o, char const* name) {
     }
 }
 
+// Opens the named object of `kind` when the name is taken, or makes one with `make`
+// and records its name; `created` then finishes the new object. Null with the error
+// set on failure. The global lock is held throughout.
+template <class Make, class Created>
+Handle OpenOrCreate(char const* name, Kind kind, Make make, Created created) {
+    bool const named = name != nullptr && *name != '\0';
+    GlobalLockHold hold;
+    if (named) {
+        bool clash = false;
+        if (Object* o = OpenNamed(name, kind, clash))
+            return o;
+        if (clash) {
+            SetError(EEXIST); // the name belongs to an object of another kind
+            return nullptr;
+        }
+    }
+    auto* o = make();
+    if (o == nullptr || (named && !RecordName(o, name))) {
+        delete o;
+        SetError(ENOMEM);
+        return nullptr;
+    }
+    created(o);
+    g_live.fetch_add(1, std::memory_order_relaxed);
+    return o;
+}
+
 Handle NewMutex(char const* name, bool initialOwner) {
     ThreadRecord* r = CurrentRecord();
     if (r == nullptr)
         return nullptr;
-    bool const named = name != nullptr && *name != '\0';
-    LockGlobal();
-    if (named) {
-        bool clash = false;
-        if (Object* o = OpenNamed(name, Kind::Mutex, clash)) {
-            UnlockGlobal();
-            return o;
-        }
-        if (clash) {
-            UnlockGlobal();
-            SetError(EEXIST); // the name belongs to an object of another kind
-            return nullptr;
-        }
-    }
-    auto* m = new (std::nothrow) MutexObject;
-    if (m == nullptr) {
-        UnlockGlobal();
-        SetError(ENOMEM);
-        return nullptr;
-    }
-    if (named && !RecordName(m, name)) {
-        UnlockGlobal();
-        delete m;
-        SetError(ENOMEM);
-        return nullptr;
-    }
-    if (initialOwner) {
-        m->word.store(reinterpret_cast<std::uintptr_t>(r), std::memory_order_release);
-        m->count = 1;
-        LinkOwned(r, m);
-    }
-    g_live.fetch_add(1, std::memory_order_relaxed);
-    UnlockGlobal();
-    return m;
+    return OpenOrCreate(
+        name, Kind::Mutex, [] { return new (std::nothrow) MutexObject; },
+        [&](MutexObject* m) {
+            if (initialOwner) {
+                m->word.store(reinterpret_cast<std::uintptr_t>(r), std::memory_order_release);
+                m->count = 1;
+                LinkOwned(r, m);
+            }
+        });
 }
 
 Handle NewEvent(char const* name, bool manualReset, bool initialState) {
-    bool const named = name != nullptr && *name != '\0';
-    LockGlobal();
-    if (named) {
-        bool clash = false;
-        if (Object* o = OpenNamed(name, Kind::Event, clash)) {
-            UnlockGlobal();
-            return o;
-        }
-        if (clash) {
-            UnlockGlobal();
-            SetError(EEXIST); // the name belongs to an object of another kind
-            return nullptr;
-        }
-    }
-    auto* e = new (std::nothrow) EventObject(manualReset, initialState);
-    if (e == nullptr) {
-        UnlockGlobal();
-        SetError(ENOMEM);
-        return nullptr;
-    }
-    if (named && !RecordName(e, name)) {
-        UnlockGlobal();
-        delete e;
-        SetError(ENOMEM);
-        return nullptr;
-    }
-    g_live.fetch_add(1, std::memory_order_relaxed);
-    UnlockGlobal();
-    return e;
+    return OpenOrCreate(
+        name, Kind::Event,
+        [&] { return new (std::nothrow) EventObject(manualReset, initialState); },
+        [](EventObject*) {});
 }
 
 Handle NewSemaphore(char const* name, long initialCount, long maximumCount) {
@@ -1172,168 +941,6 @@ unsigned long WaitForMany(unsigned long count, Handle const* handles, bool waitA
     if (count == 1)
         return WaitForOne(objects[0], timeout);
     return AfterWait(count, objects, waitAll, WaitSlow(count, objects, waitAll, timeout));
-}
-
-Handle NewThread(ThreadRoutine routine, void* argument, bool suspended, Handle* handle,
-                 unsigned long* id) {
-    if (routine == nullptr || handle == nullptr) {
-        SetError(EINVAL);
-        return nullptr;
-    }
-    *handle = nullptr;
-    auto* t = new (std::nothrow) ThreadObject;
-    if (t == nullptr) {
-        SetError(ENOMEM);
-        return nullptr;
-    }
-    t->routine = routine;
-    t->argument = argument;
-    t->suspended = suspended;
-    t->refs = 2; // the caller's handle and the thread's own
-    *handle = t;
-    if (id != nullptr)
-        *id = g_threadIds.fetch_add(1, std::memory_order_relaxed) + 1;
-    g_live.fetch_add(1, std::memory_order_relaxed);
-    int rc = pthread_create(&t->thread, nullptr, &ThreadMain, t);
-    if (rc != 0) {
-        g_live.fetch_sub(1, std::memory_order_acq_rel);
-        *handle = nullptr;
-        delete t;
-        SetError(static_cast<unsigned long>(rc));
-        return nullptr;
-    }
-    return t;
-}
-
-bool ResumeThreadObject(Handle thread) {
-    Object* o = CheckHandle(thread);
-    if (o == nullptr)
-        return false;
-    if (o->kind != Kind::Thread) {
-        SetError(EINVAL);
-        return false;
-    }
-    auto* t = static_cast<ThreadObject*>(o);
-    pthread_mutex_lock(&t->lock);
-    t->suspended = false;
-    pthread_cond_broadcast(&t->cond);
-    pthread_mutex_unlock(&t->lock);
-    return true;
-}
-
-bool SetThreadPriorityLevel(Handle thread, long level) {
-    Object* o = CheckHandle(thread);
-    if (o == nullptr)
-        return false;
-    bool valid = false;
-    long const nice = NiceOf(level, &valid);
-    if (o->kind != Kind::Thread || !valid) {
-        SetError(EINVAL);
-        return false;
-    }
-    auto* t = static_cast<ThreadObject*>(o);
-    pthread_mutex_lock(&t->lock);
-    while (!t->started)
-        pthread_cond_wait(&t->cond, &t->lock);
-    if (t->running &&
-        setpriority(PRIO_PROCESS, static_cast<id_t>(t->tid), static_cast<int>(nice)) != 0) {
-        int const error = errno;
-        pthread_mutex_unlock(&t->lock);
-        SetError(static_cast<unsigned long>(error));
-        return false;
-    }
-    t->priority = level;
-    pthread_mutex_unlock(&t->lock);
-    return true;
-}
-
-bool GetThreadPriorityLevel(Handle thread, long* level) {
-    Object* o = CheckHandle(thread);
-    if (o == nullptr)
-        return false;
-    if (o->kind != Kind::Thread || level == nullptr) {
-        SetError(EINVAL);
-        return false;
-    }
-    auto* t = static_cast<ThreadObject*>(o);
-    pthread_mutex_lock(&t->lock);
-    while (!t->started)
-        pthread_cond_wait(&t->cond, &t->lock);
-    *level = t->priority;
-    if (t->running) {
-        errno = 0;
-        int const nice = getpriority(PRIO_PROCESS, static_cast<id_t>(t->tid));
-        if (nice == -1 && errno != 0) {
-            int const error = errno;
-            pthread_mutex_unlock(&t->lock);
-            SetError(static_cast<unsigned long>(error));
-            return false;
-        }
-        *level = LevelOf(nice);
-    }
-    pthread_mutex_unlock(&t->lock);
-    return true;
-}
-
-bool TerminateThreadObject(Handle thread, unsigned long /*exitCode*/) {
-    Object* o = CheckHandle(thread);
-    if (o == nullptr)
-        return false;
-    if (o->kind != Kind::Thread) {
-        SetError(EINVAL);
-        return false;
-    }
-    LockGlobal();
-    bool const ended = static_cast<ThreadObject*>(o)->signalled;
-    UnlockGlobal();
-    if (!ended)
-        SetError(ENOTSUP); // no safe forcible end for a thread running C++ code
-    return ended;
-}
-
-void ExitCurrentThread(unsigned long exitCode) {
-    ThreadRecord* r = t_record;
-    if (r != nullptr && r->thread != nullptr) {
-        ThreadObject* t = r->thread;
-        pthread_mutex_lock(&t->lock);
-        t->exitCode = exitCode;
-        t->exitCodeSet = true;
-        pthread_mutex_unlock(&t->lock);
-    }
-    pthread_exit(nullptr);
-}
-
-unsigned long TlsNewIndex() {
-    pthread_key_t key;
-    int rc = pthread_key_create(&key, nullptr);
-    if (rc != 0) {
-        SetError(static_cast<unsigned long>(rc));
-        return TlsOutOfIndexes;
-    }
-    return static_cast<unsigned long>(key);
-}
-
-bool TlsFreeIndex(unsigned long index) {
-    int rc = pthread_key_delete(static_cast<pthread_key_t>(index));
-    if (rc != 0) {
-        SetError(static_cast<unsigned long>(rc));
-        return false;
-    }
-    return true;
-}
-
-void* TlsGet(unsigned long index) {
-    SetError(0);
-    return pthread_getspecific(static_cast<pthread_key_t>(index));
-}
-
-bool TlsSet(unsigned long index, void* value) {
-    int rc = pthread_setspecific(static_cast<pthread_key_t>(index), value);
-    if (rc != 0) {
-        SetError(static_cast<unsigned long>(rc));
-        return false;
-    }
-    return true;
 }
 
 unsigned long LiveObjectCount() {
