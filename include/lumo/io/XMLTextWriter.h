@@ -65,8 +65,11 @@ class CXMLTextWriterContextStack;
 ///   - a prefix not declared in an open element (the open start tag included) for
 ///     that URI: "Undeclared namespace."; a second default namespace declaration on
 ///     one start tag: "This start element already contains default namespace
-///     declaration."; one prefix bound to two URIs on one start tag: "This start
-///     element already declares the prefix.";
+///     declaration." (also for a default declaration that would move an element
+///     opened with WriteStartElement(local, uri) out of its namespace); one prefix
+///     bound to two URIs on one start tag, or the element's own prefix bound away
+///     from the URI it was opened with: "This start element already declares the
+///     prefix.";
 ///   - characters that XML does not allow (controls other than tab, LF and CR, an
 ///     unpaired surrogate, U+FFFE, U+FFFF) in any text: "Invalid character error.";
 ///   - a comment holding "--" or ending with "-": "Invalid comment text."; a CDATA
@@ -274,7 +277,8 @@ private:
 
     void CloseStartTag();
     void EndElement(bool full);
-    void StartElement(CName const& name, unsigned short const* declaredUri);
+    void StartElement(CName const& name, unsigned short const* elementUri,
+                      unsigned short const* declaredUri);
     void ElementWithValue(CName const& name, unsigned short const* declaredUri,
                           unsigned short const* value);
     void AttributeText(CName const& name, unsigned short const* value);

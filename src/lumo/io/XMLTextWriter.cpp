@@ -559,7 +559,8 @@ void CXMLTextWriter::AppendDeclaration(CName const& name, unsigned short const* 
     Append(&quote, 1);
 }
 
-void CXMLTextWriter::StartElement(CName const& name, unsigned short const* declaredUri) {
+void CXMLTextWriter::StartElement(CName const& name, unsigned short const* elementUri,
+                                  unsigned short const* declaredUri) {
     CCallScope scope(*this);
     CloseStartTag();
     unsigned short const open = '<';
@@ -571,6 +572,8 @@ void CXMLTextWriter::StartElement(CName const& name, unsigned short const* decla
         detail::CXMLTextWriterContext& context =
             m_contexts->Push(name.prefix, name.prefixLength, name.local, name.localLength);
         try {
+            if (elementUri != nullptr)
+                context.SetElementNamespace(elementUri);
             if (declaredUri != nullptr && name.prefixLength > 0) {
                 m_scratch.Set(name.prefix, name.prefixLength);
                 context.DeclarePrefix(m_scratch, declaredUri);
@@ -604,7 +607,7 @@ void CXMLTextWriter::WriteStartElement(unsigned short const* prefix, unsigned sh
     if (SameText(prefix, prefixLength, kXml) && Vela::ucscmp(bound, uri) != 0)
         Fail(__LINE__, "Invalid namespace URI.");
     CName const name = {prefix, prefixLength, local, localLength};
-    StartElement(name, bound != nullptr && Vela::ucscmp(bound, uri) == 0 ? nullptr : uri);
+    StartElement(name, uri, bound != nullptr && Vela::ucscmp(bound, uri) == 0 ? nullptr : uri);
 }
 
 void CXMLTextWriter::WriteStartElement(unsigned short const* local, unsigned short const* uri) {
@@ -614,7 +617,7 @@ void CXMLTextWriter::WriteStartElement(unsigned short const* local, unsigned sho
     unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
     bool const same = Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0;
     CName const name = {nullptr, 0, local, localLength};
-    StartElement(name, same ? nullptr : uri);
+    StartElement(name, uri, same ? nullptr : uri);
 }
 
 void CXMLTextWriter::WriteStartElement(unsigned short const* name) {
@@ -626,7 +629,7 @@ void CXMLTextWriter::WriteStartElement(unsigned short const* name) {
         if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
             Fail(__LINE__, "Undeclared namespace.");
     }
-    StartElement(parsed, nullptr);
+    StartElement(parsed, nullptr, nullptr);
 }
 
 void CXMLTextWriter::EndElement(bool full) {
@@ -898,13 +901,19 @@ void CXMLTextWriter::WriteAttribute(unsigned short const* name, unsigned short c
 void CXMLTextWriter::WriteAttrDefaultNamespaceDeclaration(unsigned short const* uri) {
     CheckStartTagOpen();
     CheckUri(uri);
-    if (m_contexts->Top().HasDefaultNamespace())
-        m_contexts->Top().DeclareDefaultNamespace(uri); // throws the second-default failure
+    detail::CXMLTextWriterContext& context = m_contexts->Top();
+    if (context.HasDefaultNamespace())
+        context.DeclareDefaultNamespace(uri); // throws the second-default failure
+    // An element opened unprefixed in a namespace already has its default one.
+    unsigned short const* elementUri = context.GetElementNamespace();
+    if (elementUri != nullptr && context.GetName().Find(':') < 0 &&
+        Vela::ucscmp(elementUri, uri) != 0)
+        Fail(__LINE__, "This start element already contains default namespace declaration.");
     CCallScope scope(*this);
     CName const name = {nullptr, 0, nullptr, 0};
     AppendDeclaration(name, uri);
     try {
-        m_contexts->Top().DeclareDefaultNamespace(uri);
+        context.DeclareDefaultNamespace(uri);
     } catch (base::CMemoryException const&) {
         MemoryFull(__LINE__);
     }
@@ -928,6 +937,14 @@ void CXMLTextWriter::WriteAttrNamespaceDeclaration(unsigned short const* prefix,
             Fail(__LINE__, "This start element already declares the prefix.");
         return;
     }
+    // Nor may the element's own prefix be bound away from the namespace it was
+    // opened in.
+    base::CUnicodeString const& elementName = context.GetName();
+    unsigned short const* elementUri = context.GetElementNamespace();
+    if (elementUri != nullptr && elementName.GetLength() > prefixLength &&
+        elementName.GetAt(prefixLength) == ':' &&
+        Vela::ucsncmp(elementName, prefix, prefixLength) == 0 && Vela::ucscmp(elementUri, uri) != 0)
+        Fail(__LINE__, "This start element already declares the prefix.");
     CCallScope scope(*this);
     CName const name = {prefix, prefixLength, nullptr, 0};
     AppendDeclaration(name, uri);

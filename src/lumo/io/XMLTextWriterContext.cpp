@@ -28,6 +28,12 @@ void CXMLTextWriterContext::Reset(unsigned short const* prefix, unsigned long pr
     if (!m_prefixes.IsEmpty())
         m_prefixes.RemoveAll();
     m_hasDefault = false;
+    m_hasElementNamespace = false;
+}
+
+void CXMLTextWriterContext::SetElementNamespace(unsigned short const* uri) {
+    m_elementNamespace = uri;
+    m_hasElementNamespace = true;
 }
 
 void CXMLTextWriterContext::DeclareDefaultNamespace(unsigned short const* uri) {

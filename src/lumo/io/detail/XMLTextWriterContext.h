@@ -17,7 +17,7 @@ namespace detail {
 // keys cannot be empty.
 class CXMLTextWriterContext {
 public:
-    CXMLTextWriterContext() : m_hasDefault(false) {}
+    CXMLTextWriterContext() : m_hasDefault(false), m_hasElementNamespace(false) {}
 
     // Makes the context that of a new element named prefix:local (just local when
     // the prefix length is 0), forgetting its earlier declarations. Throws
@@ -26,6 +26,16 @@ public:
                unsigned short const* local, unsigned long localLength);
 
     base::CUnicodeString const& GetName() const { return m_name; }
+
+    // The namespace the element was opened in, when it was given with the element;
+    // a later declaration on the start tag must not move the element out of it.
+    // Throws CMemoryException.
+    void SetElementNamespace(unsigned short const* uri);
+    // Null when the element was opened by its qualified name alone.
+    unsigned short const* GetElementNamespace() const {
+        return m_hasElementNamespace ? static_cast<unsigned short const*>(m_elementNamespace)
+                                     : nullptr;
+    }
 
     // Throws CXMLException "This start element already contains default namespace
     // declaration." when one was declared already.
@@ -45,6 +55,8 @@ private:
     util::CUnicodeStringMap m_prefixes;
     base::CUnicodeString m_default;
     bool m_hasDefault;
+    base::CUnicodeString m_elementNamespace;
+    bool m_hasElementNamespace;
 };
 
 // The open elements, innermost on top. Popped contexts are kept for reuse, so a
