@@ -418,12 +418,22 @@ void CXMLTextWriter::CheckStartTagOpen() const {
 
 void CXMLTextWriter::WriteOut(unsigned short const* units, unsigned long n) {
     // The encoder joins a surrogate pair only when its halves arrive in two writes,
-    // so every high surrogate ends a write.
+    // so every high surrogate ends a write. Blocks without one (nearly all) are
+    // passed over with a branch-free test.
+    unsigned long const kBlock = 64;
     unsigned long start = 0;
-    for (unsigned long i = 0; i < n; ++i) {
-        if ((units[i] & 0xFC00) == 0xD800) {
-            m_printWriter->Write(units, start, i + 1 - start);
-            start = i + 1;
+    for (unsigned long block = 0; block < n; block += kBlock) {
+        unsigned long const end = n - block < kBlock ? n : block + kBlock;
+        unsigned int any = 0;
+        for (unsigned long i = block; i < end; ++i)
+            any |= (units[i] & 0xFC00u) == 0xD800u;
+        if (any == 0)
+            continue;
+        for (unsigned long i = block; i < end; ++i) {
+            if ((units[i] & 0xFC00u) == 0xD800u) {
+                m_printWriter->Write(units, start, i + 1 - start);
+                start = i + 1;
+            }
         }
     }
     if (start < n)
