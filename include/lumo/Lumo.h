@@ -73,10 +73,12 @@
 #include <lumo/io/PushbackReader.h>
 #include <lumo/io/Reader.h>
 #include <lumo/io/Serializable.h>
-#include <lumo/io/XMLSerializable.h>
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>
+#include <lumo/io/XMLSerializable.h>
+#include <lumo/io/XMLTextWriter.h>
+#include <lumo/io/XMLWriter.h>
 #include <lumo/net/SocketException.h>
 #include <lumo/net/UnknownHostException.h>
 #include <lumo/util/ArrayStore.h>
