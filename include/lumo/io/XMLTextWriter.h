@@ -93,6 +93,7 @@ class CXMLTextWriterContextStack;
 class LUMO_API CXMLTextWriter : public CXMLWriter {
     LUMO_DECLARE_CLASS(CXMLTextWriter);
 
+public:
     /// Writes to `out` (shared) in the encoding named `encoding` (looked up in the
     /// encoder registry and written into the declaration as given). `bufferSize` is
     /// the size, in UTF-16 units, of the writer's own buffer, which collects the
@@ -300,14 +301,14 @@ private:
     bool m_documentStarted;
     bool m_rootWritten;
     bool m_startTagOpen;
-    // The output collected before it goes to the print writer. Units from m_mark on
-    // belong to the call in progress: they are dropped if the call fails, and are
-    // not handed on before it ends.
+    /// The output collected before it goes to the print writer. Units from m_mark on
+    /// belong to the call in progress: they are dropped if the call fails, and are
+    /// not handed on before it ends.
     std::unique_ptr<unsigned short[], CFreeUnits> m_buffer;
     unsigned long m_capacity;
     unsigned long m_count;
     unsigned long m_mark;
-    // The qualified attribute names of the open start tag, each followed by a 0.
+    /// The qualified attribute names of the open start tag, each followed by a 0.
     std::vector<unsigned short> m_attributeNames;
 };
 

@@ -28,6 +28,7 @@ namespace io {
 class LUMO_API CXMLWriter : public base::CObject {
     LUMO_DECLARE_CLASS(CXMLWriter);
 
+public:
     ~CXMLWriter() override;
 
     CXMLWriter(CXMLWriter const&) = delete;

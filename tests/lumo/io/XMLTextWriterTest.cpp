@@ -9,7 +9,7 @@
 #include <lumo/io/XMLTextWriter.h>
 #include <vela/Location.h>
 
-#include "lumo/io/FileTestSupport.h"
+#include "support/Files.h"
 
 #include <gtest/gtest.h>
 
