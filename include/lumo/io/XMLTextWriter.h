@@ -37,10 +37,10 @@ class CXMLTextWriterContextStack;
 ///
 /// Numbers: the element and attribute forms write short "%hd" (attributes "%d"),
 /// long "%ld", unsigned long "%lu", 64-bit "%lld" / "%llu", float "%g" and double
-/// "%lg"; a float or double that "%g" would not give back exactly is written with
-/// the fewest more digits that do (1.5 stays 1.5, the largest float becomes
-/// 3.4028235e+38). The plain content writes (WriteBool to WriteDouble) print
-/// through the print writer's own typed Print, so WriteDouble(1.5) writes 1.500000.
+/// "%lg" (six significant digits: 1.5 is 1.5, the largest float 3.40282e+38, so a
+/// value that needs more digits reads back rounded). The plain content writes (WriteBool to
+/// WriteDouble) print through the print writer's own typed Print, so WriteDouble(1.5)
+/// writes 1.500000.
 ///
 /// Checks, all made before anything of the call is written, so that a failed call
 /// leaves the output as it was and the writer in its state before the call:

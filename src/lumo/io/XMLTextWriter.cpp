@@ -185,8 +185,8 @@ void CheckUri(unsigned short const* uri) {
         Fail(__LINE__, "Invalid namespace URI.");
 }
 
-// The text form of integers, and of floating-point numbers as "%g" widened to the
-// fewest digits that read back to the same value.
+// The text form of integers ("%ld", "%lu", "%lld", "%llu") and of floating-point
+// numbers ("%g" and "%lg", which print alike).
 class CNumber {
 public:
     static CNumber Signed(long long value) {
@@ -201,21 +201,17 @@ public:
         number.FromUnsigned(value, false);
         return number;
     }
-    static CNumber Real(double value, bool isFloat) {
+    static CNumber Real(double value) {
         CNumber number;
         char text[40];
         int length = 0;
         if (!std::isfinite(value)) {
             length = std::snprintf(text, sizeof text, "%g", value);
         } else {
-            int const most = isFloat ? 9 : 17;
-            for (int precision = 6;; ++precision) {
-                std::to_chars_result const r = std::to_chars(text, text + sizeof text, value,
-                                                             std::chars_format::general, precision);
-                length = static_cast<int>(r.ptr - text);
-                if (precision >= most || ReadsBack(text, r.ptr, value, isFloat))
-                    break;
-            }
+            // Exactly "%g" (six significant digits), without the C library's locale.
+            std::to_chars_result const r =
+                std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
+            length = static_cast<int>(r.ptr - text);
         }
         for (int i = 0; i < length; ++i)
             number.m_units[i] = static_cast<unsigned char>(text[i]);
@@ -227,16 +223,6 @@ public:
 
 private:
     CNumber() : m_units() {}
-
-    static bool ReadsBack(char const* first, char const* last, double value, bool isFloat) {
-        if (isFloat) {
-            float back = 0;
-            return std::from_chars(first, last, back).ec == std::errc() &&
-                   back == static_cast<float>(value);
-        }
-        double back = 0;
-        return std::from_chars(first, last, back).ec == std::errc() && back == value;
-    }
 
     void FromUnsigned(unsigned long long value, bool negative) {
         unsigned short digits[24];
@@ -751,20 +737,20 @@ void CXMLTextWriter::WriteElementUnsignedLong(unsigned short const* name, unsign
 
 void CXMLTextWriter::WriteElementFloat(unsigned short const* local, unsigned short const* uri,
                                        float value) {
-    WriteElementString(local, uri, CNumber::Real(value, true));
+    WriteElementString(local, uri, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteElementFloat(unsigned short const* name, float value) {
-    WriteElementString(name, CNumber::Real(value, true));
+    WriteElementString(name, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                                         double value) {
-    WriteElementString(local, uri, CNumber::Real(value, false));
+    WriteElementString(local, uri, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteElementDouble(unsigned short const* name, double value) {
-    WriteElementString(name, CNumber::Real(value, false));
+    WriteElementString(name, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteElementChar(unsigned short const* local, unsigned short const* uri,
@@ -1004,20 +990,20 @@ void CXMLTextWriter::WriteAttrUnsignedLong(unsigned short const* name, unsigned 
 
 void CXMLTextWriter::WriteAttrFloat(unsigned short const* local, unsigned short const* uri,
                                     float value) {
-    WriteAttribute(local, uri, CNumber::Real(value, true));
+    WriteAttribute(local, uri, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteAttrFloat(unsigned short const* name, float value) {
-    WriteAttribute(name, CNumber::Real(value, true));
+    WriteAttribute(name, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteAttrDouble(unsigned short const* local, unsigned short const* uri,
                                      double value) {
-    WriteAttribute(local, uri, CNumber::Real(value, false));
+    WriteAttribute(local, uri, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteAttrDouble(unsigned short const* name, double value) {
-    WriteAttribute(name, CNumber::Real(value, false));
+    WriteAttribute(name, CNumber::Real(value));
 }
 
 void CXMLTextWriter::WriteAttrChar(unsigned short const* local, unsigned short const* uri,

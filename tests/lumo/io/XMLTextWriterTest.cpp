@@ -131,12 +131,12 @@ TEST(XMLTextWriterTest, ExactOutputAndCanonicalForm) {
              w.WriteElementChar(U("c"), -5);
              w.WriteEndElement();
          },
-         kDecl + "<r s=\"-32768\" d=\"1.5\" b=\"true\">\r\n<f>1.5</f>\r\n<fm>3.4028235e+38</fm>\r\n"
-                 "<dm>-1.7976931348623157e+308</dm>\r\n<tenth>0.1</tenth>\r\n"
+         kDecl + "<r s=\"-32768\" d=\"1.5\" b=\"true\">\r\n<f>1.5</f>\r\n<fm>3.40282e+38</fm>\r\n"
+                 "<dm>-1.79769e+308</dm>\r\n<tenth>0.1</tenth>\r\n"
                  "<l>-9223372036854775808</l>\r\n<u>18446744073709551615</u>\r\n"
                  "<i>-9223372036854775808</i>\r\n<c>-5</c>\r\n</r>\r\n",
-         "<r b=\"true\" d=\"1.5\" s=\"-32768\">\n<f>1.5</f>\n<fm>3.4028235e+38</fm>\n"
-         "<dm>-1.7976931348623157e+308</dm>\n<tenth>0.1</tenth>\n"
+         "<r b=\"true\" d=\"1.5\" s=\"-32768\">\n<f>1.5</f>\n<fm>3.40282e+38</fm>\n"
+         "<dm>-1.79769e+308</dm>\n<tenth>0.1</tenth>\n"
          "<l>-9223372036854775808</l>\n<u>18446744073709551615</u>\n"
          "<i>-9223372036854775808</i>\n<c>-5</c>\n</r>"},
         {"content through the print writer's formats",
