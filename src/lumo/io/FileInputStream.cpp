@@ -1,3 +1,5 @@
+// CFileInputStream over IO::File: reads, skips and available counts bounded to signed
+// 32-bit results, with the file layer's result codes turned into CIOException.
 #include <lumo/io/FileInputStream.h>
 
 #include "FileCore.h"
