@@ -1,5 +1,5 @@
-// CFileInputStream over IO::File: reads, skips and available counts bounded to signed
-// 32-bit results, with the file layer's result codes turned into CIOException.
+// CFileInputStream over IO::File: reads and skips of at most 0x7FFFFFFF bytes a call, an
+// available count that refuses sizes beyond 32 bits, and failures as CIOException.
 #include <lumo/io/FileInputStream.h>
 
 #include "FileCore.h"
