@@ -1,3 +1,5 @@
+// lumo's configuration header: the export mark LUMO_API, the root layer's compiler tests
+// under lumo's names, and the priorities that fix the order of the library's start-up.
 #ifndef LUMO_CONFIG_H
 #define LUMO_CONFIG_H
 

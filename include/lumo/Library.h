@@ -1,3 +1,5 @@
+// lumo::Initialize and lumo::Terminate, the counted start and stop a client calls around
+// its use of the library (the first start brings up the file layer and Xerces-C).
 #ifndef LUMO_LIBRARY_H
 #define LUMO_LIBRARY_H
 

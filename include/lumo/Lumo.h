@@ -1,3 +1,5 @@
+// The umbrella header: includes every public header of the library, for clients that
+// would rather not pick them one by one.
 #ifndef LUMO_LUMO_H
 #define LUMO_LUMO_H
 

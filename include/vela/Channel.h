@@ -1,3 +1,5 @@
+// IO::IChannel, the sequential byte channel that files expose, and the file layer's result
+// codes; only the block operations and Flush are abstract, the smaller forms default to them.
 #ifndef VELA_CHANNEL_H
 #define VELA_CHANNEL_H
 

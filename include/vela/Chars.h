@@ -1,3 +1,5 @@
+// The root layer's routines over 8-bit multibyte text (UTF-8 here): compare, search, step,
+// case-map, copy and truncate without splitting a character, and convert to and from UTF-16.
 #ifndef VELA_CHARS_H
 #define VELA_CHARS_H
 

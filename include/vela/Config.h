@@ -1,3 +1,5 @@
+// The root layer's configuration: its export mark VELA_API and the one place for the
+// compiler, byte-order and SIMD tests and the static-initialization priority macro.
 #ifndef VELA_CONFIG_H
 #define VELA_CONFIG_H
 

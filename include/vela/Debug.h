@@ -1,3 +1,5 @@
+// Vela::DBPrintf, the library's debug output, which goes to standard error unless a
+// program (a test, say) redirects it with DBSetOutput.
 #ifndef VELA_DEBUG_H
 #define VELA_DEBUG_H
 

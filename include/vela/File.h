@@ -1,3 +1,5 @@
+// IO::File: a file named by a location, opened, read, written and positioned through the
+// platform's file calls with no buffering of its own, reporting the layer's result codes.
 #ifndef VELA_FILE_H
 #define VELA_FILE_H
 

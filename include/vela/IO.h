@@ -1,3 +1,4 @@
+// IO::Init and IO::End, the file layer's start and stop, counted so that nested pairs work.
 #ifndef VELA_IO_H
 #define VELA_IO_H
 

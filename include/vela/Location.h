@@ -1,3 +1,5 @@
+// IO::Location: a file path given in UTF-8 or UTF-16 and kept in UTF-8, with the checks
+// IsEmpty and IsLegal (well-formed text within the platform's length limits).
 #ifndef VELA_LOCATION_H
 #define VELA_LOCATION_H
 

@@ -1,3 +1,5 @@
+// The root layer's memory services: the relocatable handle manager bmManager, the range
+// checker bnManager, and the handler called when the layer cannot get memory it must have.
 #ifndef VELA_MEMORY_H
 #define VELA_MEMORY_H
 

@@ -1,3 +1,5 @@
+// Resource modules and their string tables: register, remove and activate modules, and
+// load a string by type, identifier and index, the active module first.
 #ifndef VELA_RESOURCE_H
 #define VELA_RESOURCE_H
 

@@ -1,3 +1,5 @@
+// Routines over null-terminated UTF-16 text (unsigned short units) in the manner of the C
+// string functions: length, compare, search, case mapping, classification, printf and scanf.
 #ifndef VELA_UCS_H
 #define VELA_UCS_H
 

@@ -1,3 +1,5 @@
+// lumo::Initialize and lumo::Terminate: a plain client count (clients start and stop
+// from one thread); the first start brings up IO and Xerces-C, the last end stops them.
 #include <lumo/Library.h>
 
 #include "base/detail/XercesSupport.h"

@@ -1,3 +1,5 @@
+// Internal: this module's resource handle (its name and string tables) and the
+// identifier the resource layer gave it at load.
 #ifndef LUMO_SRC_MODULE_H
 #define LUMO_SRC_MODULE_H
 

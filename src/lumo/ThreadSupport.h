@@ -1,3 +1,5 @@
+// Internal: the start and stop of thread support at module load and unload (the thread
+// implementation and the slot mapping each thread to its CThread).
 #ifndef LUMO_SRC_THREADSUPPORT_H
 #define LUMO_SRC_THREADSUPPORT_H
 

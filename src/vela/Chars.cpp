@@ -1,3 +1,5 @@
+// The 8-bit character routines over UTF-8: a strict decoder in which a malformed byte is
+// a character of its own, byte-level fast paths (SSE2 where present) and ICU case mapping.
 #include <vela/Chars.h>
 
 #include <unicode/uchar.h>

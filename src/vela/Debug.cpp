@@ -1,3 +1,5 @@
+// DBPrintf and DBSetOutput: formats into a stack buffer (the heap only for long text) and
+// hands it to the installed sink, swapped through two alternating slots, or to stderr.
 #include <vela/Debug.h>
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// IO::Init, IO::End and the init count: the POSIX file layer keeps no global state, so
+// starting and stopping it only counts the callers.
 #include <vela/IO.h>
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// The resource module registry: a fixed array of module slots under one mutex, without
+// destructors so that modules can still be removed during static destruction.
 #include <vela/Resource.h>
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// The UTF-16 string routines (ucslen, ucscmp, ucsicmp, ucsstr, case mapping, ...) and
+// EOL; case folding and classification come from ICU.
 #include <vela/Ucs.h>
 
 #include <unicode/uchar.h>

@@ -1,3 +1,5 @@
+// snuprintf, vsnuprintf and suscanf: printf and scanf over UTF-16 text. Numbers go through
+// the C library via a small ASCII buffer; text arguments are copied or converted here.
 #include <vela/Ucs.h>
 
 #include <cerrno>

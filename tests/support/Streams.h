@@ -1,3 +1,5 @@
+// Test support: byte stream doubles (a recording output stream, a scripted input stream)
+// and helpers that check thrown descriptions and closed streams.
 #ifndef LUMO_TESTS_SUPPORT_STREAMS_H
 #define LUMO_TESTS_SUPPORT_STREAMS_H
 

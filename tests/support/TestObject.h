@@ -1,3 +1,5 @@
+// Test support: library objects for container tests (one counting its live instances,
+// one that cannot be cloned) and a check of an exception's type and source.
 #ifndef LUMO_TESTS_SUPPORT_TESTOBJECT_H
 #define LUMO_TESTS_SUPPORT_TESTOBJECT_H
 

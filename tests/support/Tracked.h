@@ -1,3 +1,5 @@
+// Test support: a value type that counts its live instances and can be told to fail its
+// next copies, for the value containers.
 #ifndef LUMO_TESTS_SUPPORT_TRACKED_H
 #define LUMO_TESTS_SUPPORT_TRACKED_H
 

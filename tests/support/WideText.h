@@ -1,3 +1,5 @@
+// Test support: terminated UTF-16 texts built from code units, and the units of a
+// CUnicodeString for expectations.
 #ifndef LUMO_TESTS_SUPPORT_WIDETEXT_H
 #define LUMO_TESTS_SUPPORT_WIDETEXT_H
 

@@ -1,3 +1,5 @@
+// Tests of the 8-bit character routines over UTF-8: compare, search, substring, next
+// character, case mapping, copy and truncate, and the UTF-16 conversions.
 #include <vela/Chars.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// Tests of IO::File: write truncates, append appends, read reads back, and failed opens
+// leave no descriptor behind.
 #include <vela/File.h>
 
 #include "support/Files.h"

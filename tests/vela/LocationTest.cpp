@@ -1,3 +1,5 @@
+// Tests of IO::Location: empty locations, UTF-16 paths kept as UTF-8, legality, copy and
+// move, and allocation failure as a memory exception.
 #include <vela/Location.h>
 #include <vela/Memory.h>
 

@@ -1,3 +1,5 @@
+// Tests of the root layer's memory services: handles, injected allocation failures, and
+// the range checker.
 #include <vela/Memory.h>
 
 #include <gtest/gtest.h>

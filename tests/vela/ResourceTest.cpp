@@ -1,3 +1,4 @@
+// Tests of resource modules and their strings, and of redirecting the debug output.
 #include <vela/Debug.h>
 #include <vela/Resource.h>
 

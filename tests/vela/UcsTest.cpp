@@ -1,3 +1,5 @@
+// Tests of the UTF-16 routines: length, compare, search, case, reverse and classes, and
+// snuprintf and suscanf checked against the C library's snprintf and sscanf.
 #include <vela/Ucs.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// Atomic increment, decrement and compare-and-swap on a 32-bit value held in a long,
+// each with a full barrier.
 #ifndef LUMO_BASE_ATOMIC_H
 #define LUMO_BASE_ATOMIC_H
 

@@ -1,3 +1,5 @@
+// The roots below CObject: CBase (class-level allocation on the C heap, failing with a
+// CMemoryException), CNonCopyable, and CNull, the type of the library-wide constant null.
 #ifndef LUMO_BASE_BASE_H
 #define LUMO_BASE_BASE_H
 

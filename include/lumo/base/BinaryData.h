@@ -1,3 +1,5 @@
+// CBinaryData: an owned block of bytes on the C heap, with its base64 and binhex text
+// forms and static encoders and decoders between raw bytes and those texts.
 #ifndef LUMO_BASE_BINARYDATA_H
 #define LUMO_BASE_BINARYDATA_H
 

@@ -1,3 +1,5 @@
+// CBool: the library's fixed texts for true and false, 8-bit and UTF-16, with their
+// lengths.
 #ifndef LUMO_BASE_BOOL_H
 #define LUMO_BASE_BOOL_H
 

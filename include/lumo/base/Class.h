@@ -1,3 +1,5 @@
+// CClass, the run-time record of a class (qualified name, base names, size, factory),
+// and the LUMO_DECLARE_CLASS / LUMO_DEFINE_CLASS macros that give a class its record.
 #ifndef LUMO_BASE_CLASS_H
 #define LUMO_BASE_CLASS_H
 

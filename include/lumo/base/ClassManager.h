@@ -1,3 +1,5 @@
+// The class registry: the IClassManager interface and CClassManager, the process-wide,
+// newest-first list of class records, made on first use.
 #ifndef LUMO_BASE_CLASSMANAGER_H
 #define LUMO_BASE_CLASSMANAGER_H
 

@@ -1,3 +1,5 @@
+// The class registry's two failures: CClassNotFoundException (no record of that name)
+// and CInstantiationException (the record has no factory).
 #ifndef LUMO_BASE_CLASSNOTFOUNDEXCEPTION_H
 #define LUMO_BASE_CLASSNOTFOUNDEXCEPTION_H
 

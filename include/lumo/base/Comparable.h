@@ -1,3 +1,4 @@
+// IComparable, the interface of objects with a natural order.
 #ifndef LUMO_BASE_COMPARABLE_H
 #define LUMO_BASE_COMPARABLE_H
 

@@ -1,3 +1,5 @@
+// CCondition: a condition variable bound to a lock (wait with time-out, notify one or
+// all), plus test seams that read the counters of its algorithm.
 #ifndef LUMO_BASE_CONDITION_H
 #define LUMO_BASE_CONDITION_H
 

@@ -1,3 +1,5 @@
+// CException, root of every failure the library throws (source, line, description,
+// message), the macros that declare its subclasses, and the base layer's common ones.
 #ifndef LUMO_BASE_EXCEPTION_H
 #define LUMO_BASE_EXCEPTION_H
 

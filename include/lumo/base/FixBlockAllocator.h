@@ -1,3 +1,5 @@
+// CFixBlockAllocator: a pool of equal-sized blocks that refills and trims its free list
+// in small steps, and the process-wide pools behind CString and CUnicodeString storage.
 #ifndef LUMO_BASE_FIXBLOCKALLOCATOR_H
 #define LUMO_BASE_FIXBLOCKALLOCATOR_H
 

@@ -1,3 +1,5 @@
+// CFormattedString and CFormattedUnicodeString: a string made in one step from a
+// printf-style format, for passing formatted text where a plain text is expected.
 #ifndef LUMO_BASE_FORMATTEDSTRING_H
 #define LUMO_BASE_FORMATTEDSTRING_H
 

@@ -1,3 +1,5 @@
+// CLazyLock: a lock meant to create its critical section on first use; it keeps the
+// original library's inverted test, so it never gets one and Acquire always throws.
 #ifndef LUMO_BASE_LAZYLOCK_H
 #define LUMO_BASE_LAZYLOCK_H
 

@@ -1,3 +1,5 @@
+// CLock: the library's plain lock over an operating-system critical section (recursive,
+// no spinning), behind the ILockable interface.
 #ifndef LUMO_BASE_LOCK_H
 #define LUMO_BASE_LOCK_H
 

@@ -1,3 +1,5 @@
+// The lock and wait interfaces: ILockable (Acquire, TryAcquire, Release), its twin
+// ILockable_ that a CCondition binds to, and IWaitable.
 #ifndef LUMO_BASE_LOCKABLE_H
 #define LUMO_BASE_LOCKABLE_H
 

@@ -1,3 +1,5 @@
+// CObject, root of every library class: its run-time class record, identity hash and
+// equality, and a clone that is null unless a subclass provides one.
 #ifndef LUMO_BASE_OBJECT_H
 #define LUMO_BASE_OBJECT_H
 

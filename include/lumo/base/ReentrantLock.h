@@ -1,3 +1,5 @@
+// CReentrantLock: a reentrant lock over an operating-system critical section; the
+// holder may take it again and must release it as many times.
 #ifndef LUMO_BASE_REENTRANTLOCK_H
 #define LUMO_BASE_REENTRANTLOCK_H
 

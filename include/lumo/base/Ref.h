@@ -1,3 +1,5 @@
+// CRef, the library's shared-ownership pointer, and RefCountedPtr, the record its copies
+// share (object, owner flag, count); the counts are not atomic.
 #ifndef LUMO_BASE_REF_H
 #define LUMO_BASE_REF_H
 

@@ -1,3 +1,5 @@
+// IRunnable, a piece of work a thread can run, and CRunnableThread, a CThread whose
+// body runs a runnable it shares through a CRef.
 #ifndef LUMO_BASE_RUNNABLE_H
 #define LUMO_BASE_RUNNABLE_H
 

@@ -1,3 +1,5 @@
+// CSemaphore: a counting semaphore usable as an ILockable, anonymous within the process
+// or shared by name between processes, over a CSemaphoreImpl of the platform.
 #ifndef LUMO_BASE_SEMAPHORE_H
 #define LUMO_BASE_SEMAPHORE_H
 

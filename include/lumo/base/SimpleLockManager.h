@@ -1,3 +1,5 @@
+// CSimpleLockManager: a nesting counter attached to a caller's handle variable of the
+// root layer's handle memory manager.
 #ifndef LUMO_BASE_SIMPLELOCKMANAGER_H
 #define LUMO_BASE_SIMPLELOCKMANAGER_H
 

@@ -1,3 +1,5 @@
+// CSpinLock: a lock of one interlocked word that yields its time slice between attempts,
+// for very short critical sections.
 #ifndef LUMO_BASE_SPINLOCK_H
 #define LUMO_BASE_SPINLOCK_H
 

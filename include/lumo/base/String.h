@@ -1,3 +1,5 @@
+// CString: 8-bit text in the platform's multibyte code (UTF-8) with shared copy-on-write
+// storage, its search, edit, trim and format operations, and its comparison operators.
 #ifndef LUMO_BASE_STRING_H
 #define LUMO_BASE_STRING_H
 

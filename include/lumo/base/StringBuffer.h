@@ -1,3 +1,5 @@
+// CStringBuffer and CUnicodeStringBuffer: plain, unshared, growable character arrays
+// holding a terminated text, used as work areas for building text.
 #ifndef LUMO_BASE_STRINGBUFFER_H
 #define LUMO_BASE_STRINGBUFFER_H
 

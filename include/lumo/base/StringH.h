@@ -1,3 +1,5 @@
+// CStringH: 8-bit text kept in a relocatable handle of the root layer's handle memory
+// manager, one handle per string (no sharing), with a lock count and comparisons.
 #ifndef LUMO_BASE_STRINGH_H
 #define LUMO_BASE_STRINGH_H
 

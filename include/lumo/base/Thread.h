@@ -1,3 +1,5 @@
+// CThread, a thread of the library (derive, implement Run, Start, Join or auto-delete),
+// and CThreadImpl, the platform's side that starts and ends threads.
 #ifndef LUMO_BASE_THREAD_H
 #define LUMO_BASE_THREAD_H
 

@@ -1,3 +1,5 @@
+// CThreadLocal: one pointer per thread in a slot allocated for the holder's lifetime,
+// over the platform's CThreadLocalImpl.
 #ifndef LUMO_BASE_THREADLOCAL_H
 #define LUMO_BASE_THREADLOCAL_H
 

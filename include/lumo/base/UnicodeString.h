@@ -1,3 +1,5 @@
+// CUnicodeString: text of UTF-16 code units with shared copy-on-write storage, taking
+// UTF-8 input by conversion, with the same operations and operators as CString.
 #ifndef LUMO_BASE_UNICODESTRING_H
 #define LUMO_BASE_UNICODESTRING_H
 

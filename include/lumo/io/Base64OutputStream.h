@@ -1,3 +1,5 @@
+// CBase64OutputStream: a filter that writes the bytes given to it as base64 text on the
+// wrapped stream, in CR LF-separated lines of a chosen length.
 #ifndef LUMO_IO_BASE64OUTPUTSTREAM_H
 #define LUMO_IO_BASE64OUTPUTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CBufferedInputStream: a filter that reads the wrapped stream in blocks of its buffer's
+// size, borrowing the stream through a raw pointer or sharing it through a CRef.
 #ifndef LUMO_IO_BUFFEREDINPUTSTREAM_H
 #define LUMO_IO_BUFFEREDINPUTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CBufferedOutputStream: a filter that collects small writes into one block write on the
+// wrapped stream; its destructor neither flushes nor closes.
 #ifndef LUMO_IO_BUFFEREDOUTPUTSTREAM_H
 #define LUMO_IO_BUFFEREDOUTPUTSTREAM_H
 

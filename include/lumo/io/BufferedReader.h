@@ -1,3 +1,5 @@
+// CBufferedReader: a reader that fills a UTF-16 buffer from another reader in blocks and
+// serves smaller reads and skips from it.
 #ifndef LUMO_IO_BUFFEREDREADER_H
 #define LUMO_IO_BUFFEREDREADER_H
 

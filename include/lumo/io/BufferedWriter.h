@@ -1,3 +1,5 @@
+// CBufferedWriter: a writer that collects small UTF-16 writes into block writes on the
+// wrapped writer; its destructor neither flushes nor closes.
 #ifndef LUMO_IO_BUFFEREDWRITER_H
 #define LUMO_IO_BUFFEREDWRITER_H
 

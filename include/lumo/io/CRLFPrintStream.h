@@ -1,3 +1,4 @@
+// CCRLFPrintStream: a print stream whose lines end in CR LF on every platform.
 #ifndef LUMO_IO_CRLFPRINTSTREAM_H
 #define LUMO_IO_CRLFPRINTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CDataInputStream: reads the typed values CDataOutputStream writes (big-endian integers,
+// floats and doubles in host order, strings with a 32-bit byte count).
 #ifndef LUMO_IO_DATAINPUTSTREAM_H
 #define LUMO_IO_DATAINPUTSTREAM_H
 

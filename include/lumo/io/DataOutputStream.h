@@ -1,3 +1,5 @@
+// CDataOutputStream: writes typed values with no tags or padding (big-endian integers,
+// floats and doubles in host order, UTF-8 strings after a 32-bit byte count).
 #ifndef LUMO_IO_DATAOUTPUTSTREAM_H
 #define LUMO_IO_DATAOUTPUTSTREAM_H
 

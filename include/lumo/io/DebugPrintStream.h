@@ -1,3 +1,5 @@
+// CDebugPrintStream: a print stream that sends each printed value to the debug output
+// (Vela::DBPrintf) and refuses raw byte writes.
 #ifndef LUMO_IO_DEBUGPRINTSTREAM_H
 #define LUMO_IO_DEBUGPRINTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CFileInputStream: reads the bytes of a file named by a location, unbuffered, with
+// available count, skip and reset to the start.
 #ifndef LUMO_IO_FILEINPUTSTREAM_H
 #define LUMO_IO_FILEINPUTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CFileOutputStream: writes bytes to a file named by a location, unbuffered, creating a
+// missing file and emptying an existing one unless asked to append.
 #ifndef LUMO_IO_FILEOUTPUTSTREAM_H
 #define LUMO_IO_FILEOUTPUTSTREAM_H
 

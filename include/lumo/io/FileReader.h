@@ -1,3 +1,5 @@
+// CFileReader: reads a file of raw UTF-16 units (two bytes each, low byte first, no
+// byte-order mark), with counts and positions in units.
 #ifndef LUMO_IO_FILEREADER_H
 #define LUMO_IO_FILEREADER_H
 

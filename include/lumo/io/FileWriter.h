@@ -1,3 +1,5 @@
+// CFileWriter: writes UTF-16 units to a file as they are (two bytes each, low byte first,
+// no byte-order mark), creating or emptying the file.
 #ifndef LUMO_IO_FILEWRITER_H
 #define LUMO_IO_FILEWRITER_H
 

@@ -1,3 +1,5 @@
+// The io layer's exceptions: CIOException and its kinds for character conversion,
+// interruption and XML, and CUnknownCharacterException carrying the unit at fault.
 #ifndef LUMO_IO_IOEXCEPTION_H
 #define LUMO_IO_IOEXCEPTION_H
 

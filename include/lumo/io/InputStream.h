@@ -1,3 +1,5 @@
+// CInputStream, the abstract source of bytes: single-byte reads sign-extended with a
+// distinct EOS, block reads returning -1 at the end, and a default Skip.
 #ifndef LUMO_IO_INPUTSTREAM_H
 #define LUMO_IO_INPUTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CJavaDataInputStream: a data input stream whose strings carry a 16-bit big-endian byte
+// count, as Java's DataOutputStream.writeUTF writes them.
 #ifndef LUMO_IO_JAVADATAINPUTSTREAM_H
 #define LUMO_IO_JAVADATAINPUTSTREAM_H
 

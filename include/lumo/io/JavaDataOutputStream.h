@@ -1,3 +1,5 @@
+// CJavaDataOutputStream: a data output stream whose strings carry a 16-bit big-endian
+// byte count, as Java's DataInputStream.readUTF expects them.
 #ifndef LUMO_IO_JAVADATAOUTPUTSTREAM_H
 #define LUMO_IO_JAVADATAOUTPUTSTREAM_H
 

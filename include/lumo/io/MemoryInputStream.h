@@ -1,3 +1,5 @@
+// CMemoryInputStream: reads a caller's memory block in place, freeing it on close or
+// destruction when told it owns the block.
 #ifndef LUMO_IO_MEMORYINPUTSTREAM_H
 #define LUMO_IO_MEMORYINPUTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CMemoryOutputStream: collects written bytes in a C-heap block that grows in whole steps,
+// and can hand the block over to the caller.
 #ifndef LUMO_IO_MEMORYOUTPUTSTREAM_H
 #define LUMO_IO_MEMORYOUTPUTSTREAM_H
 

@@ -1,3 +1,5 @@
+// CNativeFileOutputStream: writes bytes straight to a file named by a UTF-16 path through
+// the platform's own file calls; the file is created when missing, never truncated.
 #ifndef LUMO_IO_NATIVEFILEOUTPUTSTREAM_H
 #define LUMO_IO_NATIVEFILEOUTPUTSTREAM_H
 

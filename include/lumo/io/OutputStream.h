@@ -1,3 +1,5 @@
+// COutputStream, the abstract sink of bytes, whose block writes default to one
+// single-byte write per byte.
 #ifndef LUMO_IO_OUTPUTSTREAM_H
 #define LUMO_IO_OUTPUTSTREAM_H
 

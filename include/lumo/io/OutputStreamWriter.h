@@ -1,3 +1,5 @@
+// COutputStreamWriter: a writer that encodes UTF-16 units into a named encoding through a
+// registered converter and writes the bytes to a stream from a growing buffer.
 #ifndef LUMO_IO_OUTPUTSTREAMWRITER_H
 #define LUMO_IO_OUTPUTSTREAMWRITER_H
 

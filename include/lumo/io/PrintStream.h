@@ -1,3 +1,5 @@
+// CPrintStream: writes the text form of values (numbers, booleans, strings) to the
+// wrapped byte stream, with a settable line separator and optional autoflush.
 #ifndef LUMO_IO_PRINTSTREAM_H
 #define LUMO_IO_PRINTSTREAM_H
 

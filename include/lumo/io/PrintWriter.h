@@ -1,3 +1,5 @@
+// CPrintWriter: writes the text form of values as UTF-16 to the wrapped writer, with its
+// own number formats and CR LF line ends.
 #ifndef LUMO_IO_PRINTWRITER_H
 #define LUMO_IO_PRINTWRITER_H
 

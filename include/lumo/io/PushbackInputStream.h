@@ -1,3 +1,5 @@
+// CPushbackInputStream: a filter that lets a reader give bytes back, single bytes read
+// again in reverse order and blocks in their own order.
 #ifndef LUMO_IO_PUSHBACKINPUTSTREAM_H
 #define LUMO_IO_PUSHBACKINPUTSTREAM_H
 

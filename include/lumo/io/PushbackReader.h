@@ -1,3 +1,5 @@
+// CPushbackReader: a reader that can give UTF-16 units back into a buffer that fills from
+// its end, read before the wrapped reader.
 #ifndef LUMO_IO_PUSHBACKREADER_H
 #define LUMO_IO_PUSHBACKREADER_H
 

@@ -1,3 +1,5 @@
+// CReader, the abstract source of UTF-16 code units: single-unit reads zero-extended with
+// EOS at the end, block reads, and a default Skip.
 #ifndef LUMO_IO_READER_H
 #define LUMO_IO_READER_H
 

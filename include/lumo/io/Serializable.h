@@ -1,3 +1,5 @@
+// ISerializable: an object that writes itself to a data output stream and reads itself
+// back from a data input stream.
 #ifndef LUMO_IO_SERIALIZABLE_H
 #define LUMO_IO_SERIALIZABLE_H
 

@@ -1,3 +1,4 @@
+// CUnsupportedEncodingException: no converter is registered under the encoding name.
 #ifndef LUMO_IO_UNSUPPORTEDENCODINGEXCEPTION_H
 #define LUMO_IO_UNSUPPORTEDENCODINGEXCEPTION_H
 

@@ -1,3 +1,5 @@
+// Encoders from UTF-16 to bytes: the converter base, the built-in UTF-8 converter, and
+// the factories entered in the process-wide registry by encoding name.
 #ifndef LUMO_IO_WCHARTOCHARCONVERTER_H
 #define LUMO_IO_WCHARTOCHARCONVERTER_H
 

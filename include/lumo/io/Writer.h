@@ -1,3 +1,5 @@
+// CWriter, the abstract sink of UTF-16 code units: every write form, from strings to
+// single units, ends in the block write that subclasses provide.
 #ifndef LUMO_IO_WRITER_H
 #define LUMO_IO_WRITER_H
 

@@ -1,3 +1,5 @@
+// IXMLSerializable: an object that reads its state from an XML reader and writes it to an
+// XML writer (the reading operation first in the virtual table).
 #ifndef LUMO_IO_XMLSERIALIZABLE_H
 #define LUMO_IO_XMLSERIALIZABLE_H
 

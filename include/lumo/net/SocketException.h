@@ -1,3 +1,4 @@
+// CSocketException: the io exception raised for a failed socket operation.
 #ifndef LUMO_NET_SOCKETEXCEPTION_H
 #define LUMO_NET_SOCKETEXCEPTION_H
 

@@ -1,3 +1,5 @@
+// CUnknownHostException: a host name that does not resolve, always described as
+// "Unknown host name.".
 #ifndef LUMO_NET_UNKNOWNHOSTEXCEPTION_H
 #define LUMO_NET_UNKNOWNHOSTEXCEPTION_H
 

@@ -1,3 +1,5 @@
+// detail::ArrayStore: the growable C-heap buffer behind the vectors, stack and queue,
+// which reports exhausted memory by returning false so each container raises its own.
 #ifndef LUMO_UTIL_ARRAYSTORE_H
 #define LUMO_UTIL_ARRAYSTORE_H
 

@@ -1,3 +1,5 @@
+// The capacity rule of the containers' growable buffers: round a request up to a multiple
+// of the increment, shrink in whole increments, in 64-bit arithmetic over 32-bit sizes.
 #ifndef LUMO_UTIL_CAPACITY_H
 #define LUMO_UTIL_CAPACITY_H
 

@@ -1,3 +1,5 @@
+// IComparator, which orders two slots of an array being sorted, and util::qsort, the
+// library's non-recursive quicksort over it.
 #ifndef LUMO_UTIL_COMPARATOR_H
 #define LUMO_UTIL_COMPARATOR_H
 

@@ -1,3 +1,5 @@
+// IEnumeration, one pass over a container's live elements, and CEnumeration, the copyable
+// handle that shares one enumeration object and deletes it with the last copy.
 #ifndef LUMO_UTIL_ENUMERATION_H
 #define LUMO_UTIL_ENUMERATION_H
 

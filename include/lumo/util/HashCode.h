@@ -1,3 +1,5 @@
+// The library's text hash over 8-bit text and UTF-16 units, and its forms for CString and
+// CUnicodeString.
 #ifndef LUMO_UTIL_HASHCODE_H
 #define LUMO_UTIL_HASHCODE_H
 

@@ -1,3 +1,5 @@
+// CHashtable: a chained hash map of copied keys and values with CObjectHashtable's layout
+// and growth, entries carved from slabs, the hash traits and its enumerations.
 #ifndef LUMO_UTIL_HASHTABLE_H
 #define LUMO_UTIL_HASHTABLE_H
 

@@ -1,3 +1,5 @@
+// The containers' exceptions: CNoSuchElementException (its class record names
+// CMemoryException as base, for compatibility), CEmptyStackException, CEmptyQueueException.
 #ifndef LUMO_UTIL_NOSUCHELEMENTEXCEPTION_H
 #define LUMO_UTIL_NOSUCHELEMENTEXCEPTION_H
 

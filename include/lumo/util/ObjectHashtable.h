@@ -1,3 +1,5 @@
+// CObjectHashtable: a chained hash map from object keys to object values by GetHashCode
+// and Equals, optionally owning them, and its key and element enumerations.
 #ifndef LUMO_UTIL_OBJECTHASHTABLE_H
 #define LUMO_UTIL_OBJECTHASHTABLE_H
 

@@ -1,3 +1,5 @@
+// CObjectVector: a growable array of objects that it owns, deleting an element when it
+// is removed, replaced, cleared or destroyed unless detached first.
 #ifndef LUMO_UTIL_OBJECTVECTOR_H
 #define LUMO_UTIL_OBJECTVECTOR_H
 

@@ -1,3 +1,5 @@
+// Queue: a first-in-first-out queue of values in a ring buffer that follows the
+// containers' capacity rule, growing and shrinking in whole increments.
 #ifndef LUMO_UTIL_QUEUE_H
 #define LUMO_UTIL_QUEUE_H
 

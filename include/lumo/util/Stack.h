@@ -1,3 +1,5 @@
+// Stack: a last-in-first-out stack of values on a growable buffer with the containers'
+// capacity rule; taking from an empty stack throws CEmptyStackException.
 #ifndef LUMO_UTIL_STACK_H
 #define LUMO_UTIL_STACK_H
 

@@ -1,3 +1,5 @@
+// CStringMap: an ordered map of 8-bit strings in two parallel arrays, kept in insertion
+// order and searched linearly; keys compare with or without case, as chosen when made.
 #ifndef LUMO_UTIL_STRINGMAP_H
 #define LUMO_UTIL_STRINGMAP_H
 

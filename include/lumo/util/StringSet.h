@@ -1,3 +1,5 @@
+// CStringSet: a hashed, case-sensitive set of 8-bit strings with union, difference,
+// intersection and subset tests.
 #ifndef LUMO_UTIL_STRINGSET_H
 #define LUMO_UTIL_STRINGSET_H
 

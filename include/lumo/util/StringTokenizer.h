@@ -1,3 +1,5 @@
+// CStringTokenizer: splits an 8-bit text into tokens at any of a set of delimiter
+// characters, optionally returning the delimiters as tokens.
 #ifndef LUMO_UTIL_STRINGTOKENIZER_H
 #define LUMO_UTIL_STRINGTOKENIZER_H
 

@@ -1,3 +1,5 @@
+// CStringVector: a growable array of 8-bit strings, copied in from texts and handed out
+// by reference, with search, removal and sorting.
 #ifndef LUMO_UTIL_STRINGVECTOR_H
 #define LUMO_UTIL_STRINGVECTOR_H
 

@@ -1,3 +1,5 @@
+// CStringVectorH: a packed vector of 8-bit strings stored back to back in one relocatable
+// data block, with a second block of 32-bit offsets.
 #ifndef LUMO_UTIL_STRINGVECTORH_H
 #define LUMO_UTIL_STRINGVECTORH_H
 

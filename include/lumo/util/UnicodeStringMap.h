@@ -1,3 +1,5 @@
+// CUnicodeStringMap: an ordered map of UTF-16 strings in two parallel arrays, kept in
+// insertion order and searched linearly; keys and values always compare exactly.
 #ifndef LUMO_UTIL_UNICODESTRINGMAP_H
 #define LUMO_UTIL_UNICODESTRINGMAP_H
 

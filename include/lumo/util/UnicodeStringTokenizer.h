@@ -1,3 +1,5 @@
+// CUnicodeStringTokenizer: splits a UTF-16 text into tokens at any of a set of delimiter
+// characters, optionally returning the delimiters as tokens.
 #ifndef LUMO_UTIL_UNICODESTRINGTOKENIZER_H
 #define LUMO_UTIL_UNICODESTRINGTOKENIZER_H
 

@@ -1,3 +1,5 @@
+// CUnicodeStringVector: a growable array of UTF-16 strings, copied in from texts and
+// handed out by reference, with search, removal and sorting.
 #ifndef LUMO_UTIL_UNICODESTRINGVECTOR_H
 #define LUMO_UTIL_UNICODESTRINGVECTOR_H
 

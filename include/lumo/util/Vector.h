@@ -1,3 +1,5 @@
+// Vector: a growable array of values of T, copied in and handed out by reference, with
+// the containers' capacity rule and an enumeration by index.
 #ifndef LUMO_UTIL_VECTOR_H
 #define LUMO_UTIL_VECTOR_H
 

@@ -1,3 +1,5 @@
+// AtomicIncrement, AtomicDecrement and AtomicCompareAndSwap on the GCC atomic builtins;
+// increments and decrements go through a compare-exchange loop so they wrap at 32 bits.
 #include <lumo/base/Atomic.h>
 
 #include <cstdint>

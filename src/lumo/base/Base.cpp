@@ -1,3 +1,5 @@
+// CBase's class-level operator new and delete on the C heap, raising CMemoryException at
+// the fixed lines, and the library-wide constant null.
 #include <lumo/base/Base.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CBinaryData: its owned block, comparison and truncation, and the base64 and binhex
+// encoders and decoders built on the shared codec kernels.
 #include <lumo/base/BinaryData.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Internal: the table-driven base64 and binhex kernels, built at compile time and shared
+// by CBinaryData and the base64 output stream; callers check arguments and size output.
 #ifndef LUMO_BASE_BINARYDATACODEC_H
 #define LUMO_BASE_BINARYDATACODEC_H
 

@@ -1,3 +1,4 @@
+// CBool's class record and its fixed "true" and "false" texts, 8-bit and UTF-16.
 #include <lumo/base/Bool.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CClass: a record registers itself with the class registry when made and leaves it when
+// destroyed; base records are looked up by name and cached, and factories make instances.
 #include <lumo/base/Class.h>
 
 #include <lumo/base/ClassManager.h>

@@ -1,3 +1,5 @@
+// CClassManager: the newest-first list of class records, with a hash table that serves
+// lookups only until the first registration and a list walk from then on.
 #include <lumo/base/ClassManager.h>
 
 #include <lumo/base/ClassNotFoundException.h>

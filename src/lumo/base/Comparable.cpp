@@ -1,3 +1,4 @@
+// IComparable's out-of-line destructor, which anchors the interface in the library.
 #include <lumo/base/Comparable.h>
 
 namespace lumo {

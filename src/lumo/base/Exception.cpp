@@ -1,3 +1,5 @@
+// CException (its source, line, description and owned message) and the class records
+// and constructors of the base layer's exception classes.
 #include <lumo/base/Exception.h>
 
 #include <lumo/base/ClassNotFoundException.h>

@@ -1,3 +1,5 @@
+// Internal: CopyExceptionText, which copies a text into an exception's CString member
+// and swallows a CMemoryException, since building an exception must not fail.
 #ifndef LUMO_SRC_BASE_EXCEPTIONTEXT_H
 #define LUMO_SRC_BASE_EXCEPTIONTEXT_H
 

@@ -1,3 +1,5 @@
+// CFixBlockAllocator's pools (a used and a free list of linked blocks under a spin lock),
+// the ten never-destroyed process-wide pools and the per-thread block caches in front.
 #include <lumo/base/FixBlockAllocator.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CFormattedString and CFormattedUnicodeString: reject a null or empty format, then
+// format through CString::FormatV or CUnicodeString::FormatV.
 #include <lumo/base/FormattedString.h>
 
 #include <lumo/base/Exception.h>

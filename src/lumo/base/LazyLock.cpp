@@ -1,3 +1,5 @@
+// CLazyLock: the creation step with its inverted test, kept as defined, so Acquire and
+// TryAcquire find no critical section and throw while Release does nothing.
 #include <lumo/base/LazyLock.h>
 
 #include <lumo/base/Exception.h>

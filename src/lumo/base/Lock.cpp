@@ -1,3 +1,5 @@
+// CLock: creates, enters, tries and leaves its operating-system critical section through
+// the os/SystemCriticalSection interface.
 #include <lumo/base/Lock.h>
 
 #include <lumo/base/Exception.h>

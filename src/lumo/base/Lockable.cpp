@@ -1,3 +1,5 @@
+// Out-of-line destructors of ILockable, ILockable_ and IWaitable, which anchor the
+// interfaces' virtual tables in the library.
 #include <lumo/base/Lockable.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CObject's own class record and its defaults: identity hash and equality, no clone, and
+// the instance-of test through its class record.
 #include <lumo/base/Object.h>
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// CReentrantLock over the operating-system critical section, reporting its failures
+// under the "lumo/base/ReentrantLockImplWin" source.
 #include <lumo/base/ReentrantLock.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// RefCountedPtr, the record behind CRef: construction, release with destruction of an
+// owned object at count 0, and the null-reference failure at its fixed line.
 #include <lumo/base/Ref.h>
 
 #include <lumo/base/Exception.h>

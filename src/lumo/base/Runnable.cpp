@@ -1,3 +1,5 @@
+// IRunnable's destructor and CRunnableThread, whose Run calls the runnable it holds
+// through a CRef (an empty one is refused at construction).
 #include <lumo/base/Runnable.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CSemaphore: forwards every operation to its implementation, an anonymous
+// CWinSemaphoreImpl or a CWinNamedSemaphoreImpl shared by name.
 #include <lumo/base/Semaphore.h>
 
 #include <lumo/base/win/WinNamedSemaphoreImpl.h>

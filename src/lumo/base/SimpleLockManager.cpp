@@ -1,3 +1,5 @@
+// CSimpleLockManager: the nesting count and the managed handle variable, pointing at its
+// own null member when no variable is managed.
 #include <lumo/base/SimpleLockManager.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CSpinLock: compare-exchange 0 to 1 with a time-slice yield between attempts (no spin
+// count, no back-off), and release by decrement.
 #include <lumo/base/SpinLock.h>
 
 #include "os/SystemCriticalSection.h"

@@ -1,3 +1,5 @@
+// CString: the byte traits that instantiate StringCore over UTF-8 text with the root
+// layer's character routines, and the members and operators built on them.
 #include <lumo/base/String.h>
 
 #include <lumo/base/StringH.h>

@@ -1,3 +1,5 @@
+// CStringBuffer and CUnicodeStringBuffer: growable C-heap arrays rounded to a capacity
+// increment in 32-bit arithmetic, with conversion between UTF-8 and UTF-16 arguments.
 #include <lumo/base/StringBuffer.h>
 
 #include <lumo/base/Exception.h>

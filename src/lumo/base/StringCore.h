@@ -1,3 +1,5 @@
+// Internal: the copy-on-write storage and the unit-independent algorithms shared by
+// CString and CUnicodeString, instantiated by each with a traits struct of its own.
 #ifndef LUMO_SRC_BASE_STRINGCORE_H
 #define LUMO_SRC_BASE_STRINGCORE_H
 

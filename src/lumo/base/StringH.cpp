@@ -1,3 +1,5 @@
+// CStringH: stores its text in a handle of the root layer's handle memory manager, and
+// its comparisons, lock count and Empty, which writes '0' rather than a terminator.
 #include <lumo/base/StringH.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CThread over its CWinThreadImpl: start, join, stop, priority, the stop-aware Wait, and
+// the shared control block that lets the object die while its thread still runs.
 #include <lumo/base/Thread.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CThreadLocal: allocates its CWinThreadLocalImpl slot when made and frees it when
+// destroyed; Get and Set go straight to the slot.
 #include <lumo/base/ThreadLocal.h>
 
 #include <lumo/base/win/WinThreadLocalImpl.h>

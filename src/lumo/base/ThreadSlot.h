@@ -1,3 +1,5 @@
+// Internal: the library's current-thread slot, where each thread started through CThread
+// stores its CThread, held by such threads so it can outlive the module's unload.
 #ifndef LUMO_SRC_BASE_THREADSLOT_H
 #define LUMO_SRC_BASE_THREADSLOT_H
 

@@ -1,3 +1,5 @@
+// CBase64OutputStream: keeps the bytes of an incomplete 3-byte group, encodes whole groups
+// in chunks with the shared base64 kernel and breaks the text into CR LF lines.
 #include <lumo/io/Base64OutputStream.h>
 
 #include <lumo/io/IOException.h>

@@ -1,3 +1,5 @@
+// CBufferedInputStream: refills its buffer from the wrapped stream at most once per read
+// and sends requests larger than the buffer straight through.
 #include <lumo/io/BufferedInputStream.h>
 
 #include <lumo/io/IOException.h>

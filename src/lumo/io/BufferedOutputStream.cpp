@@ -1,3 +1,5 @@
+// CBufferedOutputStream: copies small writes into its buffer and writes it out when full;
+// blocks at least the buffer's size go straight to the wrapped stream.
 #include <lumo/io/BufferedOutputStream.h>
 
 #include <lumo/io/IOException.h>

@@ -1,3 +1,5 @@
+// CBufferedReader: serves units from its UTF-16 buffer, moving the unread rest to the
+// front before each refill, and sends large requests straight to the wrapped reader.
 #include <lumo/io/BufferedReader.h>
 
 #include <lumo/base/Exception.h>

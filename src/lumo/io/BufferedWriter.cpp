@@ -1,3 +1,5 @@
+// CBufferedWriter: collects UTF-16 units in its buffer and writes them out in one block
+// when it fills, on Flush and on Close.
 #include <lumo/io/BufferedWriter.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,4 @@
+// CCRLFPrintStream: a CPrintStream whose constructors set the line separator to CR LF.
 #include <lumo/io/CRLFPrintStream.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CDataInputStream: typed reads over the wrapped stream, and string reads that grow their
+// buffer with the bytes that arrive rather than trusting the count on the stream.
 #include <lumo/io/DataInputStream.h>
 
 #include <lumo/io/IOException.h>

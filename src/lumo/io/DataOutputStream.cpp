@@ -1,3 +1,5 @@
+// CDataOutputStream: each typed value as one block write on the wrapped stream, strings as
+// a 32-bit big-endian byte count and their UTF-8 bytes.
 #include <lumo/io/DataOutputStream.h>
 
 #include <lumo/io/IOException.h>

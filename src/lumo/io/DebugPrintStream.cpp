@@ -1,3 +1,5 @@
+// CDebugPrintStream: every Print and Println formats its value and hands it to
+// Vela::DBPrintf in one call; raw byte writes throw.
 #include <lumo/io/DebugPrintStream.h>
 
 #include <lumo/io/IOException.h>

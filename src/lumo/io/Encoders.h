@@ -1,3 +1,5 @@
+// Internal: RegisterBuiltInEncoders, which enters the library's own encodings ("UTF-8")
+// in the converter registry during the module's load work.
 #ifndef LUMO_SRC_IO_ENCODERS_H
 #define LUMO_SRC_IO_ENCODERS_H
 

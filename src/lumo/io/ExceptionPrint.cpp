@@ -1,3 +1,5 @@
+// CException::Print, the exception report on a print stream; it lives in the io layer
+// because the base layer includes nothing from io.
 #include <lumo/base/Exception.h>
 
 #include <lumo/io/PrintStream.h>

@@ -1,3 +1,5 @@
+// Internal: the shared open, rewind, flush and close steps of the file streams, readers
+// and writers, raising exceptions under the calling unit's name and lines.
 #ifndef LUMO_SRC_IO_FILECORE_H
 #define LUMO_SRC_IO_FILECORE_H
 

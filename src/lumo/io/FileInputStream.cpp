@@ -1,3 +1,5 @@
+// CFileInputStream over IO::File: reads and skips of at most 0x7FFFFFFF bytes a call, an
+// available count that refuses sizes beyond 32 bits, and failures as CIOException.
 #include <lumo/io/FileInputStream.h>
 
 #include "FileCore.h"

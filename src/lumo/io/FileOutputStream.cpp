@@ -1,3 +1,5 @@
+// CFileOutputStream over IO::File: unbuffered byte and block writes, flush and close,
+// with failures reported as CIOException.
 #include <lumo/io/FileOutputStream.h>
 
 #include "FileCore.h"

@@ -1,3 +1,5 @@
+// CFileReader over IO::File: reads and skips whole UTF-16 units (two bytes, low first),
+// bounded so that byte counts stay within signed 32-bit results.
 #include <lumo/io/FileReader.h>
 
 #include "FileCore.h"

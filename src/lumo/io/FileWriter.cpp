@@ -1,3 +1,4 @@
+// CFileWriter over IO::File: writes UTF-16 units as two bytes each, low byte first.
 #include <lumo/io/FileWriter.h>
 
 #include "FileCore.h"

@@ -1,3 +1,5 @@
+// Internal: the buffer, skip, pushback and close steps shared by the filtering byte
+// streams and the filtering readers and writers, templated on the unit type.
 #ifndef LUMO_SRC_IO_FILTERCORE_H
 #define LUMO_SRC_IO_FILTERCORE_H
 

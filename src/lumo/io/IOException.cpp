@@ -1,3 +1,4 @@
+// Class records and constructors of the io layer's exceptions, CIOException and its kinds.
 #include <lumo/io/IOException.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CInputStream's defaults: the single-byte read through the block read, and Skip by
+// single reads returning the count not skipped.
 #include <lumo/io/InputStream.h>
 
 namespace lumo {

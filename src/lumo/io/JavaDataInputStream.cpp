@@ -1,3 +1,5 @@
+// CJavaDataInputStream: ReadString takes a 16-bit big-endian byte count before the
+// UTF-8 bytes.
 #include <lumo/io/JavaDataInputStream.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CJavaDataOutputStream: WriteString writes a 16-bit big-endian byte count before the
+// UTF-8 bytes and refuses texts whose UTF-8 form exceeds 65535 bytes.
 #include <lumo/io/JavaDataOutputStream.h>
 
 #include <lumo/io/IOException.h>

@@ -1,3 +1,5 @@
+// CMemoryInputStream: reads, skips and resets over the caller's block in place, freeing
+// the block on close or destruction when it owns it.
 #include <lumo/io/MemoryInputStream.h>
 
 #include <lumo/io/IOException.h>

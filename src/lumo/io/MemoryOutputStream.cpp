@@ -1,3 +1,5 @@
+// CMemoryOutputStream: appends to its C-heap block, growing it in whole steps, and hands
+// the block over on DetachBuffer.
 #include <lumo/io/MemoryOutputStream.h>
 
 #include <lumo/io/IOException.h>

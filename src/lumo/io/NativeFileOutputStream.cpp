@@ -1,3 +1,5 @@
+// CNativeFileOutputStream: forwards writes, flush and close to its CNativeFile, the
+// platform file handle kept behind an opaque pointer.
 #include <lumo/io/NativeFileOutputStream.h>
 
 #include "os/NativeFile.h"

@@ -1,3 +1,5 @@
+// COutputStream's default block writes: one single-byte write per byte, ignoring a null
+// buffer.
 #include <lumo/io/OutputStream.h>
 
 namespace lumo {

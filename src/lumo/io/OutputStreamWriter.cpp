@@ -1,3 +1,5 @@
+// COutputStreamWriter: converts UTF-16 units through its encoding's converter into a byte
+// buffer, writing it out or doubling it when the converter runs out of room.
 #include <lumo/io/OutputStreamWriter.h>
 
 #include <lumo/base/Exception.h>

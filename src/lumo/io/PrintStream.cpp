@@ -1,3 +1,5 @@
+// CPrintStream: formats numbers into a scratch buffer without allocating, prints texts
+// as their bytes, and writes the line separator with optional autoflush.
 #include <lumo/io/PrintStream.h>
 
 #include <lumo/io/IOException.h>

@@ -1,3 +1,5 @@
+// CPrintWriter: formats values into a UTF-16 scratch buffer, converts 8-bit texts from
+// UTF-8 (malformed bytes becoming U+FFFD) and ends lines with CR LF.
 #include <lumo/io/PrintWriter.h>
 
 #include <lumo/base/Exception.h>

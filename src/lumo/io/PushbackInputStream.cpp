@@ -1,3 +1,5 @@
+// CPushbackInputStream: serves given-back bytes from its pushback buffer before the
+// wrapped stream, and refuses to give back more than the buffer holds.
 #include <lumo/io/PushbackInputStream.h>
 
 #include <lumo/io/IOException.h>

@@ -1,3 +1,5 @@
+// CPushbackReader: serves given-back UTF-16 units from its pushback buffer before the
+// wrapped reader, and refuses to give back more than the buffer holds.
 #include <lumo/io/PushbackReader.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CReader's defaults: the single-unit read through the block read, and Skip by single
+// reads returning the count not skipped.
 #include <lumo/io/Reader.h>
 
 namespace lumo {

@@ -1,3 +1,4 @@
+// ISerializable's out-of-line destructor, which anchors the interface in the library.
 #include <lumo/io/Serializable.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CUnsupportedEncodingException's class record and constructor, which keeps a copy of the
+// encoding name.
 #include <lumo/io/UnsupportedEncodingException.h>
 
 #include "../base/ExceptionText.h"

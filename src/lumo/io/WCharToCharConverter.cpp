@@ -1,3 +1,5 @@
+// CWCharToCharConverter's lookup by encoding name and the built-in UTF-8 converter, which
+// holds a high surrogate across calls until its low half arrives.
 #include <lumo/io/WCharToCharConverter.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// CWriter's default write forms (strings, blocks, terminated texts, single units), all
+// ending in the block write.
 #include <lumo/io/Writer.h>
 
 #include <vela/Ucs.h>

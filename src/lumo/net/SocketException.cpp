@@ -1,3 +1,4 @@
+// CSocketException's class record, under CIOException.
 #include <lumo/net/SocketException.h>
 
 namespace lumo {

@@ -1,3 +1,5 @@
+// CUnknownHostException's class record and constructor, which keeps a copy of the host
+// name even when it is empty.
 #include <lumo/net/UnknownHostException.h>
 
 #include "../base/ExceptionText.h"

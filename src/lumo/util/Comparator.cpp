@@ -1,3 +1,5 @@
+// util::qsort: a non-recursive quicksort with the middle element as pivot, an explicit
+// stack that defers the larger part, and selection sort for short runs.
 #include <lumo/util/Comparator.h>
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// Class records of the containers' exceptions; CNoSuchElementException's names
+// CMemoryException as its base on purpose.
 #include <lumo/util/NoSuchElementException.h>
 
 namespace lumo {

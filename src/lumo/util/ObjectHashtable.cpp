@@ -1,3 +1,5 @@
+// CObjectHashtable: buckets of entry chains that keep each key's hash, cloning copies,
+// owning deletion, growth by threshold, and the cursor behind its enumerations.
 #include <lumo/util/ObjectHashtable.h>
 
 #include <lumo/base/Exception.h>

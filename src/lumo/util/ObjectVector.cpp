@@ -1,3 +1,5 @@
+// CObjectVector over detail::ArrayStore: owning insertion, replacement and removal,
+// all-or-nothing cloning copies, and sorting with the C runtime's qsort.
 #include <lumo/util/ObjectVector.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Internal: the string-keyed CHashtable behind CStringSet, hashing CString keys with the
+// library's text hash and looking them up straight from a char pointer.
 #ifndef LUMO_SRC_UTIL_STRINGHASHTABLE_H
 #define LUMO_SRC_UTIL_STRINGHASHTABLE_H
 

@@ -1,3 +1,5 @@
+// CStringMap over the shared StringMapImpl, instantiated for CString keys and values
+// with the case mode chosen at construction.
 #include <lumo/util/StringMap.h>
 
 #include "StringMapImpl.h"

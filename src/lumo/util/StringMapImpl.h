@@ -1,3 +1,5 @@
+// Internal: the operations on the parallel key and value arrays of CStringMap and
+// CUnicodeStringMap, written once for any string class over references to the map's fields.
 #ifndef LUMO_SRC_UTIL_STRINGMAPIMPL_H
 #define LUMO_SRC_UTIL_STRINGMAPIMPL_H
 

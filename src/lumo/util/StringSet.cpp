@@ -1,3 +1,5 @@
+// CStringSet over StringHashtable: membership, enumeration and the set algebra, the
+// intersection built in a fresh table.
 #include <lumo/util/StringSet.h>
 
 #include "StringHashtable.h"

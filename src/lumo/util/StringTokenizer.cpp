@@ -1,3 +1,5 @@
+// CStringTokenizer over the shared StringTokenizerImpl, after checking the source text
+// and the delimiters.
 #include <lumo/util/StringTokenizer.h>
 
 #include "StringTokenizerImpl.h"

@@ -1,3 +1,5 @@
+// Internal: the token scanning of CStringTokenizer and CUnicodeStringTokenizer, written
+// once for any string class over its code units.
 #ifndef LUMO_SRC_UTIL_STRINGTOKENIZERIMPL_H
 #define LUMO_SRC_UTIL_STRINGTOKENIZERIMPL_H
 

@@ -1,3 +1,4 @@
+// CStringVector over the shared StringVectorImpl, instantiated for CString elements.
 #include <lumo/util/StringVector.h>
 
 #include "StringVectorImpl.h"

@@ -1,3 +1,5 @@
+// CStringVectorH: keeps its strings and their offsets in two handles of the root layer's
+// handle memory manager, zeroing new bytes and compacting after removals.
 #include <lumo/util/StringVectorH.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Internal: the operations of CStringVector and CUnicodeStringVector over an ArrayStore
+// of strings, and the enumeration by index, written once for any string class.
 #ifndef LUMO_SRC_UTIL_STRINGVECTORIMPL_H
 #define LUMO_SRC_UTIL_STRINGVECTORIMPL_H
 

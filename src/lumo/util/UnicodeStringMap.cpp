@@ -1,3 +1,5 @@
+// CUnicodeStringMap over the shared StringMapImpl, instantiated for CUnicodeString keys
+// and values, always case-sensitive.
 #include <lumo/util/UnicodeStringMap.h>
 
 #include "StringMapImpl.h"

@@ -1,3 +1,5 @@
+// CUnicodeStringTokenizer over the shared StringTokenizerImpl, after checking the source
+// text and the delimiters.
 #include <lumo/util/UnicodeStringTokenizer.h>
 
 #include "StringTokenizerImpl.h"

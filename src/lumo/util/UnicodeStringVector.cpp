@@ -1,3 +1,5 @@
+// CUnicodeStringVector over the shared StringVectorImpl, instantiated for CUnicodeString
+// elements.
 #include <lumo/util/UnicodeStringVector.h>
 
 #include "StringVectorImpl.h"

@@ -1,3 +1,5 @@
+// A client program built against the installed lumo package (find_package): it starts
+// the library, finds a class record, throws and catches an exception, and stops it.
 #include <lumo/Lumo.h>
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// Tests of CBinaryData: base64 against OpenSSL for every length, the decoding rules and
+// their errors, binhex both ways, and ownership, truncation and comparison of the block.
 #include <lumo/base/BinaryData.h>
 #include <lumo/base/Exception.h>
 

@@ -1,3 +1,5 @@
+// Tests of CBool's texts, lengths and class record, and of IComparable used through the
+// interface.
 #include <lumo/base/Bool.h>
 #include <lumo/base/Comparable.h>
 #include <lumo/base/Exception.h>

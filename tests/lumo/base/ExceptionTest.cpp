@@ -1,3 +1,5 @@
+// Tests of the exceptions: fields and message ownership, copies, class records and
+// bases, exceptions that carry a text, and the system's error text.
 #include <lumo/base/ClassNotFoundException.h>
 #include <lumo/base/Exception.h>
 #include <lumo/base/win/WinSystemErrorException.h>

@@ -1,3 +1,5 @@
+// Tests of CFormattedString and CFormattedUnicodeString: formatting, copies, and the
+// rejection of null and empty formats.
 #include <lumo/base/Exception.h>
 #include <lumo/base/FormattedString.h>
 

@@ -1,3 +1,5 @@
+// Tests of the object model: class records, registry order and unlinking, instance tests
+// over all bases, factories, object identity, allocation failures, text hash and atomics.
 #include <lumo/base/Atomic.h>
 #include <lumo/base/ClassManager.h>
 #include <lumo/base/ClassNotFoundException.h>

@@ -1,3 +1,5 @@
+// Tests of CStringBuffer and CUnicodeStringBuffer: capacity rounding and the text
+// operations of both.
 #include <lumo/base/Exception.h>
 #include <lumo/base/String.h>
 #include <lumo/base/StringBuffer.h>

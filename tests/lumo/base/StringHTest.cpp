@@ -1,3 +1,5 @@
+// Tests of CStringH: storing and copying, Empty keeping the digit '0', the lock count,
+// comparisons, and a handle manager out of memory leaving the text as it was.
 #include <lumo/base/Exception.h>
 #include <lumo/base/String.h>
 #include <lumo/base/StringH.h>

@@ -1,3 +1,5 @@
+// Tests of CString: construction, sharing and copy-on-write, capacity classes and pools,
+// buffer access, comparison, search, pieces, changes, trims, Format and large appends.
 #include <lumo/base/Exception.h>
 #include <lumo/base/FixBlockAllocator.h>
 #include <lumo/base/String.h>

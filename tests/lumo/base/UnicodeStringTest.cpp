@@ -1,3 +1,5 @@
+// Tests of CUnicodeString: construction, copy-on-write, pools and growth, comparison,
+// search, changes, Format, and the UTF-8 conversions checked against ICU.
 #include <lumo/base/Exception.h>
 #include <lumo/base/FixBlockAllocator.h>
 #include <lumo/base/String.h>

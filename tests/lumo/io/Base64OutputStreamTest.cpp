@@ -1,3 +1,5 @@
+// Tests of CBase64OutputStream: output equal to OpenSSL's in any write pattern, line
+// breaks, Flush and Close, and ownership of the wrapped stream.
 #include "support/Streams.h"
 
 #include <lumo/io/Base64OutputStream.h>

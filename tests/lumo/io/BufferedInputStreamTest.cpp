@@ -1,3 +1,5 @@
+// Tests of CBufferedInputStream: construction and default size, refills, large reads
+// that bypass the buffer, skip, reset and close, and ownership of the wrapped stream.
 #include "support/Streams.h"
 
 #include <lumo/io/BufferedInputStream.h>

@@ -1,3 +1,5 @@
+// Tests of CBufferedOutputStream: construction, whole-buffer writes, Close that flushes
+// and closes despite errors, and ownership of the wrapped stream.
 #include "support/Streams.h"
 
 #include <lumo/io/BufferedOutputStream.h>

@@ -1,3 +1,5 @@
+// Tests of CBufferedReader: construction, block reads, reads from a source that returns
+// short blocks, and Close.
 #include <lumo/io/BufferedReader.h>
 
 #include "support/CharStreams.h"

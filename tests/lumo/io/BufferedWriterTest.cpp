@@ -1,3 +1,5 @@
+// Tests of CBufferedWriter: construction, collected writes, and Close with failing
+// wrapped writers.
 #include <lumo/io/BufferedWriter.h>
 
 #include "support/CharStreams.h"

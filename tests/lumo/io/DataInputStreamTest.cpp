@@ -1,3 +1,5 @@
+// Tests of CDataInputStream and CJavaDataInputStream: round trips, byte reads as
+// documented, a huge announced string count, pass-through, close and ownership.
 #include "support/Streams.h"
 
 #include <lumo/io/BufferedInputStream.h>

@@ -1,3 +1,5 @@
+// Tests of CDataOutputStream and CJavaDataOutputStream: the wire format, native and Java
+// strings, the stream operators, serializable objects and Close.
 #include "support/Streams.h"
 
 #include <lumo/io/DataOutputStream.h>

@@ -1,3 +1,5 @@
+// Tests of CDebugPrintStream: one debug-output call per printed value in its format, and
+// refused raw writes and Close.
 #include "support/Streams.h"
 
 #include <lumo/base/String.h>

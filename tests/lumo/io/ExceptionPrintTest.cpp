@@ -1,3 +1,5 @@
+// Tests of CException::Print: the layout of the report, and printing it to the debug
+// output.
 #include <lumo/base/Exception.h>
 #include <lumo/io/CRLFPrintStream.h>
 #include <lumo/io/DebugPrintStream.h>

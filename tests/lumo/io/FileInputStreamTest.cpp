@@ -1,3 +1,4 @@
+// Tests of CFileInputStream: reading a file's bytes, and the open failures.
 #include <lumo/io/FileInputStream.h>
 
 #include "support/CharStreams.h"

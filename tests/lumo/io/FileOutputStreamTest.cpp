@@ -1,3 +1,5 @@
+// Tests of CFileOutputStream: write and append, open failures, a buffered file equal to
+// one written with stdio, and a pipe whose reader has gone.
 #include <lumo/io/BufferedInputStream.h>
 #include <lumo/io/BufferedOutputStream.h>
 #include <lumo/io/FileInputStream.h>

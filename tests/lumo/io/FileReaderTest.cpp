@@ -1,3 +1,4 @@
+// Tests of CFileReader: reading UTF-16 units from a file, and the open failures.
 #include <lumo/io/FileReader.h>
 
 #include "support/CharStreams.h"

@@ -1,3 +1,5 @@
+// Tests of CFileWriter: little-endian UTF-16 output, a round trip checked with iconv,
+// and the open failures.
 #include <lumo/io/FileReader.h>
 #include <lumo/io/FileWriter.h>
 

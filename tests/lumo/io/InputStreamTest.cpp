@@ -1,3 +1,5 @@
+// Tests of the default stream methods: CInputStream's sign-extending single read and
+// EOS, its Skip count, and COutputStream's byte-by-byte block writes.
 #include "support/Streams.h"
 
 #include <lumo/io/InputStream.h>

@@ -1,3 +1,5 @@
+// Tests of CMemoryInputStream: sign-extended reads to the end, Skip counts and null
+// buffers, construction and Close.
 #include "support/Streams.h"
 
 #include <lumo/io/MemoryInputStream.h>

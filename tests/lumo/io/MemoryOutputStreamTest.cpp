@@ -1,3 +1,5 @@
+// Tests of CMemoryOutputStream: linear growth in whole steps, reset, detach and close,
+// and a failed growth (under a lowered address-space limit) leaving the stream unchanged.
 #include "support/Streams.h"
 
 #include <lumo/io/MemoryOutputStream.h>

@@ -1,3 +1,5 @@
+// Tests of CNativeFileOutputStream: overwriting without truncating, the failures, and a
+// pipe whose reader has gone.
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/NativeFileOutputStream.h>
 

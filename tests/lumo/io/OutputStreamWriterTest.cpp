@@ -1,3 +1,5 @@
+// Tests of COutputStreamWriter: construction, buffering of the encoded bytes, surrogate
+// pairs across writes, and Close.
 #include <lumo/io/MemoryOutputStream.h>
 #include <lumo/io/OutputStreamWriter.h>
 #include <lumo/io/UnsupportedEncodingException.h>

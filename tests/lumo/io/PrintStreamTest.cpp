@@ -1,3 +1,5 @@
+// Tests of CPrintStream: the format of every overload, line ends and autoflush, and
+// pass-through, close and ownership of the wrapped stream.
 #include "support/Streams.h"
 
 #include <lumo/base/String.h>

@@ -1,3 +1,5 @@
+// Tests of CPrintWriter: the value formats, line ends and autoflush, construction and
+// Close.
 #include <lumo/io/MemoryOutputStream.h>
 #include <lumo/io/OutputStreamWriter.h>
 #include <lumo/io/PrintWriter.h>

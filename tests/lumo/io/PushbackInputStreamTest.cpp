@@ -1,3 +1,5 @@
+// Tests of CPushbackInputStream: construction, the order in which bytes and blocks come
+// back, block reads past the pushback, and ownership of the wrapped stream.
 #include "support/Streams.h"
 
 #include <lumo/io/MemoryInputStream.h>

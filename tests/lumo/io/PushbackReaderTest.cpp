@@ -1,3 +1,5 @@
+// Tests of CPushbackReader: construction, the order of units given back, and skip,
+// reset and close.
 #include <lumo/io/PushbackReader.h>
 
 #include "support/CharStreams.h"

@@ -1,3 +1,4 @@
+// Tests of CReader's default methods, which all go through the block read.
 #include "support/CharStreams.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// Tests of the UTF-8 converter: its sequences, surrogate pairs across calls, the room in
+// the destination, agreement with ICU, and the encoder registry.
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 

@@ -1,3 +1,4 @@
+// Tests of CWriter's default methods, which all go through the block write.
 #include "support/CharStreams.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// Tests of util::qsort: where equal elements land, as the algorithm defines, and sorting
+// elements of any width and input shape.
 #include <lumo/util/Comparator.h>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Tests of CEnumeration: handles share one enumeration object and delete it once.
 #include <lumo/util/Enumeration.h>
 
 #include <lumo/util/NoSuchElementException.h>

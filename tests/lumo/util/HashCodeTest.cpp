@@ -1,3 +1,5 @@
+// Tests of the text hash: factor 37 for short texts, sampling with 39 for long ones, and
+// the string classes hashing like their texts.
 #include <lumo/util/HashCode.h>
 
 #include <lumo/base/String.h>

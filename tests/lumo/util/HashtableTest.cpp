@@ -1,3 +1,5 @@
+// Tests of CHashtable: a string-keyed registry of borrowed pointers, growth, copies and
+// enumerations.
 #include <lumo/util/Hashtable.h>
 
 #include <lumo/base/String.h>

@@ -1,3 +1,5 @@
+// Tests of CObjectHashtable: construction and growth steps, put, get and ownership,
+// Remove always ending in CNoSuchElementException, copies, and enumeration order.
 #include <lumo/util/ObjectHashtable.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Tests of CObjectVector: growth and shrinking in whole increments, access and bad
+// arguments, ownership through insert, set, remove and detach, copies, sort, failures.
 #include <lumo/util/ObjectVector.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Tests of Queue: first-in-first-out order across wrap-around, growth and shrinking, and
+// values released exactly once.
 #include <lumo/util/Queue.h>
 
 #include <lumo/base/Ref.h>

@@ -1,3 +1,4 @@
+// Tests of Stack: last-in-first-out order with the containers' capacity rule.
 #include <lumo/util/Stack.h>
 
 #include <gtest/gtest.h>

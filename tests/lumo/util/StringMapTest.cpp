@@ -1,3 +1,5 @@
+// Tests of CStringMap: keys in insertion order with and without case, removal,
+// capacity, copies and iterators.
 #include <lumo/util/StringMap.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,4 @@
+// Tests of CStringSet: membership, growth and bad keys, and the set algebra.
 #include <lumo/util/StringSet.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Tests of CStringTokenizer: runs of delimiters between tokens, and returnDelims stepping
+// one character at a time.
 #include <lumo/util/StringTokenizer.h>
 
 #include <lumo/base/Exception.h>

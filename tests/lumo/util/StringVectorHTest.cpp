@@ -1,3 +1,5 @@
+// Tests of CStringVectorH: packing of the strings and the last-index rule, insert, set,
+// search and copies.
 #include <lumo/util/StringVectorH.h>
 
 #include <lumo/base/Exception.h>

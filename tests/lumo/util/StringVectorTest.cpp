@@ -1,3 +1,5 @@
+// Tests of CStringVector: element operations and the SetElementAt rule, sort, copies and
+// enumeration.
 #include <lumo/util/StringVector.h>
 
 #include <lumo/base/Exception.h>

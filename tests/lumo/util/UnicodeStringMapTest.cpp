@@ -1,3 +1,4 @@
+// Tests of CUnicodeStringMap: a namespace prefix map with exactly compared keys.
 #include <lumo/util/UnicodeStringMap.h>
 
 #include <lumo/base/Exception.h>

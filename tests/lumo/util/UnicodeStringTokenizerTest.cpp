@@ -1,3 +1,4 @@
+// Tests of CUnicodeStringTokenizer: splitting on UTF-16 delimiters.
 #include <lumo/util/UnicodeStringTokenizer.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,4 @@
+// Tests of CUnicodeStringVector: element operations over UTF-16 texts.
 #include <lumo/util/UnicodeStringVector.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// Tests of Vector: the capacity rule and element operations, and elements living exactly
+// as long as their slots.
 #include <lumo/util/Vector.h>
 
 #include <gtest/gtest.h>

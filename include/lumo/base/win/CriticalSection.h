@@ -1,3 +1,5 @@
+// win::CCriticalSection: an operating-system critical section as a sync object; it has no
+// wait handle, so it cannot take part in CMultiLock or CDualLock waits.
 #ifndef LUMO_BASE_WIN_CRITICALSECTION_H
 #define LUMO_BASE_WIN_CRITICALSECTION_H
 

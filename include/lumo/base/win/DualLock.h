@@ -1,3 +1,5 @@
+// win::CDualLock: CMultiLock's scoped wait for exactly two waitable sync objects, held
+// in members so that it needs no allocation.
 #ifndef LUMO_BASE_WIN_DUALLOCK_H
 #define LUMO_BASE_WIN_DUALLOCK_H
 

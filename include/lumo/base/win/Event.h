@@ -1,3 +1,5 @@
+// win::CEvent: a kernel event, auto-reset or manual-reset, anonymous or shared by name
+// within the process, with set, reset and wait.
 #ifndef LUMO_BASE_WIN_EVENT_H
 #define LUMO_BASE_WIN_EVENT_H
 

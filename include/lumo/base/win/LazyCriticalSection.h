@@ -1,3 +1,5 @@
+// win::CLazyCriticalSection: a critical section meant to be made on first use; like
+// CLazyLock it keeps the original's inverted test, so none is made and Acquire throws.
 #ifndef LUMO_BASE_WIN_LAZYCRITICALSECTION_H
 #define LUMO_BASE_WIN_LAZYCRITICALSECTION_H
 

@@ -1,3 +1,5 @@
+// win::CMultiLock: scoped acquisition of several waitable sync objects (not owned) by one
+// wait for any or all of them, releasing what it took in index order.
 #ifndef LUMO_BASE_WIN_MULTILOCK_H
 #define LUMO_BASE_WIN_MULTILOCK_H
 

@@ -1,3 +1,5 @@
+// win::CMutex: a kernel mutex that is owned, recursive and abandoned when its owner ends
+// holding it, anonymous or shared by name within the process.
 #ifndef LUMO_BASE_WIN_MUTEX_H
 #define LUMO_BASE_WIN_MUTEX_H
 

@@ -1,3 +1,5 @@
+// win::CSingleLock: scoped acquisition of one sync object (not owned), released by the
+// destructor when held.
 #ifndef LUMO_BASE_WIN_SINGLELOCK_H
 #define LUMO_BASE_WIN_SINGLELOCK_H
 

@@ -1,3 +1,5 @@
+// win::CSyncObject, base of the Windows-style synchronization objects (a name and a
+// kernel wait handle), with the waits on one or several handles and their result codes.
 #ifndef LUMO_BASE_WIN_SYNCOBJECT_H
 #define LUMO_BASE_WIN_SYNCOBJECT_H
 

@@ -1,3 +1,5 @@
+// win::CWinNamedSemaphoreImpl: the semaphore implementation shared between processes by
+// name (a POSIX named semaphore here), with the maximum count 0x7FFFFFFF.
 #ifndef LUMO_BASE_WIN_WINNAMEDSEMAPHOREIMPL_H
 #define LUMO_BASE_WIN_WINNAMEDSEMAPHOREIMPL_H
 

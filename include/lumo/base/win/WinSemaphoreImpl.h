@@ -1,3 +1,5 @@
+// win::CWinSemaphoreImpl: the anonymous, process-local semaphore implementation over one
+// kernel semaphore handle, behind CSemaphore.
 #ifndef LUMO_BASE_WIN_WINSEMAPHOREIMPL_H
 #define LUMO_BASE_WIN_WINSEMAPHOREIMPL_H
 

@@ -1,3 +1,5 @@
+// win::CWinSystemErrorException: a failed system call, carrying its error code (an errno
+// value on POSIX) and the system's text for it as the message.
 #ifndef LUMO_BASE_WIN_WINSYSTEMERROREXCEPTION_H
 #define LUMO_BASE_WIN_WINSYSTEMERROREXCEPTION_H
 

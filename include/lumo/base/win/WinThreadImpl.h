@@ -1,3 +1,5 @@
+// win::CWinThreadImpl: the operating-system thread behind a CThread, a kernel thread
+// object (a pthread here) that is signalled when the thread ends.
 #ifndef LUMO_BASE_WIN_WINTHREADIMPL_H
 #define LUMO_BASE_WIN_WINTHREADIMPL_H
 

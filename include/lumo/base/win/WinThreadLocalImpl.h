@@ -1,3 +1,5 @@
+// win::CWinThreadLocalImpl: an operating-system thread-local slot (a pthread key here),
+// behind CThreadLocal, freed by its destructor.
 #ifndef LUMO_BASE_WIN_WINTHREADLOCALIMPL_H
 #define LUMO_BASE_WIN_WINTHREADLOCALIMPL_H
 

@@ -1,3 +1,5 @@
+// Internal: the portable interface of the kernel wait objects behind lumo::base::win
+// (mutexes, events, semaphores, threads, TLS slots, waits on one or many).
 #ifndef LUMO_BASE_OS_KERNELOBJECT_H
 #define LUMO_BASE_OS_KERNELOBJECT_H
 

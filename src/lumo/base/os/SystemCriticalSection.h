@@ -1,3 +1,5 @@
+// Internal: the portable interface of the operating-system critical section behind the
+// library's locks, and the time-slice yield of CSpinLock.
 #ifndef LUMO_BASE_OS_SYSTEMCRITICALSECTION_H
 #define LUMO_BASE_OS_SYSTEMCRITICALSECTION_H
 

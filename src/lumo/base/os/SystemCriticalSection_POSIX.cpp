@@ -1,3 +1,5 @@
+// The POSIX backend of the system critical section: a recursive pthread mutex in C-heap
+// memory, whose lock errors become CSynchronizationException.
 #include "SystemCriticalSection.h"
 
 #include <lumo/base/Exception.h>

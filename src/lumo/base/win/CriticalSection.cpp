@@ -1,3 +1,5 @@
+// win::CCriticalSection over the system critical section, reporting enter failures under
+// its own unit name; it has no wait handle and TryAcquire tries once.
 #include <lumo/base/win/CriticalSection.h>
 
 #include <lumo/base/Exception.h>

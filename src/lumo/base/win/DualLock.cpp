@@ -1,3 +1,5 @@
+// win::CDualLock: checks that both objects are waitable, then waits on their two handles
+// and releases what it took, all without allocation.
 #include <lumo/base/win/DualLock.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CEvent over a kernel event object: set, reset, and wait (which resets an
+// auto-reset event), with system errors reported as CWinSystemErrorException.
 #include <lumo/base/win/Event.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CLazyCriticalSection: the creation step with its inverted test, kept as defined,
+// so Acquire and TryAcquire throw and Release does nothing.
 #include <lumo/base/win/LazyCriticalSection.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CMultiLock: validates the objects, keeps their handles and lock flags in owned
+// arrays, waits for any or all, and releases the flagged ones in index order.
 #include <lumo/base/win/MultiLock.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CMutex over a kernel mutex object: waits that accept an abandoned mutex like a
+// free one, and release that fails for a thread that does not own it.
 #include <lumo/base/win/Mutex.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CSingleLock: acquires its sync object on Lock and releases it on Unlock and in a
+// destructor that swallows any failure.
 #include <lumo/base/win/SingleLock.h>
 
 #include <lumo/base/Exception.h>

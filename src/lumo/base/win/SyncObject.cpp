@@ -1,3 +1,5 @@
+// win::CSyncObject: owns and closes its kernel handle, and the waits on one or several
+// handles, whose result constants are checked against the kernel layer's.
 #include <lumo/base/win/SyncObject.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CWinNamedSemaphoreImpl: checks the name (one path component for a POSIX named
+// semaphore) and the initial count, then opens or creates the semaphore.
 #include <lumo/base/win/WinNamedSemaphoreImpl.h>
 
 #include <lumo/base/Exception.h>

@@ -1,3 +1,5 @@
+// win::CWinSemaphoreImpl over a kernel semaphore handle: checks the counts, and turns
+// failed waits and releases into CSynchronizationException with the system's text.
 #include <lumo/base/win/WinSemaphoreImpl.h>
 
 #include <lumo/base/Exception.h>

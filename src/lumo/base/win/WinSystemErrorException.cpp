@@ -1,3 +1,5 @@
+// win::CWinSystemErrorException: keeps the error code and takes the system's text for it
+// (strerror_r, in either flavour) as the message.
 #include <lumo/base/win/WinSystemErrorException.h>
 
 #include <cstring>

@@ -1,3 +1,5 @@
+// win::CWinThreadLocalImpl over the kernel layer's TLS slots: allocate once, free in the
+// destructor, and get or set with failures as CWinSystemErrorException.
 #include <lumo/base/win/WinThreadLocalImpl.h>
 
 #include <lumo/base/win/WinSystemErrorException.h>

@@ -1,3 +1,5 @@
+// Internal: the portable interface of the platform file handle behind
+// CNativeFileOutputStream; one backend per platform.
 #ifndef LUMO_IO_OS_NATIVEFILE_H
 #define LUMO_IO_OS_NATIVEFILE_H
 
