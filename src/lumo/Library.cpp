@@ -1,6 +1,7 @@
 #include <lumo/Library.h>
 
 #include "base/detail/XercesSupport.h"
+#include "net/detail/SocketLayer.h"
 
 #include <vela/IO.h>
 
@@ -19,6 +20,7 @@ long Initialize() {
     if (g_clients == 1) {
         IO::Init(true);
         detail::StartXerces();
+        net::detail::StartSocketLayer();
     }
     return g_clients;
 }
@@ -28,6 +30,7 @@ long Terminate() {
         return 0;
     --g_clients;
     if (g_clients <= 0) {
+        net::detail::StopSocketLayer();
         detail::StopXerces();
         IO::End();
     }

@@ -7,13 +7,14 @@
 namespace lumo {
 namespace net {
 
-// A host name that does not resolve; the description is always "Unknown host name.".
+/// A host name that does not resolve; the description is always "Unknown host name.".
 class LUMO_API CUnknownHostException : public io::CIOException {
     LUMO_DECLARE_CLASS(CUnknownHostException);
 
     CUnknownHostException(char const* file, unsigned long line, char const* hostName);
 
-    base::CString const& GetHostName() const { return m_hostName; }
+    /// The name that did not resolve, as given (the empty text for a null name).
+    char const* GetHostName() const { return m_hostName; }
 
 private:
     base::CString m_hostName;
