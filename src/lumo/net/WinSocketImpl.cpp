@@ -295,16 +295,15 @@ base::CRef<CSocketImpl> CWinSocketImpl::Accept(unsigned long timeout) {
 base::CRef<CSocketImpl> CWinSocketImpl::AcceptWithin(unsigned long timeout) {
     if (timeout != 0)
         WaitForRead(timeout, "Accept timed-out.");
-    detail::SocketHandle handle = detail::kInvalidSocket;
+    // Made before the accept, so that the connection is held (and closed on any
+    // failure below) from the moment it exists.
+    base::CRef<CWinSocketImpl> accepted(new (kUnit, __LINE__) CWinSocketImpl());
     detail::Endpoint remote;
-    if (int const code = detail::Accept(m_handle, handle, remote))
+    if (int const code = detail::Accept(m_handle, accepted->m_handle, remote))
         Fail(__LINE__,
              timeout != 0 ? "accept failed." : "Failed to accept the incoming connection.", code);
-    // Held at once, so that a failure below closes the connection.
-    base::CRef<CWinSocketImpl> accepted(new (kUnit, __LINE__) CWinSocketImpl());
-    accepted->m_handle = handle;
     detail::Endpoint local;
-    if (int const code = detail::GetLocalEndpoint(handle, local))
+    if (int const code = detail::GetLocalEndpoint(accepted->m_handle, local))
         Fail(__LINE__, "getsockname failed.", code);
     accepted->SetLocal(CInetAddress(local.address), local.port);
     accepted->SetRemote(CInetAddress(remote.address), remote.port);

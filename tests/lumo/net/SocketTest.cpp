@@ -211,6 +211,7 @@ TEST(Socket, PeerGoneAwayIsAnExceptionNotASignal) {
 }
 
 TEST(Socket, ConnectAndBindFailures) {
+    int const descriptors = lumo_test::CountOpenDescriptors();
     unsigned short port = 0;
     {
         CServerSocket server(0, 1, CInetAddress::AnyInetAddress);
@@ -239,6 +240,8 @@ TEST(Socket, ConnectAndBindFailures) {
     std::string const unknown = std::string(64, 'y') + ".invalid";
     EXPECT_EQ(Thrown<CUnknownHostException>([&] { CSocket s(unknown.c_str(), 1); }),
               "Unknown host name.");
+    impl = nullptr;
+    EXPECT_EQ(lumo_test::CountOpenDescriptors(), descriptors); // failed sockets are closed
 }
 
 TEST(Socket, ConnectTimeoutToFullBacklogReturnsSilently) {
