@@ -13,6 +13,8 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <thread>
+#include <vector>
 
 using namespace lumo::net;
 using lumo::base::CRef;
@@ -315,6 +317,39 @@ TEST(Socket, ClientAndServerThreads) {
         }
     }
     EXPECT_TRUE(echo.Join(20000));
+}
+
+// Many clients at once, each served on a thread of its own; each worker alone holds
+// its connection (reference counts are not atomic).
+TEST(Socket, ConcurrentClientsAndWorkers) {
+    int const clients = 32;
+    CServerSocket server(0, clients, Loopback());
+    std::vector<int> answers(clients, -1);
+    std::thread acceptor([&] {
+        std::vector<std::thread> workers;
+        for (int i = 0; i < clients; ++i)
+            workers.emplace_back([peer = server.Accept(20000)]() mutable {
+                peer->SetTimeout(20000);
+                long const b = peer->GetInputStream()->Read();
+                peer->GetOutputStream()->Write(static_cast<char>(b + 1));
+                peer = nullptr;
+            });
+        for (auto& w : workers)
+            w.join();
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < clients; ++i)
+        threads.emplace_back([&, i] {
+            CSocket socket("127.0.0.1", server.GetLocalPort());
+            socket.SetTimeout(20000);
+            socket.GetOutputStream()->Write(static_cast<char>(i));
+            answers[i] = static_cast<int>(socket.GetInputStream()->Read());
+        });
+    for (auto& t : threads)
+        t.join();
+    acceptor.join();
+    for (int i = 0; i < clients; ++i)
+        EXPECT_EQ(answers[i], i + 1);
 }
 
 } // namespace
