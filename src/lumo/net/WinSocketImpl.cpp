@@ -10,7 +10,6 @@
 #include <lumo/net/WinSocketException.h>
 #include <vela/Memory.h>
 
-
 namespace lumo {
 namespace net {
 
