@@ -1,10 +1,11 @@
-// The demo's sections that live in their own files, one function each.
-#ifndef LUMO_EXAMPLES_DEMOS_H
-#define LUMO_EXAMPLES_DEMOS_H
+// The demo's tours that live in their own files, one function per subsystem.
+#ifndef LUMO_EXAMPLES_DEMO_DEMOS_H
+#define LUMO_EXAMPLES_DEMO_DEMOS_H
 
 namespace demo {
 
-void XmlWrite();
+void XmlWrite(); // a document written with CXMLTextWriter to a file and printed
+void NetDemo();  // a server socket and a client talking over loopback on two threads
 
 } // namespace demo
 

@@ -253,6 +253,7 @@ int main() {
         demo::TextFile();
         demo::Threads();
         demo::XmlWrite();
+        demo::NetDemo();
     } catch (CException const& e) {
         demo::Report(e);
         return 1;

@@ -81,8 +81,16 @@
 #include <lumo/io/XMLSerializable.h>
 #include <lumo/io/XMLTextWriter.h>
 #include <lumo/io/XMLWriter.h>
+#include <lumo/net/InetAddress.h>
+#include <lumo/net/ServerSocket.h>
+#include <lumo/net/Socket.h>
 #include <lumo/net/SocketException.h>
+#include <lumo/net/SocketImpl.h>
+#include <lumo/net/SocketImplFactory.h>
+#include <lumo/net/TCPIPSocketImplFactory.h>
 #include <lumo/net/UnknownHostException.h>
+#include <lumo/net/WinSocketException.h>
+#include <lumo/net/WinSocketImpl.h>
 #include <lumo/util/ArrayStore.h>
 #include <lumo/util/Capacity.h>
 #include <lumo/util/Comparator.h>

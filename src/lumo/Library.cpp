@@ -3,6 +3,7 @@
 #include <lumo/Library.h>
 
 #include "base/detail/XercesSupport.h"
+#include "net/os/SocketLayer.h"
 
 #include <vela/IO.h>
 
@@ -21,6 +22,7 @@ long Initialize() {
     if (g_clients == 1) {
         IO::Init(true);
         detail::StartXerces();
+        net::detail::StartSocketLayer();
     }
     return g_clients;
 }
@@ -30,6 +32,7 @@ long Terminate() {
         return 0;
     --g_clients;
     if (g_clients <= 0) {
+        net::detail::StopSocketLayer();
         detail::StopXerces();
         IO::End();
     }

@@ -8,7 +8,9 @@ namespace {
 Vela::RSModuleInfo const kModule = {"lumo", nullptr, 0};
 } // namespace
 
-Vela::RSModuleHandle GetModuleHandle() { return &kModule; }
+Vela::RSModuleHandle GetModuleHandle() {
+    return &kModule;
+}
 
 } // namespace detail
 } // namespace lumo

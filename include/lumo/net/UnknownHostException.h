@@ -16,7 +16,8 @@ class LUMO_API CUnknownHostException : public io::CIOException {
 public:
     CUnknownHostException(char const* file, unsigned long line, char const* hostName);
 
-    base::CString const& GetHostName() const { return m_hostName; }
+    /// The name that did not resolve, as given (the empty text for a null name).
+    char const* GetHostName() const { return m_hostName; }
 
 private:
     base::CString m_hostName;

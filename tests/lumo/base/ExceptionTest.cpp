@@ -120,7 +120,7 @@ TEST(Exception, TextCarryingExceptions) {
     EXPECT_STREQ(host.GetErrorDescription(), "Unknown host name.");
     EXPECT_EQ(host.GetMessage(), nullptr);
     lumo::net::CUnknownHostException noHost("f", 1, nullptr);
-    EXPECT_TRUE(noHost.GetHostName().IsEmpty());
+    EXPECT_STREQ(noHost.GetHostName(), "");
 
     CClassNotFoundException missing("f", 1, "d", "m", "a::B");
     CClassNotFoundException copy = missing;
