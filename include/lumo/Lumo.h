@@ -74,6 +74,10 @@
 #include <lumo/io/Reader.h>
 #include <lumo/io/Serializable.h>
 #include <lumo/io/XMLSerializable.h>
+#include <lumo/io/XMLAttributeList.h>
+#include <lumo/io/XMLReader.h>
+#include <lumo/io/XMLTextReader.h>
+#include <lumo/io/XMLToken.h>
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>

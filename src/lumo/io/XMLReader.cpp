@@ -29,7 +29,6 @@ unsigned short const kUnsignedLongFormat[] = {'%', 'l', 'u', 0};
 unsigned short const kFloatFormat[] = {'%', 'f', 0};
 unsigned short const kDoubleFormat[] = {'%', 'l', 'f', 0};
 
-char const kMemoryFull[] = "Memory full.";
 char const kNotStartElement[] = "Attributes available only in start element nodes.";
 
 [[noreturn]] void Replace(CException const& caught, int line, char const* message) {
@@ -37,20 +36,8 @@ char const kNotStartElement[] = "Attributes available only in start element node
     throw CIOException(kUnit, static_cast<unsigned long>(line), message, nullptr);
 }
 
-// Runs `body`: a CIOException passes, a CMemoryException becomes "Memory full.", any
-// other library exception becomes `failure` (or passes when `failure` is null).
 template <class F> auto Guard(int line, char const* failure, F&& body) -> decltype(body()) {
-    try {
-        return body();
-    } catch (CIOException const&) {
-        throw;
-    } catch (CMemoryException const& e) {
-        Replace(e, line, kMemoryFull);
-    } catch (CException const& e) {
-        if (failure == nullptr)
-            throw;
-        Replace(e, line, failure);
-    }
+    return detail::MapReadFailures(kUnit, line, failure, static_cast<F&&>(body));
 }
 
 bool ParseBool(CUnicodeString const& text, int line) {
