@@ -3,6 +3,8 @@
 // and a UTF-8 text file, hand work between threads over a condition, and report a
 // failure the way the library reports every failure.
 #include <lumo/Lumo.h>
+
+#include "Demos.h"
 #include <vela/Location.h>
 
 #include <unistd.h>
@@ -250,6 +252,7 @@ int main() {
         demo::DataStream();
         demo::TextFile();
         demo::Threads();
+        XmlReadDemo();
     } catch (CException const& e) {
         demo::Report(e);
         return 1;
