@@ -6,6 +6,8 @@
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/XMLAttributeList.h>
 
+#include <cstddef>
+
 namespace lumo {
 namespace io {
 
@@ -109,6 +111,12 @@ public:
     /// a CXMLTextToken otherwise. Throws CMemoryException when out of memory.
     static base::CRef<IXMLToken> CreateCharacterToken(base::CUnicodeString const& characters,
                                                       bool isCDATA);
+
+    /// A reader makes and drops one token per markup event, so tokens come from the
+    /// library's per-thread block cache rather than from the heap each time. A failed
+    /// allocation throws CMemoryException.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size) noexcept;
 
 private:
     XMLTokenType m_type;

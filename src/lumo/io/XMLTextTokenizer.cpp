@@ -29,15 +29,16 @@ char const kUnit[] = "lumo/io/XMLTextTokenizer";
 char const kCreateFailed[] = "Failed to create XML text tokenizer.";
 char const kNextFailed[] = "Failed to get the next token of xml text tokenizer.";
 
-// The local part shares the qualified name's buffer when there is no prefix.
-CUnicodeString LocalPart(CUnicodeString const& qualifiedName, XMLCh const* localName) {
+std::size_t Length(XMLCh const* s) {
     std::size_t n = 0;
-    while (localName[n] != 0)
-        ++n;
-    if (n == qualifiedName.GetLength())
-        return qualifiedName;
-    return FromXMLCh(localName, n);
+    if (s != nullptr)
+        while (s[n] != 0)
+            ++n;
+    return n;
 }
+
+// Texts up to this length go through the tokenizer's cache.
+std::size_t const kShortText = 32;
 
 } // namespace
 
@@ -137,6 +138,29 @@ void CXMLTextTokenizer::ScanUntilToken() {
     }
 }
 
+CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars, std::size_t length) {
+    if (length == 0 || length > kShortText)
+        return FromXMLCh(chars, length);
+    std::uint32_t hash = 2166136261u;
+    for (std::size_t i = 0; i < length; ++i)
+        hash = (hash ^ chars[i]) * 16777619u;
+    CUnicodeString& cached = m_texts[(hash ^ (hash >> 16)) % kTextSlots];
+    if (cached.GetLength() == length) {
+        unsigned short const* units = cached;
+        std::size_t i = 0;
+        while (i < length && units[i] == static_cast<unsigned short>(chars[i]))
+            ++i;
+        if (i == length)
+            return cached;
+    }
+    cached = FromXMLCh(chars, length);
+    return cached;
+}
+
+CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars) {
+    return Text(chars, Length(chars));
+}
+
 CUnicodeString const& CXMLTextTokenizer::URIText(unsigned int uriId) {
     if (uriId < kCachedURIs) {
         if (!m_uriCached[uriId]) {
@@ -152,11 +176,14 @@ CUnicodeString const& CXMLTextTokenizer::URIText(unsigned int uriId) {
 CXMLTextTokenizer::Names CXMLTextTokenizer::ElementNames(xercesc::XMLElementDecl const& elemDecl,
                                                          unsigned int uriId) {
     Names names;
-    names.qualified = FromXMLCh(elemDecl.getFullName());
+    names.qualified = Text(elemDecl.getFullName());
     names.namespaced = uriId != 0;
     if (names.namespaced) {
         names.uri = URIText(uriId);
-        names.local = LocalPart(names.qualified, elemDecl.getBaseName());
+        XMLCh const* local = elemDecl.getBaseName();
+        std::size_t const n = Length(local);
+        // Without a prefix the local name is the qualified name.
+        names.local = n == names.qualified.GetLength() ? names.qualified : Text(local, n);
     }
     return names;
 }
@@ -169,14 +196,17 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
     XMLAttributeList attributes;
     for (XMLSize_t i = 0; i < attrCount; ++i) {
         xercesc::XMLAttr const* attr = attrList.elementAt(i);
-        CUnicodeString const qualified = FromXMLCh(attr->getQName());
+        CUnicodeString const qualified = Text(attr->getQName());
+        XMLCh const* local = attr->getName();
+        std::size_t const localLength = Length(local);
         unsigned int uri = attr->getURIId();
         // The scanner leaves a default namespace declaration without namespace; like
         // the prefixed declarations it belongs to the xmlns namespace.
         if (xercesc::XMLString::equals(attr->getQName(), xercesc::XMLUni::fgXMLNSString))
             uri = m_scanner->getXMLNSNamespaceId();
-        attributes.Add(qualified, LocalPart(qualified, attr->getName()),
-                       uri != 0 ? URIText(uri) : CUnicodeString(), FromXMLCh(attr->getValue()));
+        attributes.Add(qualified,
+                       localLength == qualified.GetLength() ? qualified : Text(local, localLength),
+                       uri != 0 ? URIText(uri) : CUnicodeString(), Text(attr->getValue()));
     }
     CRef<IXMLToken> start(
         names.namespaced ? new CXMLStartElementToken(names.uri, names.local, names.qualified,
@@ -209,7 +239,7 @@ void CXMLTextTokenizer::endElement(xercesc::XMLElementDecl const& elemDecl, unsi
 void CXMLTextTokenizer::docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) {
     // Character data outside the root element is dropped.
     if (m_depth > 0)
-        m_queue.Enqueue(CXMLToken::CreateCharacterToken(FromXMLCh(chars, length), cdataSection));
+        m_queue.Enqueue(CXMLToken::CreateCharacterToken(Text(chars, length), cdataSection));
 }
 
 void CXMLTextTokenizer::docComment(XMLCh const* comment) {

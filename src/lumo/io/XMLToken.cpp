@@ -2,6 +2,8 @@
 // hold copies of their names and values.
 #include <lumo/io/XMLToken.h>
 
+#include <lumo/base/FixBlockAllocator.h>
+
 namespace lumo {
 namespace io {
 
@@ -21,6 +23,26 @@ CXMLToken::~CXMLToken() {}
 
 XMLTokenType CXMLToken::GetType() const {
     return m_type;
+}
+
+namespace {
+// The smallest block class of the process-wide pools holds every token of this unit.
+std::size_t const kPooledSize = 76;
+} // namespace
+
+void* CXMLToken::operator new(std::size_t size) {
+    if (size <= kPooledSize)
+        return base::CFixBlockAllocator::StringPool(0).AllocateCached();
+    return base::CBase::operator new(size);
+}
+
+void CXMLToken::operator delete(void* block, std::size_t size) noexcept {
+    if (block == nullptr)
+        return;
+    if (size <= kPooledSize)
+        base::CFixBlockAllocator::StringPool(0).FreeCached(block);
+    else
+        base::CBase::operator delete(block);
 }
 
 CRef<IXMLToken> CXMLToken::CreateCharacterToken(CUnicodeString const& characters, bool isCDATA) {

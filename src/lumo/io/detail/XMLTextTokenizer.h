@@ -90,6 +90,9 @@ private:
     void ScanUntilToken();
     // The URI text of a scanner id (ids of a parse never change, so they are cached).
     base::CUnicodeString const& URIText(unsigned int uriId);
+    // The text as a string, shared with an earlier equal one when it is short.
+    base::CUnicodeString Text(XMLCh const* chars, std::size_t length);
+    base::CUnicodeString Text(XMLCh const* chars);
     Names ElementNames(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId);
 
     util::Queue<base::CRef<IXMLToken>> m_queue;
@@ -106,6 +109,10 @@ private:
     base::CUnicodeString m_uriCache[kCachedURIs];
     bool m_uriCached[kCachedURIs];
     base::CUnicodeString m_uriScratch;
+    // Recent short texts (names, indentation, small values), so that the strings a
+    // document repeats are shared instead of copied for every token.
+    static unsigned int const kTextSlots = 256;
+    base::CUnicodeString m_texts[kTextSlots];
 };
 
 } // namespace io
