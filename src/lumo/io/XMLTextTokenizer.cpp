@@ -9,6 +9,8 @@
 #include "detail/CaughtExceptionLog.h"
 #include "detail/XercesInputSources.h"
 
+#include <cstring>
+
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/util/XMLException.hpp>
@@ -141,18 +143,14 @@ void CXMLTextTokenizer::ScanUntilToken() {
 CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars, std::size_t length) {
     if (length == 0 || length > kShortText)
         return FromXMLCh(chars, length);
-    std::uint32_t hash = 2166136261u;
-    for (std::size_t i = 0; i < length; ++i)
-        hash = (hash ^ chars[i]) * 16777619u;
-    CUnicodeString& cached = m_texts[(hash ^ (hash >> 16)) % kTextSlots];
-    if (cached.GetLength() == length) {
-        unsigned short const* units = cached;
-        std::size_t i = 0;
-        while (i < length && units[i] == static_cast<unsigned short>(chars[i]))
-            ++i;
-        if (i == length)
-            return cached;
-    }
+    // A cheap slot choice from the length and three units; a full comparison decides.
+    std::uint32_t const hash = static_cast<std::uint32_t>(length) * 97u + chars[0] * 31u +
+                               chars[length / 2] * 7u + chars[length - 1];
+    CUnicodeString& cached = m_texts[hash % kTextSlots];
+    // Both unit types are 16-bit unsigned integers: their bytes compare alike.
+    if (cached.GetLength() == length &&
+        std::memcmp(static_cast<unsigned short const*>(cached), chars, length * 2) == 0)
+        return cached;
     cached = FromXMLCh(chars, length);
     return cached;
 }
