@@ -91,8 +91,8 @@ public:
 long PullScanner(std::string const& doc) {
     EmptyHandler handler;
     xercesc::GrammarResolver resolver(nullptr);
-    xercesc::WFXMLScanner scanner(&handler, nullptr, nullptr, nullptr, new xercesc::DTDValidator(),
-                                  &resolver);
+    xercesc::DTDValidator validator; // the scanner does not delete it
+    xercesc::WFXMLScanner scanner(&handler, nullptr, nullptr, nullptr, &validator, &resolver);
     scanner.setURIStringPool(resolver.getStringPool());
     scanner.setDoNamespaces(true);
     scanner.setDisableDefaultEntityResolution(true);

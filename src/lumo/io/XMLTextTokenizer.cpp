@@ -73,8 +73,10 @@ CXMLTextTokenizer::~CXMLTextTokenizer() {}
 void CXMLTextTokenizer::Start() {
     try {
         m_resolver.reset(new xercesc::GrammarResolver(nullptr));
-        m_scanner.reset(new xercesc::WFXMLScanner(
-            this, nullptr, this, this, new xercesc::DTDValidator(this), m_resolver.get()));
+        // The well-formedness scanner keeps the validator but never deletes it.
+        m_validator.reset(new xercesc::DTDValidator(this));
+        m_scanner.reset(new xercesc::WFXMLScanner(this, nullptr, this, this, m_validator.get(),
+                                                  m_resolver.get()));
         // The URI pool must be in place before namespaces are switched on.
         m_scanner->setURIStringPool(m_resolver->getStringPool());
         m_scanner->setDoNamespaces(true);

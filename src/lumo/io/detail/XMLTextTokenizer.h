@@ -15,6 +15,7 @@
 #include <xercesc/framework/XMLEntityHandler.hpp>
 #include <xercesc/framework/XMLErrorReporter.hpp>
 #include <xercesc/framework/XMLPScanToken.hpp>
+#include <xercesc/framework/XMLValidator.hpp>
 #include <xercesc/internal/WFXMLScanner.hpp>
 #include <xercesc/sax/InputSource.hpp>
 #include <xercesc/validators/common/GrammarResolver.hpp>
@@ -99,6 +100,7 @@ private:
     // The source outlives the scanner, whose readers use the streams it made.
     std::unique_ptr<xercesc::InputSource> m_source;
     std::unique_ptr<xercesc::GrammarResolver> m_resolver;
+    std::unique_ptr<xercesc::XMLValidator> m_validator;
     std::unique_ptr<xercesc::WFXMLScanner> m_scanner;
     xercesc::XMLPScanToken m_scanToken;
     std::uint32_t m_depth;
