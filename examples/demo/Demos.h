@@ -4,6 +4,7 @@
 
 namespace demo {
 
+void XmlRead();  // a document read back token by token and with typed element reads
 void XmlWrite(); // a document written with CXMLTextWriter to a file and printed
 void NetDemo();  // a server socket and a client talking over loopback on two threads
 

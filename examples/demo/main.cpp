@@ -5,6 +5,7 @@
 #include "Demos.h"
 
 #include <lumo/Lumo.h>
+
 #include <vela/Location.h>
 
 #include <unistd.h>
@@ -252,6 +253,7 @@ int main() {
         demo::DataStream();
         demo::TextFile();
         demo::Threads();
+        demo::XmlRead();
         demo::XmlWrite();
         demo::NetDemo();
     } catch (CException const& e) {

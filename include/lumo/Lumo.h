@@ -78,8 +78,12 @@
 #include <lumo/io/UnsupportedEncodingException.h>
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>
+#include <lumo/io/XMLAttributeList.h>
+#include <lumo/io/XMLReader.h>
 #include <lumo/io/XMLSerializable.h>
+#include <lumo/io/XMLTextReader.h>
 #include <lumo/io/XMLTextWriter.h>
+#include <lumo/io/XMLToken.h>
 #include <lumo/io/XMLWriter.h>
 #include <lumo/net/InetAddress.h>
 #include <lumo/net/ServerSocket.h>

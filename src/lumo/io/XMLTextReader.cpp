@@ -1,0 +1,279 @@
+// The XML text reader: hands out the tokenizer's tokens one at a time, with a
+// one-token look-ahead for the text reads, and searches forward for elements.
+#include <lumo/io/XMLTextReader.h>
+
+#include <lumo/base/Exception.h>
+#include <vela/File.h>
+#include <vela/Location.h>
+
+#include "../../vela/detail/XMLChannelInputSource.h"
+#include "detail/CaughtExceptionLog.h"
+#include "detail/XMLTextTokenizer.h"
+
+#include <new>
+#include <utility>
+
+namespace lumo {
+namespace io {
+
+using base::CRef;
+using base::CUnicodeString;
+
+namespace {
+
+char const kUnit[] = "lumo/io/XMLTextReader";
+char const kEndOfStream[] = "End of stream reached.";
+
+template <class F> auto Guard(int line, char const* failure, F&& body) -> decltype(body()) {
+    return detail::MapReadFailures(kUnit, line, failure, static_cast<F&&>(body));
+}
+
+bool IsText(XMLTokenType type) {
+    return type == XMLTokenText || type == XMLTokenCDATA;
+}
+
+void CheckLocalName(unsigned short const* localName, unsigned short const* namespaceURI) {
+    if (localName == nullptr || localName[0] == 0)
+        throw CXMLException(kUnit, __LINE__, "Invalid local name.", nullptr);
+    for (unsigned short const* p = localName; *p != 0; ++p)
+        if (*p == ':')
+            throw CXMLException(kUnit, __LINE__, "Local name must be unqualified name.", nullptr);
+    if (namespaceURI == nullptr)
+        throw CXMLException(kUnit, __LINE__, "Invalid namespace URI.", nullptr);
+}
+
+void CheckName(unsigned short const* name) {
+    if (name == nullptr || name[0] == 0)
+        throw CXMLException(kUnit, __LINE__, "Invalid local name.", nullptr);
+}
+
+IXMLElementToken const* AsElement(IXMLToken const& token) {
+    return dynamic_cast<IXMLElementToken const*>(&token);
+}
+
+// Matches an element token by local name and namespace URI.
+struct ByLocalName {
+    unsigned short const* localName;
+    unsigned short const* namespaceURI;
+    bool operator()(IXMLToken const& token) const {
+        IXMLElementToken const* element = AsElement(token);
+        return element != nullptr && element->GetLocalName() == localName &&
+               element->GetNamespaceURI() == namespaceURI;
+    }
+};
+
+// Matches an element token by qualified name.
+struct ByQualifiedName {
+    unsigned short const* name;
+    bool operator()(IXMLToken const& token) const {
+        IXMLElementToken const* element = AsElement(token);
+        return element != nullptr && element->GetQualifiedName() == name;
+    }
+};
+
+struct AnyName {
+    bool operator()(IXMLToken const&) const { return true; }
+};
+
+CRef<CInputStream> TakeOver(CInputStream* stream) {
+    if (stream == nullptr)
+        throw CIOException(kUnit, __LINE__, "Invalid input stream.", nullptr);
+    return CRef<CInputStream>(stream);
+}
+
+// Opens the file and wraps it in a channel source that owns it.
+xercesc::InputSource* OpenSource(IO::Location const& location) {
+    if (location.IsEmpty() || !location.IsLegal())
+        throw CIOException(kUnit, __LINE__, "Invalid xml file location.", nullptr);
+    std::unique_ptr<IO::File> file(new (std::nothrow) IO::File(location, IO::File::NOT_FOUND_FAIL));
+    if (file == nullptr || file->GetStatus() != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__,
+                           "Failed to create file for reading the specified xml file.", nullptr);
+    IO::Result const result = file->Open(IO::File::MODE_READ);
+    if (result == IO::RESULT_ACCESS_DENIED)
+        throw CIOException(kUnit, __LINE__, "Access denied.", nullptr);
+    if (result != IO::RESULT_OK)
+        throw CIOException(kUnit, __LINE__, "An error occured while trying to open file.", nullptr);
+    try {
+        xercesc::InputSource* source = new VelaXML::IChannelInputSource(file.get(), true);
+        file.release();
+        return source;
+    } catch (...) {
+        throw CIOException(kUnit, __LINE__, "Failed to create XML text tokenizer.", nullptr);
+    }
+}
+
+} // namespace
+
+LUMO_DEFINE_CLASS(CXMLTextReader, "lumo::io::CXMLTextReader", "lumo::io::CXMLReader");
+
+CXMLTextReader::CXMLTextReader(CRef<CInputStream> const& stream) : m_stream(stream) {
+    if (stream.IsNull())
+        throw CIOException(kUnit, __LINE__, "Invalid input stream.", nullptr);
+    m_tokenizer.reset(new CXMLTextTokenizer(stream));
+}
+
+CXMLTextReader::CXMLTextReader(CInputStream* stream) : CXMLTextReader(TakeOver(stream)) {}
+
+CXMLTextReader::CXMLTextReader(IO::Location const& location) {
+    m_tokenizer.reset(new CXMLTextTokenizer(OpenSource(location)));
+}
+
+CXMLTextReader::~CXMLTextReader() {}
+
+void CXMLTextReader::CheckOpen(int line) const {
+    if (m_tokenizer == nullptr)
+        throw CIOException(kUnit, static_cast<unsigned long>(line), "Reader closed.", nullptr);
+}
+
+CRef<IXMLToken> const& CXMLTextReader::GetCurrentToken() const {
+    return m_current;
+}
+
+XMLTokenType CXMLTextReader::GetCurrentTokenType() {
+    return CXMLReader::GetCurrentTokenType();
+}
+
+CUnicodeString CXMLTextReader::GetCurrentTokenValue() {
+    return CXMLReader::GetCurrentTokenValue();
+}
+
+bool CXMLTextReader::ReadToken() {
+    CheckOpen(__LINE__);
+    if (!m_lookAhead.IsNull()) {
+        m_current = std::move(m_lookAhead);
+        return true;
+    }
+    m_current = m_tokenizer->GetNextToken();
+    return !m_current.IsNull();
+}
+
+template <class Match> void CXMLTextReader::Search(XMLTokenType type, Match&& matches) {
+    while (ReadToken()) {
+        IXMLToken const& token = *m_current;
+        if (token.GetType() == type && matches(token))
+            return;
+    }
+    throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
+}
+
+void CXMLTextReader::ReadStartElement(unsigned short const* localName,
+                                      unsigned short const* namespaceURI) {
+    CheckLocalName(localName, namespaceURI);
+    Guard(__LINE__, "Failed to read the specified start element.", [&] {
+        Search(XMLTokenStartElement, ByLocalName{localName, namespaceURI});
+    });
+}
+
+void CXMLTextReader::ReadStartElement(unsigned short const* name) {
+    CheckName(name);
+    Guard(__LINE__, "Failed to read the specified start element.",
+          [&] { Search(XMLTokenStartElement, ByQualifiedName{name}); });
+}
+
+void CXMLTextReader::ReadStartElement() {
+    Guard(__LINE__, "Failed to read start element.",
+          [&] { Search(XMLTokenStartElement, AnyName()); });
+}
+
+bool CXMLTextReader::HasAttribute(unsigned short const* localName,
+                                  unsigned short const* namespaceURI) {
+    return CXMLReader::HasAttribute(localName, namespaceURI);
+}
+
+bool CXMLTextReader::HasAttribute(unsigned short const* name) {
+    return CXMLReader::HasAttribute(name);
+}
+
+CUnicodeString CXMLTextReader::ReadAttribute(unsigned short const* localName,
+                                             unsigned short const* namespaceURI) {
+    return CXMLReader::ReadAttribute(localName, namespaceURI);
+}
+
+CUnicodeString CXMLTextReader::ReadAttribute(unsigned short const* name) {
+    return CXMLReader::ReadAttribute(name);
+}
+
+void CXMLTextReader::ReadEndElement(unsigned short const* localName,
+                                    unsigned short const* namespaceURI) {
+    CheckLocalName(localName, namespaceURI);
+    Guard(__LINE__, "Failed to read the end element.", [&] {
+        Search(XMLTokenEndElement, ByLocalName{localName, namespaceURI});
+    });
+}
+
+void CXMLTextReader::ReadEndElement(unsigned short const* name) {
+    CheckName(name);
+    Guard(__LINE__, "Failed to read the end element.",
+          [&] { Search(XMLTokenEndElement, ByQualifiedName{name}); });
+}
+
+void CXMLTextReader::ReadEndElement() {
+    Guard(__LINE__, "Failed to read the end element.",
+          [&] { Search(XMLTokenEndElement, AnyName()); });
+}
+
+void CXMLTextReader::JoinText() {
+    CRef<IXMLToken> const first = m_current;
+    CUnicodeString text = first->GetValue();
+    bool joined = false;
+    while (ReadToken()) {
+        if (!IsText(m_current->GetType())) {
+            m_lookAhead = m_current;
+            break;
+        }
+        text += m_current->GetValue();
+        joined = true;
+    }
+    // A lone text token already is the joined text.
+    if (!joined && first->GetType() == XMLTokenText)
+        m_current = first;
+    else
+        m_current = CRef<IXMLToken>(new CXMLTextToken(text));
+}
+
+void CXMLTextReader::ReadElementText(CUnicodeString& text) {
+    ReadElementText();
+    text = m_current->GetValue();
+}
+
+void CXMLTextReader::ReadElementText() {
+    Guard(__LINE__, "Failed to read element text.", [&] {
+        do {
+            if (!ReadToken())
+                throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
+        } while (!IsText(m_current->GetType()));
+        JoinText();
+    });
+}
+
+bool CXMLTextReader::ReadElementTextIfAvailable() {
+    return Guard(__LINE__, "Failed to read element text.", [&] {
+        CRef<IXMLToken> const previous = m_current;
+        if (!ReadToken()) {
+            m_current = previous;
+            return false;
+        }
+        if (!IsText(m_current->GetType())) {
+            // Nothing consumed: the token waits for the next read.
+            m_lookAhead = m_current;
+            m_current = previous;
+            return false;
+        }
+        JoinText();
+        return true;
+    });
+}
+
+void CXMLTextReader::Close() {
+    m_tokenizer.reset();
+    m_current = nullptr;
+    m_lookAhead = nullptr;
+    if (!m_stream.IsNull()) {
+        CRef<CInputStream> const stream = std::move(m_stream);
+        stream->Close();
+    }
+}
+
+} // namespace io
+} // namespace lumo

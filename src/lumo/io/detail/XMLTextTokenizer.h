@@ -1,0 +1,123 @@
+// Internal: the text tokenizer behind CXMLTextReader. It drives Xerces-C's
+// well-formedness scanner one step at a time and turns the scanner's callbacks into
+// tokens that wait in a queue. It implements Xerces-C interfaces, so it stays out of
+// the public headers.
+#ifndef LUMO_IO_DETAIL_XMLTEXTTOKENIZER_H
+#define LUMO_IO_DETAIL_XMLTEXTTOKENIZER_H
+
+#include <lumo/base/Base.h>
+#include <lumo/base/Ref.h>
+#include <lumo/io/InputStream.h>
+#include <lumo/io/XMLToken.h>
+#include <lumo/util/Queue.h>
+
+#include <xercesc/framework/XMLDocumentHandler.hpp>
+#include <xercesc/framework/XMLEntityHandler.hpp>
+#include <xercesc/framework/XMLErrorReporter.hpp>
+#include <xercesc/framework/XMLPScanToken.hpp>
+#include <xercesc/framework/XMLValidator.hpp>
+#include <xercesc/internal/WFXMLScanner.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/validators/common/GrammarResolver.hpp>
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+
+namespace lumo {
+namespace io {
+
+/// Pulls a document token by token. Nothing outside the document is ever read: every
+/// external entity and DTD is answered with an empty memory source. The parser's
+/// errors (warnings included) become CXMLException with the parser's text, delivered
+/// after the tokens that precede the fault.
+class CXMLTextTokenizer : public base::CBase,
+                          public xercesc::XMLDocumentHandler,
+                          public xercesc::XMLEntityHandler,
+                          public xercesc::XMLErrorReporter {
+public:
+    /// Reads the shared stream. A null stream: CIOException "Invalid input stream.".
+    explicit CXMLTextTokenizer(base::CRef<CInputStream> const& stream);
+    /// Reads the source, which it adopts (also when construction fails).
+    explicit CXMLTextTokenizer(xercesc::InputSource* source);
+    ~CXMLTextTokenizer() override;
+
+    CXMLTextTokenizer(CXMLTextTokenizer const&) = delete;
+    CXMLTextTokenizer& operator=(CXMLTextTokenizer const&) = delete;
+
+    /// The next token, null at the end. CIOException and CMemoryException pass;
+    /// any other failure is CXMLException "Failed to get the next token of xml text
+    /// tokenizer.".
+    base::CRef<IXMLToken> GetNextToken();
+
+    // XMLDocumentHandler
+    void docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) override;
+    void docComment(XMLCh const* comment) override;
+    void docPI(XMLCh const* target, XMLCh const* data) override;
+    void endDocument() override;
+    void endElement(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId, bool isRoot,
+                    XMLCh const* prefixName) override;
+    void endEntityReference(xercesc::XMLEntityDecl const& entDecl) override;
+    void ignorableWhitespace(XMLCh const* chars, XMLSize_t length, bool cdataSection) override;
+    void resetDocument() override;
+    void startDocument() override;
+    void startElement(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId,
+                      XMLCh const* prefixName,
+                      xercesc::RefVectorOf<xercesc::XMLAttr> const& attrList, XMLSize_t attrCount,
+                      bool isEmpty, bool isRoot) override;
+    void startEntityReference(xercesc::XMLEntityDecl const& entDecl) override;
+    void XMLDecl(XMLCh const* versionStr, XMLCh const* encodingStr, XMLCh const* standaloneStr,
+                 XMLCh const* autoEncodingStr) override;
+
+    // XMLEntityHandler
+    void endInputSource(xercesc::InputSource const& inputSource) override;
+    bool expandSystemId(XMLCh const* systemId, xercesc::XMLBuffer& toFill) override;
+    void resetEntities() override;
+    xercesc::InputSource*
+    resolveEntity(xercesc::XMLResourceIdentifier* resourceIdentifier) override;
+    void startInputSource(xercesc::InputSource const& inputSource) override;
+
+    // XMLErrorReporter
+    void error(unsigned int errCode, XMLCh const* errDomain,
+               xercesc::XMLErrorReporter::ErrTypes type, XMLCh const* errorText,
+               XMLCh const* systemId, XMLCh const* publicId, XMLFileLoc lineNum,
+               XMLFileLoc colNum) override;
+    void resetErrors() override;
+
+private:
+    struct Names;
+
+    void Start();
+    void ScanUntilToken();
+    // The URI text of a scanner id (ids of a parse never change, so they are cached).
+    base::CUnicodeString const& URIText(unsigned int uriId);
+    // The text as a string, shared with an earlier equal one when it is short.
+    base::CUnicodeString Text(XMLCh const* chars, std::size_t length);
+    base::CUnicodeString Text(XMLCh const* chars);
+    Names ElementNames(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId);
+
+    util::Queue<base::CRef<IXMLToken>> m_queue;
+    // The source outlives the scanner, whose readers use the streams it made.
+    std::unique_ptr<xercesc::InputSource> m_source;
+    std::unique_ptr<xercesc::GrammarResolver> m_resolver;
+    std::unique_ptr<xercesc::XMLValidator> m_validator;
+    std::unique_ptr<xercesc::WFXMLScanner> m_scanner;
+    xercesc::XMLPScanToken m_scanToken;
+    std::uint32_t m_depth;
+    bool m_finished;
+    // A parser failure met while tokens of the same step were still queued.
+    std::exception_ptr m_pending;
+    static unsigned int const kCachedURIs = 16;
+    base::CUnicodeString m_uriCache[kCachedURIs];
+    bool m_uriCached[kCachedURIs];
+    base::CUnicodeString m_uriScratch;
+    // Recent short texts (names, indentation, small values), so that the strings a
+    // document repeats are shared instead of copied for every token.
+    static unsigned int const kTextSlots = 256;
+    base::CUnicodeString m_texts[kTextSlots];
+};
+
+} // namespace io
+} // namespace lumo
+
+#endif
