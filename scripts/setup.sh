@@ -6,6 +6,7 @@ packages=(
     g++ cmake ninja-build pkg-config
     libxerces-c-dev libicu-dev libssl-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
+    python3 libpcre2-dev
 )
 
 missing=()
