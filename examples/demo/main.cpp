@@ -2,6 +2,8 @@
 // their records, work with strings and containers, write and read back a data stream
 // and a UTF-8 text file, hand work between threads over a condition, and report a
 // failure the way the library reports every failure.
+#include "Demos.h"
+
 #include <lumo/Lumo.h>
 #include <vela/Location.h>
 
@@ -250,6 +252,7 @@ int main() {
         demo::DataStream();
         demo::TextFile();
         demo::Threads();
+        demo::RegexDemo();
     } catch (CException const& e) {
         demo::Report(e);
         return 1;

@@ -49,7 +49,8 @@ class LUMO_API CRegEx : public base::CObject {
     /// positons.". Positions reported stay relative to the start of `text`.
     bool Matches(char const* text, unsigned long start, unsigned long end) const;
     bool Matches(unsigned short const* text, unsigned long start, unsigned long end) const;
-    /// As above; on success `match` holds the groups (on failure it is left as it was).
+    /// As above; on success `match` holds the groups. On failure the engine has reset it
+    /// (its group positions are -1).
     bool Matches(char const* text, CRegExMatch& match) const;
     bool Matches(unsigned short const* text, CRegExMatch& match) const;
     bool Matches(char const* text, unsigned long start, unsigned long end,
