@@ -16,7 +16,9 @@ class CompiledPattern;
 
 /// A compiled regular expression over the XML parser's engine (its syntax and option
 /// letters: i ignore case, m multi-line, s single-line, x extended, X XML Schema, F, H).
-/// Needs lumo::Initialize(). Copies share the compiled pattern; the last one frees it.
+/// Needs lumo::Initialize() (before it, constructors and Matches throw
+/// CIllegalStateException "Library not initialized."). Copies share the compiled
+/// pattern; the last one frees it.
 ///
 /// 8-bit patterns and texts are UTF-8 (a malformed byte is one character of its own,
 /// seen by the engine as U+FFFD); positions and ranges in 8-bit text count bytes, in

@@ -17,7 +17,8 @@ class MatchRecord;
 class LUMO_API CRegExMatch : public base::CObject {
     LUMO_DECLARE_CLASS(CRegExMatch);
 
-    /// An empty match (no groups). No memory: CMemoryException.
+    /// An empty match (no groups). No memory: CMemoryException; before
+    /// lumo::Initialize(): CIllegalStateException "Library not initialized.".
     CRegExMatch();
     CRegExMatch(CRegExMatch const& other);
     CRegExMatch& operator=(CRegExMatch const& other);

@@ -85,11 +85,12 @@ char const* ReasonFor(int code) {
 
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
 // exceptions while parsing) gives null and the engine's code; running out of memory,
-// or any other failure, is CMemoryException.
+// or any other failure, is CMemoryException; an engine not started,
+// CIllegalStateException.
 detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int& code) {
+    xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
     try {
-        return new (xercesc::XMLPlatformUtils::fgMemoryManager)
-            detail::CompiledPattern(pattern, options);
+        return new (manager) detail::CompiledPattern(pattern, options, manager);
     } catch (xercesc::OutOfMemoryException const&) {
         throw base::CMemoryException(kUnit, __LINE__);
     } catch (xercesc::XMLException const& e) {
@@ -257,8 +258,8 @@ namespace {
 // One engine match; whatever escapes the engine becomes CMemoryException.
 bool RunEngine(detail::CompiledPattern const& engine, XMLCh const* text, bool ranged,
                std::size_t start, std::size_t end, xercesc::Match* match) {
+    xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
     try {
-        xercesc::MemoryManager* const manager = xercesc::XMLPlatformUtils::fgMemoryManager;
         return ranged ? engine.matches(text, start, end, match, manager)
                       : engine.matches(text, match, manager);
     } catch (...) {

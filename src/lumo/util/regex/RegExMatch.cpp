@@ -16,9 +16,10 @@ char const kUnit[] = "lumo/util/regex/RegExMatch";
 LUMO_DEFINE_CLASS(CRegExMatch, "lumo::util::regex::CRegExMatch", "lumo::base::CObject");
 
 CRegExMatch::CRegExMatch() {
+    xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
     detail::MatchRecord* record = nullptr;
     try {
-        record = new (xercesc::XMLPlatformUtils::fgMemoryManager) detail::MatchRecord;
+        record = new (manager) detail::MatchRecord(manager);
     } catch (...) {
         throw base::CMemoryException(kUnit, __LINE__);
     }

@@ -104,6 +104,15 @@ TEST(RegExTest, NullArgumentsAndRanges) {
     EXPECT_TRUE(regex.Matches(abc, 1, 2));
 }
 
+// Regular expressions need the library started.
+TEST(RegExTest, NeedsTheLibraryStarted) {
+    ASSERT_EQ(lumo::Terminate(), 0);
+    EXPECT_THROW(CRegEx("a"), lumo::base::CIllegalStateException);
+    EXPECT_THROW(CRegExMatch(), lumo::base::CIllegalStateException);
+    ASSERT_EQ(lumo::Initialize(), 1);
+    EXPECT_TRUE(CRegEx("a").Matches("a"));
+}
+
 TEST(RegExTest, MessageListResource) {
     for (unsigned long i = 0; i < 34; ++i)
         EXPECT_NE(Vela::RSLoadString("STRS", 18000, i), nullptr) << "entry " << i + 1;

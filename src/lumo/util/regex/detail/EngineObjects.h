@@ -4,6 +4,8 @@
 #ifndef LUMO_UTIL_REGEX_DETAIL_ENGINEOBJECTS_H
 #define LUMO_UTIL_REGEX_DETAIL_ENGINEOBJECTS_H
 
+#include <lumo/base/Exception.h>
+
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/regx/Match.hpp>
 #include <xercesc/util/regx/RegularExpression.hpp>
@@ -13,15 +15,24 @@ namespace util {
 namespace regex {
 namespace detail {
 
+/// The engine's memory manager; CIllegalStateException "Library not initialized." (at
+/// the caller's unit and line) before lumo::Initialize() has started the engine.
+inline xercesc::MemoryManager* EngineMemory(char const* unit, unsigned long line) {
+    xercesc::MemoryManager* const manager = xercesc::XMLPlatformUtils::fgMemoryManager;
+    if (manager == nullptr)
+        throw base::CIllegalStateException(unit, line, "Library not initialized.", nullptr);
+    return manager;
+}
+
 class CompiledPattern : public xercesc::RegularExpression {
 public:
-    CompiledPattern(XMLCh const* pattern, XMLCh const* options)
-        : RegularExpression(pattern, options, xercesc::XMLPlatformUtils::fgMemoryManager) {}
+    CompiledPattern(XMLCh const* pattern, XMLCh const* options, xercesc::MemoryManager* manager)
+        : RegularExpression(pattern, options, manager) {}
 };
 
 class MatchRecord : public xercesc::Match {
 public:
-    MatchRecord() : Match(xercesc::XMLPlatformUtils::fgMemoryManager) {}
+    explicit MatchRecord(xercesc::MemoryManager* manager) : Match(manager) {}
 };
 
 } // namespace detail
