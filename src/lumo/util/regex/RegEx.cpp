@@ -150,9 +150,11 @@ private:
             if (size == 0 || i + size > m_length)
                 size = 1; // a character cut by the end of the range
             unsigned short units[3] = {0, 0, 0};
-            long n = size == 1 && static_cast<unsigned char>(*p) < 0x80
-                         ? (units[0] = static_cast<unsigned char>(*p), 1)
-                         : Vela::CHANSI2Unicode(p, static_cast<long>(size), units, 3);
+            long n = 1;
+            if (static_cast<unsigned char>(*p) < 0x80)
+                units[0] = static_cast<unsigned char>(*p);
+            else
+                n = Vela::CHANSI2Unicode(p, static_cast<long>(size), units, 3);
             if (n <= 0) {
                 units[0] = 0xFFFD;
                 n = 1;
