@@ -31,7 +31,8 @@ class LUMO_API CRegEx : public base::CObject {
     /// pattern: CIllegalArgumentException "Invalid pattern."; null options:
     /// CIllegalArgumentException "Invalid options."; a pattern (or option letter) the
     /// engine rejects: CRegExParseException naming the pattern and, where the engine's
-    /// error has a readable counterpart, the reason; no memory: CMemoryException.
+    /// error has a readable counterpart, the reason; no memory, or groups nested more
+    /// than 1000 deep (the engine would exhaust the stack): CMemoryException.
     explicit CRegEx(char const* pattern);
     CRegEx(char const* pattern, char const* options);
     explicit CRegEx(unsigned short const* pattern);

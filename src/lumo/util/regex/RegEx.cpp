@@ -83,12 +83,40 @@ char const* ReasonFor(int code) {
     return nullptr;
 }
 
+// The engine's parser recurses once per open group and has no limit of its own, so a
+// pattern nesting deeper than this would exhaust the stack; it is refused first.
+int const kMaxGroupNesting = 1000;
+
+bool NestsTooDeep(XMLCh const* pattern) {
+    int depth = 0;
+    bool inClass = false;
+    for (XMLCh const* p = pattern; *p != 0; ++p) {
+        if (*p == u'\\') {
+            if (*++p == 0)
+                break;
+        } else if (inClass) {
+            inClass = *p != u']';
+        } else if (*p == u'[') {
+            inClass = true;
+        } else if (*p == u'(') {
+            if (++depth > kMaxGroupNesting)
+                return true;
+        } else if (*p == u')' && depth > 0) {
+            --depth;
+        }
+    }
+    return false;
+}
+
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
 // exceptions while parsing) gives null and the engine's code; running out of memory,
-// or any other failure, is CMemoryException; an engine not started,
+// a pattern nesting too deep for the stack, or any other failure, is CMemoryException;
+// an engine not started,
 // CIllegalStateException.
 detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int& code) {
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
+    if (NestsTooDeep(pattern))
+        throw base::CMemoryException(kUnit, __LINE__);
     try {
         return new (manager) detail::CompiledPattern(pattern, options, manager);
     } catch (xercesc::OutOfMemoryException const&) {

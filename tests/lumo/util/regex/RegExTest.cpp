@@ -219,6 +219,10 @@ TEST(RegExTest, LargeAndPathologicalInputs) {
     EXPECT_TRUE(CRegEx(big.c_str()).Matches((std::string(big.size() / 4, 'b') + "c").c_str()));
     EXPECT_EQ(ParseMessage((big + "(").c_str()),
               "Regular expression '" + big + "(' is invalid due to : '')' is expected.'.");
+    // Groups nested 1 MiB deep are refused before the engine's parser exhausts the stack.
+    EXPECT_THROW(CRegEx(std::string(1u << 20, '(').c_str()), CMemoryException);
+    EXPECT_TRUE(
+        CRegEx((std::string(1000, '(') + "a" + std::string(1000, ')')).c_str()).Matches("a"));
     // A text of 1 MiB, matched whole and in a range that leaves the needle out.
     std::string text(1u << 20, 'x');
     text.replace(text.size() - 10, 8, "id=12345");
