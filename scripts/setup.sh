@@ -6,7 +6,7 @@ packages=(
     g++ cmake ninja-build pkg-config
     libxerces-c-dev libicu-dev libssl-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
-    libxml2-utils python3 libxml2-dev
+    libxml2-utils python3 libxml2-dev libpcre2-dev
 )
 
 missing=()

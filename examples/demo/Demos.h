@@ -4,9 +4,10 @@
 
 namespace demo {
 
-void XmlRead();  // a document read back token by token and with typed element reads
-void XmlWrite(); // a document written with CXMLTextWriter to a file and printed
-void NetDemo();  // a server socket and a client talking over loopback on two threads
+void XmlRead();   // a document read back token by token and with typed element reads
+void XmlWrite();  // a document written with CXMLTextWriter to a file and printed
+void NetDemo();   // a server socket and a client talking over loopback on two threads
+void RegexDemo(); // a pattern with groups matched in 8-bit and UTF-16 text, and a parse error
 
 } // namespace demo
 

@@ -256,6 +256,7 @@ int main() {
         demo::XmlRead();
         demo::XmlWrite();
         demo::NetDemo();
+        demo::RegexDemo();
     } catch (CException const& e) {
         demo::Report(e);
         return 1;

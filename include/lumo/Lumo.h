@@ -115,5 +115,8 @@
 #include <lumo/util/UnicodeStringTokenizer.h>
 #include <lumo/util/UnicodeStringVector.h>
 #include <lumo/util/Vector.h>
+#include <lumo/util/regex/RegEx.h>
+#include <lumo/util/regex/RegExMatch.h>
+#include <lumo/util/regex/RegExParseException.h>
 
 #endif

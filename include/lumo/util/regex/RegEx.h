@@ -1,0 +1,78 @@
+#ifndef LUMO_UTIL_REGEX_REGEX_H
+#define LUMO_UTIL_REGEX_REGEX_H
+
+#include <lumo/base/Object.h>
+#include <lumo/base/Ref.h>
+#include <lumo/util/regex/RegExMatch.h>
+#include <lumo/util/regex/RegExParseException.h>
+
+namespace lumo {
+namespace util {
+namespace regex {
+
+namespace detail {
+class CompiledPattern;
+}
+
+/// A compiled regular expression over the XML parser's engine (its syntax and option
+/// letters: i ignore case, m multi-line, s single-line, x extended, X XML Schema, F, H).
+/// Needs lumo::Initialize() (before it, constructors and Matches throw
+/// CIllegalStateException "Library not initialized."). Copies share the compiled
+/// pattern; the last one frees it.
+///
+/// 8-bit patterns and texts are UTF-8 (a malformed byte is one character of its own,
+/// seen by the engine as U+FFFD); positions and ranges in 8-bit text count bytes, in
+/// UTF-16 text units. Matching searches: it succeeds when the pattern matches anywhere
+/// in the text (or range).
+class LUMO_API CRegEx : public base::CObject {
+    LUMO_DECLARE_CLASS(CRegEx);
+
+public:
+    /// Compiles `pattern` (with `options`, handed to the engine unchanged). A null
+    /// pattern: CIllegalArgumentException "Invalid pattern."; null options:
+    /// CIllegalArgumentException "Invalid options."; a pattern (or option letter) the
+    /// engine rejects: CRegExParseException naming the pattern and, where the engine's
+    /// error has a readable counterpart, the reason; no memory, or groups nested more
+    /// than 1000 deep (the engine would exhaust the stack): CMemoryException.
+    explicit CRegEx(char const* pattern);
+    CRegEx(char const* pattern, char const* options);
+    explicit CRegEx(unsigned short const* pattern);
+    CRegEx(unsigned short const* pattern, unsigned short const* options);
+    CRegEx(CRegEx const& other);
+    CRegEx& operator=(CRegEx const& other);
+    ~CRegEx() override;
+
+    /// True when the pattern matches somewhere in `text` (zero-terminated). A null text:
+    /// CIllegalArgumentException "Invalid match string.". A failure inside the engine
+    /// (for lack of memory, or any other): CMemoryException.
+    bool Matches(char const* text) const;
+    bool Matches(unsigned short const* text) const;
+    /// As above, within [start, end) of `text`, which the engine treats as the whole
+    /// text (so '^' matches at `start`). Accepted only when start < end and end <= the
+    /// length of `text`; otherwise CIllegalArgumentException "Invalid start & end
+    /// positons.". Positions reported stay relative to the start of `text`.
+    bool Matches(char const* text, unsigned long start, unsigned long end) const;
+    bool Matches(unsigned short const* text, unsigned long start, unsigned long end) const;
+    /// As above; on success `match` holds the groups. On failure the engine has reset it
+    /// (its group positions are -1).
+    bool Matches(char const* text, CRegExMatch& match) const;
+    bool Matches(unsigned short const* text, CRegExMatch& match) const;
+    bool Matches(char const* text, unsigned long start, unsigned long end,
+                 CRegExMatch& match) const;
+    bool Matches(unsigned short const* text, unsigned long start, unsigned long end,
+                 CRegExMatch& match) const;
+
+private:
+    bool Match8(char const* text, bool ranged, unsigned long start, unsigned long end,
+                CRegExMatch* match) const;
+    bool Match16(unsigned short const* text, bool ranged, unsigned long start, unsigned long end,
+                 CRegExMatch* match) const;
+
+    base::CRef<detail::CompiledPattern> m_pattern;
+};
+
+} // namespace regex
+} // namespace util
+} // namespace lumo
+
+#endif

@@ -1,0 +1,334 @@
+// CRegEx: the library's checks, text conversion and error mapping around the XML
+// parser's regular-expression engine.
+#include <lumo/util/regex/RegEx.h>
+
+#include <lumo/base/Exception.h>
+#include <lumo/base/String.h>
+#include <lumo/base/UnicodeString.h>
+#include <vela/Chars.h>
+#include <vela/Ucs.h>
+
+#include "../../base/detail/XercesSupport.h"
+#include "detail/EngineObjects.h"
+#include "detail/MessageList.h"
+
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace lumo {
+namespace util {
+namespace regex {
+
+namespace {
+char const kUnit[] = "lumo/util/regex/RegEx";
+
+// The engine's parse-error codes and the message-list entry of the same meaning. The
+// list was written for an older engine whose codes differed; the meanings match as
+// commented. A code not listed (or listed with 0) gives no reason.
+struct ReasonEntry {
+    int code;
+    unsigned long index;
+};
+ReasonEntry const kReasons[] = {
+    {xercesc::XMLExcepts::Parser_Parse1, 3},       // illegal character -> "Wrong character."
+    {xercesc::XMLExcepts::Parser_Parse2, 4},       // invalid reference number
+    {xercesc::XMLExcepts::Parser_Next1, 5},        // character expected after backslash
+    {xercesc::XMLExcepts::Parser_Next2, 6},        // unexpected '?'
+    {xercesc::XMLExcepts::Parser_Next3, 7},        // '(?<=' or '(?<!' expected
+    {xercesc::XMLExcepts::Parser_Next4, 8},        // unterminated comment
+    {xercesc::XMLExcepts::Parser_Factor1, 9},      // ')' expected
+    {xercesc::XMLExcepts::Parser_Factor2, 10},     // end of pattern in modifier group
+    {xercesc::XMLExcepts::Parser_Factor3, 11},     // ':' expected
+    {xercesc::XMLExcepts::Parser_Factor4, 12},     // end of pattern in conditional group
+    {xercesc::XMLExcepts::Parser_Factor5, 13},     // what a conditional pattern needs
+    {xercesc::XMLExcepts::Parser_Factor6, 14},     // more than three choices
+    {xercesc::XMLExcepts::Parser_Atom1, 15},       // character after \c
+    {xercesc::XMLExcepts::Parser_Atom2, 16},       // '{' before category character
+    {xercesc::XMLExcepts::Parser_Atom3, 17},       // property name not closed by '}'
+    {xercesc::XMLExcepts::Parser_Atom4, 18},       // unexpected meta character
+    {xercesc::XMLExcepts::Parser_Atom5, 19},       // unknown property
+    {xercesc::XMLExcepts::Parser_CC1, 20},         // POSIX class not closed by ':]'
+    {xercesc::XMLExcepts::Parser_CC2, 21},         // end of pattern in character class
+    {xercesc::XMLExcepts::Parser_CC3, 22},         // unknown POSIX class name
+    {xercesc::XMLExcepts::Parser_CC5, 24},         // ']' expected
+    {xercesc::XMLExcepts::Parser_CC6, 25},         // character invalid in a class, escape it
+    {xercesc::XMLExcepts::Parser_Ope1, 27},        // '[' expected
+    {xercesc::XMLExcepts::Parser_Ope2, 28},        // ')', '-[', '+[' or '&[' expected
+    {xercesc::XMLExcepts::Parser_Ope3, 0},         // range end below its start: none
+    {xercesc::XMLExcepts::Parser_Descape1, 29},    // invalid Unicode hex notation
+    {xercesc::XMLExcepts::Parser_Descape3, 31},    // '\x{' not closed by '}'
+    {xercesc::XMLExcepts::Parser_Descape4, 32},    // invalid Unicode code point
+    {xercesc::XMLExcepts::Parser_Descape5, 33},    // anchor not allowed here
+    {xercesc::XMLExcepts::Parser_Process2, 34},    // escape not supported here
+    {xercesc::XMLExcepts::Parser_Quantifier1, 0},  // quantifier: digit expected
+    {xercesc::XMLExcepts::Parser_Quantifier2, 0},  // quantifier: bad quantity or no '}'
+    {xercesc::XMLExcepts::Parser_Quantifier3, 0},  // quantifier: digit or '}' expected
+    {xercesc::XMLExcepts::Parser_Quantifier4, 0},  // quantifier: min above max
+    {xercesc::XMLExcepts::Parser_Quantifier5, 0},  // quantifier: overflow
+    {xercesc::XMLExcepts::Regex_UnknownOption, 0}, // unknown option letter
+    {xercesc::XMLExcepts::Regex_NotSupported, 34}, // construct not supported in this mode
+};
+
+char const* ReasonFor(int code) {
+    for (ReasonEntry const& entry : kReasons)
+        if (entry.code == code)
+            return entry.index != 0 ? detail::LoadMessage(entry.index) : nullptr;
+    return nullptr;
+}
+
+// The engine's parser recurses once per open group and has no limit of its own, so a
+// pattern nesting deeper than this would exhaust the stack; it is refused first.
+int const kMaxGroupNesting = 1000;
+
+bool NestsTooDeep(XMLCh const* pattern) {
+    int depth = 0;
+    bool inClass = false;
+    for (XMLCh const* p = pattern; *p != 0; ++p) {
+        if (*p == u'\\') {
+            if (*++p == 0)
+                break;
+        } else if (inClass) {
+            inClass = *p != u']';
+        } else if (*p == u'[') {
+            inClass = true;
+        } else if (*p == u'(') {
+            if (++depth > kMaxGroupNesting)
+                return true;
+        } else if (*p == u')' && depth > 0) {
+            --depth;
+        }
+    }
+    return false;
+}
+
+// Compiles a pattern. A pattern the engine rejects (it raises one of its XML
+// exceptions while parsing) gives null and the engine's code; running out of memory,
+// a pattern nesting too deep for the stack, or any other failure, is CMemoryException;
+// an engine not started,
+// CIllegalStateException.
+detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int& code) {
+    xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
+    if (NestsTooDeep(pattern))
+        throw base::CMemoryException(kUnit, __LINE__);
+    try {
+        return new (manager) detail::CompiledPattern(pattern, options, manager);
+    } catch (xercesc::OutOfMemoryException const&) {
+        throw base::CMemoryException(kUnit, __LINE__);
+    } catch (xercesc::XMLException const& e) {
+        code = static_cast<int>(e.getCode());
+        return nullptr;
+    } catch (...) {
+        throw base::CMemoryException(kUnit, __LINE__);
+    }
+}
+
+// 8-bit (UTF-8) text as the engine's UTF-16. ASCII text is widened as it is, and its
+// positions are the same in both; otherwise each unit remembers the byte where its
+// character starts, so that positions can be turned back into bytes.
+class EngineText {
+public:
+    EngineText(char const* text, std::size_t length) : m_length(length) {
+        m_units.resize(length);
+        unsigned char const* const bytes = reinterpret_cast<unsigned char const*>(text);
+        std::size_t i = 0;
+        for (; i < length && bytes[i] < 0x80; ++i)
+            m_units[i] = static_cast<char16_t>(bytes[i]);
+        if (i < length)
+            Decode(text, i);
+    }
+
+    XMLCh const* Units() const { return m_units.c_str(); }
+    std::size_t Count() const { return m_units.size(); }
+    bool IsAscii() const { return m_starts.empty(); }
+
+    // The unit where the character at or after `byte` starts.
+    std::size_t UnitOf(std::size_t byte) const {
+        if (IsAscii())
+            return byte;
+        return static_cast<std::size_t>(std::lower_bound(m_starts.begin(), m_starts.end(), byte) -
+                                        m_starts.begin());
+    }
+    // The byte where the character of unit `unit` starts (-1 stays -1).
+    long ByteOf(long unit) const {
+        if (IsAscii() || unit < 0)
+            return unit;
+        std::size_t const u = static_cast<std::size_t>(unit);
+        return static_cast<long>(u < m_starts.size() ? m_starts[u] : m_length);
+    }
+
+private:
+    // From byte `from` on, one character at a time through the root layer's routines;
+    // a malformed byte (a character of its own there) becomes U+FFFD.
+    void Decode(char const* text, std::size_t from) {
+        m_units.resize(from);
+        m_starts.resize(from);
+        for (std::size_t k = 0; k < from; ++k)
+            m_starts[k] = static_cast<std::uint32_t>(k);
+        std::size_t i = from;
+        while (i < m_length) {
+            char const* const p = text + i;
+            std::size_t size = static_cast<std::size_t>(Vela::CHGetNextCharPtr(p) - p);
+            if (size == 0 || i + size > m_length)
+                size = 1; // a character cut by the end of the range
+            unsigned short units[3] = {0, 0, 0};
+            long n = 1;
+            if (static_cast<unsigned char>(*p) < 0x80)
+                units[0] = static_cast<unsigned char>(*p);
+            else
+                n = Vela::CHANSI2Unicode(p, static_cast<long>(size), units, 3);
+            if (n <= 0) {
+                units[0] = 0xFFFD;
+                n = 1;
+            }
+            for (long k = 0; k < n; ++k) {
+                m_units.push_back(static_cast<char16_t>(units[k]));
+                m_starts.push_back(static_cast<std::uint32_t>(i));
+            }
+            i += size;
+        }
+    }
+
+    std::size_t m_length;
+    std::u16string m_units;
+    std::vector<std::uint32_t> m_starts; // empty for ASCII text
+};
+
+std::u16string OptionsOf(char const* options) {
+    return EngineText(options, std::strlen(options)).Units();
+}
+
+void CheckRange(bool ranged, unsigned long start, unsigned long end, std::size_t length) {
+    if (ranged && !(start < end && end <= length))
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid start & end positons.");
+}
+} // namespace
+
+LUMO_DEFINE_CLASS(CRegEx, "lumo::util::regex::CRegEx", "lumo::base::CObject");
+
+CRegEx::CRegEx(char const* pattern) : CRegEx(pattern, "") {}
+
+CRegEx::CRegEx(char const* pattern, char const* options) {
+    if (pattern == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pattern.");
+    if (options == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid options.");
+    int code = 0;
+    detail::CompiledPattern* const compiled = Compile(
+        EngineText(pattern, std::strlen(pattern)).Units(), OptionsOf(options).c_str(), code);
+    if (compiled == nullptr)
+        throw CRegExParseException(kUnit, __LINE__, pattern, ReasonFor(code));
+    m_pattern = compiled;
+}
+
+CRegEx::CRegEx(unsigned short const* pattern) {
+    if (pattern == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pattern.");
+    int code = 0;
+    detail::CompiledPattern* const compiled =
+        Compile(::lumo::detail::ToXMLCh(pattern).c_str(), u"", code);
+    if (compiled == nullptr)
+        throw CRegExParseException(kUnit, __LINE__, base::CUnicodeString(pattern).ToUTF8(),
+                                   ReasonFor(code));
+    m_pattern = compiled;
+}
+
+CRegEx::CRegEx(unsigned short const* pattern, unsigned short const* options) {
+    if (pattern == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pattern.");
+    if (options == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid options.");
+    int code = 0;
+    detail::CompiledPattern* const compiled = Compile(
+        ::lumo::detail::ToXMLCh(pattern).c_str(), ::lumo::detail::ToXMLCh(options).c_str(), code);
+    if (compiled == nullptr)
+        throw CRegExParseException(kUnit, __LINE__, base::CUnicodeString(pattern).ToUTF8(),
+                                   ReasonFor(code));
+    m_pattern = compiled;
+}
+
+CRegEx::CRegEx(CRegEx const& other) = default;
+CRegEx& CRegEx::operator=(CRegEx const& other) = default;
+CRegEx::~CRegEx() = default;
+
+bool CRegEx::Matches(char const* text) const {
+    return Match8(text, false, 0, 0, nullptr);
+}
+bool CRegEx::Matches(unsigned short const* text) const {
+    return Match16(text, false, 0, 0, nullptr);
+}
+bool CRegEx::Matches(char const* text, unsigned long start, unsigned long end) const {
+    return Match8(text, true, start, end, nullptr);
+}
+bool CRegEx::Matches(unsigned short const* text, unsigned long start, unsigned long end) const {
+    return Match16(text, true, start, end, nullptr);
+}
+bool CRegEx::Matches(char const* text, CRegExMatch& match) const {
+    return Match8(text, false, 0, 0, &match);
+}
+bool CRegEx::Matches(unsigned short const* text, CRegExMatch& match) const {
+    return Match16(text, false, 0, 0, &match);
+}
+bool CRegEx::Matches(char const* text, unsigned long start, unsigned long end,
+                     CRegExMatch& match) const {
+    return Match8(text, true, start, end, &match);
+}
+bool CRegEx::Matches(unsigned short const* text, unsigned long start, unsigned long end,
+                     CRegExMatch& match) const {
+    return Match16(text, true, start, end, &match);
+}
+
+namespace {
+// One engine match; whatever escapes the engine becomes CMemoryException.
+bool RunEngine(detail::CompiledPattern const& engine, XMLCh const* text, bool ranged,
+               std::size_t start, std::size_t end, xercesc::Match* match) {
+    xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
+    try {
+        return ranged ? engine.matches(text, start, end, match, manager)
+                      : engine.matches(text, match, manager);
+    } catch (...) {
+        throw base::CMemoryException(kUnit, __LINE__);
+    }
+}
+} // namespace
+
+bool CRegEx::Match8(char const* text, bool ranged, unsigned long start, unsigned long end,
+                    CRegExMatch* match) const {
+    if (text == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid match string.");
+    std::size_t const length = std::strlen(text);
+    CheckRange(ranged, start, end, length);
+    // The engine sees the text up to the end of the range; that is all it reads.
+    EngineText const units(text, ranged ? end : length);
+    xercesc::Match* const record = match != nullptr ? match->m_record.Get() : nullptr;
+    bool const found = RunEngine(*m_pattern, units.Units(), ranged,
+                                 ranged ? units.UnitOf(start) : 0, units.Count(), record);
+    if (found && record != nullptr && !units.IsAscii()) {
+        for (int g = 0; g < record->getNoGroups(); ++g) {
+            record->setStartPos(g, static_cast<int>(units.ByteOf(record->getStartPos(g))));
+            record->setEndPos(g, static_cast<int>(units.ByteOf(record->getEndPos(g))));
+        }
+    }
+    return found;
+}
+
+bool CRegEx::Match16(unsigned short const* text, bool ranged, unsigned long start,
+                     unsigned long end, CRegExMatch* match) const {
+    if (text == nullptr)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid match string.");
+    std::size_t const length = Vela::ucslen(text);
+    CheckRange(ranged, start, end, length);
+    std::u16string const units = ::lumo::detail::ToXMLCh(text, ranged ? end : length);
+    xercesc::Match* const record = match != nullptr ? match->m_record.Get() : nullptr;
+    return RunEngine(*m_pattern, units.c_str(), ranged, start, end, record);
+}
+
+} // namespace regex
+} // namespace util
+} // namespace lumo
