@@ -17,6 +17,8 @@ namespace detail {
 // caller holds a writable key reference (GetKeyAt), a key may change behind the
 // index, so lookups scan until the next reallocation of the documented arrays ends
 // the reference's validity. An index that cannot be allocated is simply not used.
+// Only changes of the map touch the index, so concurrent readers of an unchanging
+// map stay as safe as they were.
 template <class S, class Ch> class StringMapStore {
 public:
     // `unit` names the host in every exception. An increment of 0 becomes 5.
@@ -61,10 +63,11 @@ private:
     long Scan(Ch const* key) const;
     long Find(Ch const* key, std::uint32_t& hash, bool& hashed) const;
     bool IndexUsable() const;
-    void GrowIndex() const;
-    bool BuildIndex(std::uint32_t entries) const;
-    void IndexInsert(std::uint32_t hash, std::uint32_t entry) const;
-    void DropIndex() const noexcept;
+    void GrowIndex() noexcept;
+    bool BuildIndex(std::uint32_t entries) noexcept;
+    void IndexInsert(std::uint32_t hash, std::uint32_t entry) noexcept;
+    void DropIndex() noexcept;
+    void Reindex() noexcept;
     void SetCapacity(std::uint32_t capacity) noexcept;
     bool Relocate(std::uint32_t slots) noexcept;
     void Grow(std::uint32_t capacity);
@@ -80,9 +83,9 @@ private:
     bool m_caseSensitive;
     bool m_keysExposed;
     // Open addressing, linear probing: each slot is hash << 32 | (entry + 1), 0 empty.
-    mutable std::uint64_t* m_index;
-    mutable std::uint32_t m_indexMask;
-    mutable bool m_indexCurrent;
+    std::uint64_t* m_index;
+    std::uint32_t m_indexMask;
+    bool m_indexCurrent;
 };
 
 } // namespace detail

@@ -246,6 +246,7 @@ StringMapStore<S, Ch>::StringMapStore(StringMapStore const& other)
             throw;
         }
     }
+    Reindex();
 }
 
 template <class S, class Ch>
@@ -316,18 +317,24 @@ template <class S, class Ch> long StringMapStore<S, Ch>::Scan(Ch const* key) con
     return -1;
 }
 
-// Whether lookups may go through the index, building it when it is missing or stale.
+// Whether lookups may go through the index.
 template <class S, class Ch> bool StringMapStore<S, Ch>::IndexUsable() const {
-    if (m_keysExposed || m_size <= kScanLimit)
-        return false;
-    if (m_indexCurrent)
-        return true;
-    return BuildIndex(m_size);
+    return m_indexCurrent && !m_keysExposed && m_size > kScanLimit;
+}
+
+// Brings a stale index up to date, when the map is large enough to want one and no
+// key can change behind it.
+template <class S, class Ch> void StringMapStore<S, Ch>::Reindex() noexcept {
+    if (!m_keysExposed && m_size > kScanLimit)
+        BuildIndex(m_size);
+    else
+        m_indexCurrent = false;
 }
 
 // A fresh index for the present keys, sized for `entries` of them (kept at most half
 // full). False, and no index, when the table cannot be allocated.
-template <class S, class Ch> bool StringMapStore<S, Ch>::BuildIndex(std::uint32_t entries) const {
+template <class S, class Ch>
+bool StringMapStore<S, Ch>::BuildIndex(std::uint32_t entries) noexcept {
     std::uint64_t slots = 16;
     while (slots < std::uint64_t(entries) * 2)
         slots *= 2;
@@ -351,14 +358,14 @@ template <class S, class Ch> bool StringMapStore<S, Ch>::BuildIndex(std::uint32_
 }
 
 template <class S, class Ch>
-void StringMapStore<S, Ch>::IndexInsert(std::uint32_t hash, std::uint32_t entry) const {
+void StringMapStore<S, Ch>::IndexInsert(std::uint32_t hash, std::uint32_t entry) noexcept {
     std::uint32_t slot = hash & m_indexMask;
     while (m_index[slot] != 0)
         slot = (slot + 1) & m_indexMask;
     m_index[slot] = (std::uint64_t(hash) << 32) | (std::uint64_t(entry) + 1);
 }
 
-template <class S, class Ch> void StringMapStore<S, Ch>::DropIndex() const noexcept {
+template <class S, class Ch> void StringMapStore<S, Ch>::DropIndex() noexcept {
     m_indexCurrent = false;
 }
 
@@ -393,7 +400,7 @@ long StringMapStore<S, Ch>::Find(Ch const* key, std::uint32_t& hash, bool& hashe
 }
 
 // Twice the slots, filled from the stored hashes; no index when they cannot be had.
-template <class S, class Ch> void StringMapStore<S, Ch>::GrowIndex() const {
+template <class S, class Ch> void StringMapStore<S, Ch>::GrowIndex() noexcept {
     std::uint64_t const slots = (std::uint64_t(m_indexMask) + 1) * 2;
     std::uint64_t* old = m_index;
     std::uint32_t const oldMask = m_indexMask;
@@ -448,12 +455,16 @@ template <class S, class Ch> void StringMapStore<S, Ch>::Put(Ch const* key, Ch c
     ::new (static_cast<void*>(m_keys + m_size)) S(std::move(newKey));
     ::new (static_cast<void*>(m_values + m_size)) S(std::move(newValue));
     std::uint32_t const entry = m_size++;
-    if (m_indexCurrent && !m_keysExposed) {
-        if (std::uint64_t(m_size) * 2 > std::uint64_t(m_indexMask) + 1)
-            GrowIndex();
-        if (m_indexCurrent)
-            IndexInsert(hashed ? hash : Hash(key), entry);
+    if (m_keysExposed)
+        return;
+    if (!m_indexCurrent) {
+        Reindex();
+        return;
     }
+    if (std::uint64_t(m_size) * 2 > std::uint64_t(m_indexMask) + 1)
+        GrowIndex();
+    if (m_indexCurrent)
+        IndexInsert(hashed ? hash : Hash(key), entry);
 }
 
 // The documented capacity changes: the arrays are (as far as callers know) new, so
@@ -464,7 +475,7 @@ void StringMapStore<S, Ch>::SetCapacity(std::uint32_t capacity) noexcept {
     m_capacity = capacity;
     if (m_keysExposed) {
         m_keysExposed = false;
-        DropIndex();
+        Reindex();
     }
 }
 
@@ -530,6 +541,7 @@ template <class S, class Ch> void StringMapStore<S, Ch>::Remove(Ch const* key) {
             Relocate(target * 2 > target ? target * 2 : target);
         SetCapacity(target);
     }
+    Reindex();
 }
 
 template <class S, class Ch> void StringMapStore<S, Ch>::RemoveAll() {
