@@ -1,3 +1,4 @@
+// CBinaryData: base64 and binhex encoding and decoding of byte blocks.
 #include <lumo/base/BinaryData.h>
 
 #include <lumo/base/Exception.h>

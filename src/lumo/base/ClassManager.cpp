@@ -1,3 +1,5 @@
+// The class registry: a newest-first list of class records, with a hash table that
+// serves lookups until the first registration.
 #include <lumo/base/ClassManager.h>
 
 #include <lumo/base/ClassNotFoundException.h>

@@ -1,3 +1,4 @@
+// CStringBuffer and CUnicodeStringBuffer, and the character array they hold.
 #include <lumo/base/StringBuffer.h>
 
 #include <lumo/base/Exception.h>

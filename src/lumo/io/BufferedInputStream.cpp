@@ -1,3 +1,4 @@
+// CBufferedInputStream: block reads of a wrapped input stream through a buffer.
 #include <lumo/io/BufferedInputStream.h>
 
 #include <lumo/io/IOException.h>

@@ -1,3 +1,5 @@
+// CObjectHashtable: owned or borrowed object keys and values over the chained-hash
+// engine, with its enumerations.
 #include <lumo/util/ObjectHashtable.h>
 
 #include <lumo/base/Exception.h>
