@@ -513,7 +513,8 @@ template <class S, class Ch> void StringMapStore<S, Ch>::Grow(std::uint32_t capa
             wanted = capacity;
         if (wanted > 0xFFFFFFFFu || wanted > std::uint64_t(-1) / 2 / sizeof(S))
             wanted = capacity;
-        if (!Relocate(static_cast<std::uint32_t>(wanted)) && !Relocate(capacity))
+        if (!Relocate(static_cast<std::uint32_t>(wanted)) &&
+            (wanted == capacity || !Relocate(capacity)))
             throw base::CMemoryException(m_unit, __LINE__);
     }
     SetCapacity(capacity);
