@@ -5,6 +5,7 @@
 
 #include <lumo/base/Base.h>
 #include <lumo/base/Class.h>
+#include <lumo/base/detail/ChainedHash.h>
 
 #include <cstdint>
 
@@ -59,11 +60,7 @@ private:
     CClass* m_head;
     unsigned long m_count;
     std::uint32_t m_hashing;
-    Entry** m_buckets;
-    std::uint32_t m_bucketCount;
-    std::uint32_t m_entryCount;
-    std::int32_t m_threshold;
-    float m_loadFactor;
+    detail::ChainedHash<Entry> m_table;
 };
 
 } // namespace base

@@ -4,6 +4,7 @@
 #define LUMO_BASE_STRINGBUFFER_H
 
 #include <lumo/Config.h>
+#include <lumo/base/detail/CharArray.h>
 
 #include <cstdint>
 
@@ -20,7 +21,8 @@ class CUnicodeString;
 /// Sizes are rounded up by the capacity increment (never below 8): a request for n
 /// characters gives n + (((increment - 1) * n) mod increment), in 32-bit arithmetic,
 /// which is n rounded up to a multiple of the increment. The array grows to exactly
-/// that size, so the increment sets how often appending reallocates.
+/// that size as far as callers see (GetCapacity); the heap block underneath grows
+/// geometrically, so appending costs amortized constant time whatever the increment.
 ///
 /// UTF-16 arguments are converted to UTF-8 (an unpaired surrogate becomes '?'). Null
 /// texts are empty texts. Allocation failures raise CMemoryException and leave the
@@ -68,16 +70,14 @@ public:
     /// Shrinks the array to the rounded size of the text and its terminator.
     void TrimToSize();
     /// Characters the array holds (0 without storage).
-    unsigned long GetCapacity() const { return m_capacity; }
+    unsigned long GetCapacity() const { return m_array.Capacity(); }
 
     /// Values below 8 are raised to 8.
     void SetCapacityIncrement(unsigned long increment);
-    unsigned long GetCapacityIncrement() const { return m_increment; }
+    unsigned long GetCapacityIncrement() const { return m_array.Increment(); }
 
 private:
-    char* m_chars;
-    std::uint32_t m_capacity;
-    std::uint32_t m_increment;
+    detail::CharArray<char> m_array;
 };
 
 /// The same in 16-bit units; 8-bit arguments are UTF-8 and are converted to UTF-16
@@ -112,15 +112,13 @@ public:
     void Empty();
     void EnsureCapacity(unsigned long n);
     void TrimToSize();
-    unsigned long GetCapacity() const { return m_capacity; }
+    unsigned long GetCapacity() const { return m_array.Capacity(); }
 
     void SetCapacityIncrement(unsigned long increment);
-    unsigned long GetCapacityIncrement() const { return m_increment; }
+    unsigned long GetCapacityIncrement() const { return m_array.Increment(); }
 
 private:
-    unsigned short* m_chars;
-    std::uint32_t m_capacity;
-    std::uint32_t m_increment;
+    detail::CharArray<unsigned short> m_array;
 };
 
 } // namespace base

@@ -5,6 +5,7 @@
 
 #include <lumo/base/Base.h>
 #include <lumo/base/Exception.h>
+#include <lumo/base/detail/ChainedHash.h>
 #include <lumo/util/Enumeration.h>
 #include <lumo/util/HashCode.h>
 #include <lumo/util/NoSuchElementException.h>
@@ -63,20 +64,19 @@ public:
 
     /// Copies every key and value; chains come out in reverse order, as in
     /// CObjectHashtable.
+    /// Each chain is copied in order onto the head of the same bucket (so reversed).
     CHashtable(CHashtable const& other)
-        : m_unit(other.m_unit), m_buckets(AllocateBuckets(other.m_capacity, __LINE__)),
-          m_capacity(other.m_capacity), m_count(0), m_threshold(other.m_threshold),
-          m_loadFactor(other.m_loadFactor), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr),
+        : m_unit(other.m_unit), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr),
           m_bumpEnd(nullptr), m_slabEntries(kFirstSlabEntries) {
+        if (!m_chain.Allocate(other.m_chain.Capacity(), other.m_chain.LoadFactor(),
+                              other.m_chain.Threshold()))
+            throw base::CMemoryException(m_unit, __LINE__);
         try {
-            for (std::uint32_t i = 0; i < m_capacity; ++i)
-                for (Entry const* e = other.m_buckets[i]; e != nullptr; e = e->next) {
-                    m_buckets[i] = NewEntry(e->hash, e->key, e->value, m_buckets[i], __LINE__);
-                    ++m_count;
-                }
+            for (std::uint32_t i = 0; i < m_chain.Capacity(); ++i)
+                for (Entry const* e = other.m_chain.Head(i); e != nullptr; e = e->next)
+                    m_chain.Link(i, NewEntry(e->hash, e->key, e->value, __LINE__));
         } catch (...) {
             FreeEntries();
-            std::free(m_buckets);
             throw;
         }
     }
@@ -89,14 +89,11 @@ public:
         return *this;
     }
 
-    ~CHashtable() {
-        FreeEntries();
-        std::free(m_buckets);
-    }
+    ~CHashtable() { FreeEntries(); }
 
-    unsigned long GetSize() const { return m_count; }
-    bool IsEmpty() const { return m_count == 0; }
-    unsigned long GetCapacity() const { return m_capacity; }
+    unsigned long GetSize() const { return m_chain.Count(); }
+    bool IsEmpty() const { return m_chain.Count() == 0; }
+    unsigned long GetCapacity() const { return m_chain.Capacity(); }
 
     /// Maps `key` to `value`. For a present key only the value is replaced, the old
     /// one handed back through `previous` when given; the result tells whether
@@ -123,8 +120,8 @@ public:
 
     /// Whether some value == `value`, scanning bucket by bucket.
     bool Contains(V const& value) const {
-        for (std::uint32_t i = 0; i < m_capacity; ++i)
-            for (Entry const* e = m_buckets[i]; e != nullptr; e = e->next)
+        for (std::uint32_t i = 0; i < m_chain.Capacity(); ++i)
+            for (Entry const* e = m_chain.Head(i); e != nullptr; e = e->next)
                 if (e->value == value)
                     return true;
         return false;
@@ -161,26 +158,25 @@ protected:
 
     /// Tables built on this one raise their failures under their own source path.
     CHashtable(char const* unit, long initialCapacity, float loadFactor)
-        : m_unit(unit), m_buckets(nullptr), m_capacity(0), m_count(0), m_threshold(0),
-          m_loadFactor(loadFactor), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr),
-          m_bumpEnd(nullptr), m_slabEntries(kFirstSlabEntries) {
+        : m_unit(unit), m_slabs(nullptr), m_free(nullptr), m_bump(nullptr), m_bumpEnd(nullptr),
+          m_slabEntries(kFirstSlabEntries) {
         std::uint64_t capacity = 101;
         if (initialCapacity >= 12)
             capacity = static_cast<std::uint64_t>(initialCapacity);
-        if (m_loadFactor <= 0.0f) // a NaN stays as given
-            m_loadFactor = 0.75f;
-        m_buckets = AllocateBuckets(capacity, __LINE__);
-        m_capacity = static_cast<std::uint32_t>(capacity);
-        m_threshold = ThresholdOf(m_capacity, m_loadFactor);
+        if (loadFactor <= 0.0f) // a NaN stays as given
+            loadFactor = 0.75f;
+        std::int32_t const threshold =
+            capacity > 0xFFFFFFFFu
+                ? 0
+                : Chain::ThresholdOf(static_cast<std::uint32_t>(capacity), loadFactor);
+        if (!m_chain.Allocate(capacity, loadFactor, threshold))
+            throw base::CMemoryException(m_unit, __LINE__);
     }
 
     /// The operations behind the public ones, for a hash computed by the caller
     /// and any key type Q that Traits::Equals compares with K (and K is made from).
     template <class Q> Entry* FindHashed(std::int32_t hash, Q const& key) const {
-        for (Entry* e = m_buckets[BucketOf(hash, m_capacity)]; e != nullptr; e = e->next)
-            if (e->hash == hash && Traits::Equals(e->key, key))
-                return e;
-        return nullptr;
+        return m_chain.Find(hash, [&key](Entry const* e) { return Traits::Equals(e->key, key); });
     }
 
     template <class Q> V& GetHashed(std::int32_t hash, Q const& key) {
@@ -200,28 +196,19 @@ protected:
                 e->value = value;
                 return true;
             }
-            if (static_cast<std::int64_t>(m_count) >= m_threshold) {
-                Rehash();
+            if (m_chain.IsFull()) {
+                if (!m_chain.Grow())
+                    throw base::CMemoryException(m_unit, __LINE__);
                 continue;
             }
-            std::uint32_t const index = BucketOf(hash, m_capacity);
-            m_buckets[index] = NewEntry(hash, key, value, m_buckets[index], __LINE__);
-            ++m_count;
+            m_chain.Link(NewEntry(hash, key, value, __LINE__));
             return false;
         }
     }
 
     /// Unlinks the entry of `key` (the caller destroys it), or null.
     template <class Q> Entry* UnlinkHashed(std::int32_t hash, Q const& key) {
-        Entry** link = &m_buckets[BucketOf(hash, m_capacity)];
-        for (Entry* e = *link; e != nullptr; link = &e->next, e = e->next) {
-            if (e->hash == hash && Traits::Equals(e->key, key)) {
-                *link = e->next;
-                --m_count;
-                return e;
-            }
-        }
-        return nullptr;
+        return m_chain.Unlink(hash, [&key](Entry const* e) { return Traits::Equals(e->key, key); });
     }
 
     /// The value of an unlinked entry; the entry is destroyed.
@@ -243,11 +230,7 @@ protected:
 
     void Swap(CHashtable& other) noexcept {
         std::swap(m_unit, other.m_unit);
-        std::swap(m_buckets, other.m_buckets);
-        std::swap(m_capacity, other.m_capacity);
-        std::swap(m_count, other.m_count);
-        std::swap(m_threshold, other.m_threshold);
-        std::swap(m_loadFactor, other.m_loadFactor);
+        m_chain.Swap(other.m_chain);
         std::swap(m_slabs, other.m_slabs);
         std::swap(m_free, other.m_free);
         std::swap(m_bump, other.m_bump);
@@ -274,27 +257,7 @@ private:
     friend class HashtableKeyEnumeration<K, V, Traits>;
     friend class HashtableElementEnumeration<K, V, Traits>;
 
-    static std::uint32_t BucketOf(std::int32_t hash, std::uint32_t capacity) {
-        return (static_cast<std::uint32_t>(hash) & 0x7FFFFFFFu) % capacity;
-    }
-
-    /// (long)(capacity * loadFactor), truncating; saturating beyond 32 bits, and a
-    /// NaN load factor gives a table that never grows.
-    static std::int32_t ThresholdOf(std::uint32_t capacity, float loadFactor) {
-        float const product = static_cast<float>(capacity) * loadFactor;
-        if (std::isnan(product) || product >= 2147483648.0f)
-            return 0x7FFFFFFF;
-        return static_cast<std::int32_t>(product);
-    }
-
-    Entry** AllocateBuckets(std::uint64_t capacity, int line) const {
-        void* buckets = nullptr;
-        if (capacity <= 0xFFFFFFFFu && capacity <= static_cast<std::size_t>(-1) / sizeof(Entry*))
-            buckets = std::calloc(static_cast<std::size_t>(capacity), sizeof(Entry*));
-        if (buckets == nullptr)
-            throw base::CMemoryException(m_unit, static_cast<unsigned long>(line));
-        return static_cast<Entry**>(buckets);
-    }
+    typedef base::detail::ChainedHash<Entry> Chain;
 
     void* TakeSlot(int line) {
         if (m_free != nullptr) {
@@ -319,11 +282,10 @@ private:
         return slot;
     }
 
-    template <class Q>
-    Entry* NewEntry(std::int32_t hash, Q const& key, V const& value, Entry* next, int line) {
+    template <class Q> Entry* NewEntry(std::int32_t hash, Q const& key, V const& value, int line) {
         void* place = TakeSlot(line);
         try {
-            return ::new (place) Entry{hash, K(key), value, next};
+            return ::new (place) Entry{hash, K(key), value, nullptr};
         } catch (...) {
             FreeSlot* slot = ::new (place) FreeSlot;
             slot->next = m_free;
@@ -332,44 +294,16 @@ private:
         }
     }
 
-    void Rehash() {
-        std::uint64_t const capacity = static_cast<std::uint64_t>(m_capacity) * 2 + 1;
-        Entry** buckets = AllocateBuckets(capacity, __LINE__);
-        std::uint32_t const newCapacity = static_cast<std::uint32_t>(capacity);
-        for (std::uint32_t i = 0; i < m_capacity; ++i) {
-            Entry* e = m_buckets[i];
-            while (e != nullptr) {
-                Entry* next = e->next;
-                std::uint32_t const index = BucketOf(e->hash, newCapacity);
-                e->next = buckets[index];
-                buckets[index] = e;
-                e = next;
-            }
-        }
-        std::free(m_buckets);
-        m_buckets = buckets;
-        m_capacity = newCapacity;
-        m_threshold = ThresholdOf(newCapacity, m_loadFactor);
-    }
-
     /// Destroys every entry and gives the slabs back.
     void FreeEntries() noexcept {
-        if (m_count > 0) {
+        if (m_chain.Count() > 0) {
             if constexpr (!std::is_trivially_destructible<Entry>::value) {
-                if (m_free == nullptr) {
+                if (m_free == nullptr)
                     DestroyInSlabOrder();
-                } else {
-                    for (std::uint32_t i = 0; i < m_capacity; ++i) {
-                        for (Entry* e = m_buckets[i]; e != nullptr;) {
-                            Entry* next = e->next;
-                            e->~Entry();
-                            e = next;
-                        }
-                    }
-                }
+                else
+                    m_chain.Clear([](Entry* e) { e->~Entry(); });
             }
-            std::memset(m_buckets, 0, m_capacity * sizeof(Entry*));
-            m_count = 0;
+            m_chain.Forget();
         }
         while (m_slabs != nullptr) {
             Slab* next = m_slabs->next;
@@ -403,11 +337,7 @@ private:
     }
 
     char const* m_unit;
-    Entry** m_buckets;
-    std::uint32_t m_capacity;
-    std::uint32_t m_count;
-    std::int32_t m_threshold;
-    float m_loadFactor;
+    Chain m_chain;
     Slab* m_slabs;
     FreeSlot* m_free;
     char* m_bump;
@@ -421,40 +351,22 @@ public:
     typedef CHashtable<K, V, Traits> Table;
 
     explicit HashtableKeyEnumeration(Table const* table)
-        : m_table(table), m_returned(0), m_bucket(-1), m_current(nullptr) {}
-    bool HasMoreElements() const override { return m_returned < m_table->m_count; }
+        : m_table(table), m_cursor(&table->m_chain) {}
+    bool HasMoreElements() const override { return m_cursor.HasMore(); }
     K* NextElement() override { return &Advance()->key; }
-    void Reset() override {
-        m_returned = 0;
-        m_bucket = -1;
-        m_current = nullptr;
-    }
+    void Reset() override { m_cursor.Reset(); }
 
 protected:
     typename Table::Entry* Advance() {
-        if (m_current != nullptr && m_current->next != nullptr) {
-            m_current = m_current->next;
-            ++m_returned;
-        } else if (m_returned < m_table->m_count) {
-            do {
-                ++m_bucket;
-            } while (m_bucket < m_table->m_capacity && m_table->m_buckets[m_bucket] == nullptr);
-            m_current = m_bucket < m_table->m_capacity ? m_table->m_buckets[m_bucket] : nullptr;
-            if (m_current != nullptr)
-                ++m_returned;
-        } else {
-            m_current = nullptr;
-        }
-        if (m_current == nullptr)
+        typename Table::Entry* e = m_cursor.Advance();
+        if (e == nullptr)
             throw CNoSuchElementException(m_table->m_unit, __LINE__);
-        return m_current;
+        return e;
     }
 
 private:
     Table const* m_table;
-    std::int64_t m_returned;
-    std::int64_t m_bucket;
-    typename Table::Entry* m_current;
+    typename Table::Chain::Cursor m_cursor;
 };
 
 template <class K, class V, class Traits>

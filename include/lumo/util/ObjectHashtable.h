@@ -4,6 +4,7 @@
 #define LUMO_UTIL_OBJECTHASHTABLE_H
 
 #include <lumo/base/Object.h>
+#include <lumo/base/detail/ChainedHash.h>
 #include <lumo/util/Enumeration.h>
 
 #include <cstdint>
@@ -37,9 +38,9 @@ public:
     CObjectHashtable& operator=(CObjectHashtable const& other);
     ~CObjectHashtable();
 
-    unsigned long GetSize() const { return m_count; }
-    bool IsEmpty() const { return m_count == 0; }
-    unsigned long GetCapacity() const { return m_capacity; }
+    unsigned long GetSize() const { return m_chain.Count(); }
+    bool IsEmpty() const { return m_chain.Count() == 0; }
+    unsigned long GetCapacity() const { return m_chain.Capacity(); }
     bool IsOwner() const { return m_owns; }
 
     /// Maps `key` to `value`. For a present key only the value is replaced (the old
@@ -69,15 +70,10 @@ private:
 
     CObjectHashtable(bool owns, float loadFactor, std::int32_t threshold, std::uint32_t capacity);
     Entry* Find(std::int32_t hash, base::CObject const* key) const;
-    void Rehash();
     void FreeEntries() noexcept;
 
     bool m_owns;
-    Entry** m_buckets;
-    std::uint32_t m_capacity;
-    std::uint32_t m_count;
-    std::int32_t m_threshold;
-    float m_loadFactor;
+    base::detail::ChainedHash<Entry> m_chain;
 };
 
 namespace detail {
@@ -92,14 +88,7 @@ public:
     void Reset();
 
 private:
-    void Advance();
-
-    CObjectHashtable const* m_table;
-    /// Entries handed out so far, and the bucket of the current entry (-1 before
-    /// the first); 64-bit so that no table size can overflow them.
-    std::int64_t m_returned;
-    std::int64_t m_bucket;
-    CObjectHashtable::Entry const* m_current;
+    base::detail::ChainedHash<CObjectHashtable::Entry>::Cursor m_cursor;
 };
 } // namespace detail
 

@@ -5,13 +5,17 @@
 
 #include <lumo/base/String.h>
 
+#include <lumo/util/detail/StringMapStore.h>
+
 #include <cstdint>
 
 namespace lumo {
 namespace util {
 
 /// An ordered map of 8-bit strings: keys and values in two parallel arrays, in
-/// insertion order, found by linear scan (no hashing, no sorting). Keys compare
+/// insertion order. Lookups give the
+/// first index under the key comparison, as a scan from index 0 would (an internal
+/// hash index finds it). Keys compare
 /// with or without case, as chosen at construction; values always exactly. The
 /// arrays follow the containers' capacity rule; a failed allocation throws
 /// CMemoryException and leaves the map unchanged.
@@ -28,10 +32,10 @@ public:
     CStringMap& operator=(CStringMap const& other);
     ~CStringMap();
 
-    unsigned long GetSize() const { return m_size; }
-    bool IsEmpty() const { return m_size == 0; }
-    unsigned long GetCapacity() const { return m_capacity; }
-    bool IsKeyCaseSensitive() const { return m_caseSensitive; }
+    unsigned long GetSize() const { return m_store.Size(); }
+    bool IsEmpty() const { return m_store.Size() == 0; }
+    unsigned long GetCapacity() const { return m_store.Capacity(); }
+    bool IsKeyCaseSensitive() const { return m_store.CaseSensitive(); }
 
     /// A null or empty key throws CIllegalArgumentException "Invalid key.". A
     /// present key keeps its spelling and gets the value (a null value stores an
@@ -71,7 +75,7 @@ public:
     class LUMO_API CKeyIterator {
     public:
         explicit CKeyIterator(CStringMap const* map) : m_map(map), m_index(0) {}
-        bool HasMoreElements() const { return m_index < m_map->m_size; }
+        bool HasMoreElements() const { return m_index < m_map->m_store.Size(); }
         /// CNoSuchElementException past the end.
         base::CString const& NextElement();
         void Reset() { m_index = 0; }
@@ -84,7 +88,7 @@ public:
     class LUMO_API CConstValueIterator {
     public:
         explicit CConstValueIterator(CStringMap const* map) : m_map(map), m_index(0) {}
-        bool HasMoreElements() const { return m_index < m_map->m_size; }
+        bool HasMoreElements() const { return m_index < m_map->m_store.Size(); }
         base::CString const& NextElement();
         void Reset() { m_index = 0; }
 
@@ -94,12 +98,7 @@ public:
     };
 
 private:
-    bool m_caseSensitive;
-    base::CString* m_keys;
-    base::CString* m_values;
-    std::uint32_t m_size;
-    std::uint32_t m_capacity;
-    std::uint32_t m_increment;
+    detail::StringMapStore<base::CString, char> m_store;
 };
 
 } // namespace util

@@ -5,13 +5,17 @@
 
 #include <lumo/base/UnicodeString.h>
 
+#include <lumo/util/detail/StringMapStore.h>
+
 #include <cstdint>
 
 namespace lumo {
 namespace util {
 
 /// An ordered map of UTF-16 strings: keys and values in two parallel arrays, in
-/// insertion order, found by linear scan (no hashing, no sorting). Keys and values
+/// insertion order. Lookups give the
+/// first index under the key comparison, as a scan from index 0 would (an internal
+/// hash index finds it). Keys and values
 /// compare exactly (there is no case-insensitive mode). The
 /// arrays follow the containers' capacity rule; a failed allocation throws
 /// CMemoryException and leaves the map unchanged.
@@ -27,9 +31,9 @@ public:
     CUnicodeStringMap& operator=(CUnicodeStringMap const& other);
     ~CUnicodeStringMap();
 
-    unsigned long GetSize() const { return m_size; }
-    bool IsEmpty() const { return m_size == 0; }
-    unsigned long GetCapacity() const { return m_capacity; }
+    unsigned long GetSize() const { return m_store.Size(); }
+    bool IsEmpty() const { return m_store.Size() == 0; }
+    unsigned long GetCapacity() const { return m_store.Capacity(); }
 
     /// A null or empty key throws CIllegalArgumentException "Invalid key.". A
     /// present key keeps its spelling and gets the value (a null value stores an
@@ -69,7 +73,7 @@ public:
     class LUMO_API CKeyIterator {
     public:
         explicit CKeyIterator(CUnicodeStringMap const* map) : m_map(map), m_index(0) {}
-        bool HasMoreElements() const { return m_index < m_map->m_size; }
+        bool HasMoreElements() const { return m_index < m_map->m_store.Size(); }
         /// CNoSuchElementException past the end.
         base::CUnicodeString const& NextElement();
         void Reset() { m_index = 0; }
@@ -82,7 +86,7 @@ public:
     class LUMO_API CConstValueIterator {
     public:
         explicit CConstValueIterator(CUnicodeStringMap const* map) : m_map(map), m_index(0) {}
-        bool HasMoreElements() const { return m_index < m_map->m_size; }
+        bool HasMoreElements() const { return m_index < m_map->m_store.Size(); }
         base::CUnicodeString const& NextElement();
         void Reset() { m_index = 0; }
 
@@ -92,11 +96,7 @@ public:
     };
 
 private:
-    base::CUnicodeString* m_keys;
-    base::CUnicodeString* m_values;
-    std::uint32_t m_size;
-    std::uint32_t m_capacity;
-    std::uint32_t m_increment;
+    detail::StringMapStore<base::CUnicodeString, unsigned short> m_store;
 };
 
 } // namespace util

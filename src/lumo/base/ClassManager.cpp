@@ -26,19 +26,11 @@ struct CClassManager::Entry {
 namespace {
 std::uint32_t const kInitialBuckets = 8191;
 std::int32_t const kInitialThreshold = 6143;
-
-std::uint32_t BucketOf(std::int32_t hash, std::uint32_t count) {
-    return (static_cast<std::uint32_t>(hash) & 0x7fffffffu) % count;
-}
 } // namespace
 
-CClassManager::CClassManager()
-    : m_head(nullptr), m_count(0), m_hashing(0), m_buckets(nullptr), m_bucketCount(0),
-      m_entryCount(0), m_threshold(kInitialThreshold), m_loadFactor(0.75f) {
-    m_buckets = static_cast<Entry**>(std::calloc(kInitialBuckets, sizeof(Entry*)));
-    if (m_buckets == nullptr)
+CClassManager::CClassManager() : m_head(nullptr), m_count(0), m_hashing(0) {
+    if (!m_table.Allocate(kInitialBuckets, 0.75f, kInitialThreshold))
         return;
-    m_bucketCount = kInitialBuckets;
     for (CClass* cls = m_head; cls != nullptr; cls = cls->m_next) {
         if (!HashPut(cls->GetName(), cls)) {
             FreeTable();
@@ -58,51 +50,25 @@ CClassManager& CClassManager::GetInstance() {
 }
 
 void CClassManager::FreeTable() {
-    for (std::uint32_t i = 0; i < m_bucketCount; ++i) {
-        Entry* e = m_buckets[i];
-        while (e != nullptr) {
-            Entry* next = e->next;
-            std::free(e);
-            e = next;
-        }
-    }
-    std::free(m_buckets);
-    m_buckets = nullptr;
-    m_bucketCount = 0;
-    m_entryCount = 0;
+    m_table.Clear([](Entry* e) { std::free(e); });
+    m_table.Release();
 }
 
+// Keys are the records' own name pointers, compared as pointers. Failures (no
+// memory) are reported by returning false, never thrown.
 bool CClassManager::HashPut(char const* key, CClass* value) {
-    if (m_buckets == nullptr)
+    if (!m_table.IsAllocated())
         return false;
-    std::int32_t const hash = detail::HashText(key);
+    std::int32_t const hash = lumo::detail::HashText(key);
+    auto const same = [key](Entry const* e) { return e->key == key; };
     for (;;) {
-        std::uint32_t index = BucketOf(hash, m_bucketCount);
-        for (Entry* e = m_buckets[index]; e != nullptr; e = e->next) {
-            if (e->hash == hash && e->key == key) {
-                e->value = value;
-                return true;
-            }
+        if (Entry* e = m_table.Find(hash, same)) {
+            e->value = value;
+            return true;
         }
-        if (static_cast<std::int64_t>(m_entryCount) >= m_threshold) {
-            std::uint32_t const newCount = m_bucketCount * 2 + 1;
-            auto** grown = static_cast<Entry**>(std::calloc(newCount, sizeof(Entry*)));
-            if (grown == nullptr)
+        if (m_table.IsFull()) {
+            if (!m_table.Grow())
                 return false;
-            m_threshold = static_cast<std::int32_t>(newCount * m_loadFactor);
-            for (std::uint32_t i = 0; i < m_bucketCount; ++i) {
-                Entry* e = m_buckets[i];
-                while (e != nullptr) {
-                    Entry* next = e->next;
-                    std::uint32_t const to = BucketOf(e->hash, newCount);
-                    e->next = grown[to];
-                    grown[to] = e;
-                    e = next;
-                }
-            }
-            std::free(m_buckets);
-            m_buckets = grown;
-            m_bucketCount = newCount;
             continue;
         }
         auto* entry = static_cast<Entry*>(std::malloc(sizeof(Entry)));
@@ -111,27 +77,16 @@ bool CClassManager::HashPut(char const* key, CClass* value) {
         entry->hash = hash;
         entry->key = key;
         entry->value = value;
-        entry->next = m_buckets[index];
-        m_buckets[index] = entry;
-        ++m_entryCount;
+        m_table.Link(entry);
         return true;
     }
 }
 
 void CClassManager::HashRemove(char const* key) {
-    if (m_buckets == nullptr)
+    if (!m_table.IsAllocated())
         return;
-    std::int32_t const hash = detail::HashText(key);
-    Entry** link = &m_buckets[BucketOf(hash, m_bucketCount)];
-    for (; *link != nullptr; link = &(*link)->next) {
-        if ((*link)->hash == hash && (*link)->key == key) {
-            Entry* gone = *link;
-            *link = gone->next;
-            std::free(gone);
-            --m_entryCount;
-            return;
-        }
-    }
+    std::free(m_table.Unlink(lumo::detail::HashText(key),
+                             [key](Entry const* e) { return e->key == key; }));
 }
 
 void CClassManager::RegisterClass(CClass* cls) {
@@ -180,12 +135,9 @@ CClass* CClassManager::FindClass(char const* name) {
     if (name == nullptr || *name == '\0')
         return nullptr;
     if (m_hashing != 0) {
-        std::int32_t const hash = detail::HashText(name);
-        for (Entry* e = m_buckets[BucketOf(hash, m_bucketCount)]; e != nullptr; e = e->next) {
-            if (e->hash == hash && e->key == name)
-                return e->value;
-        }
-        return nullptr;
+        Entry const* e = m_table.Find(lumo::detail::HashText(name),
+                                      [name](Entry const* e) { return e->key == name; });
+        return e != nullptr ? e->value : nullptr;
     }
     // A case-sensitive text comparison finds two texts equal exactly when their bytes
     // are, so the walk compares bytes: it runs over every record on each miss.

@@ -4,6 +4,7 @@
 
 #include <lumo/base/Exception.h>
 
+#include "detail/ScopedHold.h"
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -23,22 +24,6 @@ struct CFixBlockAllocator::Block {
     Block* next;
 };
 
-namespace {
-
-// Holds a spin lock for a scope; released on every way out.
-class CSpinGuard {
-public:
-    explicit CSpinGuard(CSpinLock& lock) : m_lock(lock) { m_lock.Acquire(); }
-    ~CSpinGuard() { m_lock.Release(); }
-    CSpinGuard(CSpinGuard const&) = delete;
-    CSpinGuard& operator=(CSpinGuard const&) = delete;
-
-private:
-    CSpinLock& m_lock;
-};
-
-} // namespace
-
 CFixBlockAllocator::CFixBlockAllocator(unsigned long blockSize, unsigned long refillCount)
     : m_blockSize(blockSize), m_refillCount(refillCount), m_used(nullptr), m_free(nullptr),
       m_usedCount(0), m_freeCount(0), m_cacheSlot(-1) {}
@@ -48,7 +33,7 @@ CFixBlockAllocator::~CFixBlockAllocator() {
 }
 
 void* CFixBlockAllocator::Allocate() {
-    CSpinGuard guard(m_lock);
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
     if (m_free == nullptr) {
         // A pool made with refill count 0 still takes one block at a time.
         unsigned long const refill = m_refillCount != 0 ? m_refillCount : 1;
@@ -84,7 +69,7 @@ void CFixBlockAllocator::Free(void* p) {
     if (p == nullptr)
         return;
     Block* block = static_cast<Block*>(p) - 1;
-    CSpinGuard guard(m_lock);
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
 
     if (block->prev != nullptr)
         block->prev->next = block->next;
@@ -117,7 +102,7 @@ void CFixBlockAllocator::Free(void* p) {
 }
 
 void CFixBlockAllocator::Clear() {
-    CSpinGuard guard(m_lock);
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
     for (Block* list : {m_used, m_free}) {
         while (list != nullptr) {
             Block* next = list->next;
@@ -132,12 +117,12 @@ void CFixBlockAllocator::Clear() {
 }
 
 unsigned long CFixBlockAllocator::GetUsedCount() const {
-    CSpinGuard guard(m_lock);
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
     return m_usedCount;
 }
 
 unsigned long CFixBlockAllocator::GetFreeCount() const {
-    CSpinGuard guard(m_lock);
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
     return m_freeCount;
 }
 

@@ -1,5 +1,4 @@
-// CStringBuffer and CUnicodeStringBuffer: growable C-heap arrays rounded to a capacity
-// increment in 32-bit arithmetic, with conversion between UTF-8 and UTF-16 arguments.
+// CStringBuffer and CUnicodeStringBuffer, and the character array they hold.
 #include <lumo/base/StringBuffer.h>
 
 #include <lumo/base/Exception.h>
@@ -51,155 +50,6 @@ std::size_t BoundedLength(unsigned short const* s, std::size_t limit) {
     return n;
 }
 
-// The storage rules shared by both buffers, over the fields of one of them.
-template <typename Char> class Array {
-public:
-    Array(Char*& chars, std::uint32_t& capacity, std::uint32_t increment)
-        : m_chars(chars), m_capacity(capacity), m_increment(increment) {}
-
-    static Char* Allocate(std::uint32_t n, unsigned long line) {
-        void* p = std::malloc(std::size_t(n) * sizeof(Char));
-        if (p == nullptr)
-            throw CMemoryException(kUnit, line);
-        return static_cast<Char*>(p);
-    }
-
-    std::size_t Length() const {
-        return m_chars == nullptr ? 0 : BoundedLength(m_chars, m_capacity);
-    }
-
-    // Grows to the rounded n, keeping the whole array (what was written through
-    // GetBuffer beyond the terminator too). An array filled to the end without a
-    // terminator gets one behind the old end.
-    void Ensure(std::uint64_t n) {
-        std::uint32_t const rounded = Rounded(n, m_increment, kGrowLine);
-        if (rounded <= m_capacity)
-            return;
-        Char* fresh = Allocate(rounded, kGrowLine);
-        if (m_chars != nullptr) {
-            std::memcpy(fresh, m_chars, std::size_t(m_capacity) * sizeof(Char));
-            fresh[m_capacity] = 0;
-            std::free(m_chars);
-        } else {
-            fresh[0] = 0;
-        }
-        m_chars = fresh;
-        m_capacity = rounded;
-    }
-
-    // Room for a text of n characters, the present contents not kept. The old array
-    // is handed back for the caller to free once the text is in place, since the
-    // text may come from it.
-    Char* Prepare(std::size_t n, Char*& old) {
-        old = nullptr;
-        std::uint32_t const rounded = Rounded(std::uint64_t(n) + 1, m_increment, kAssignLine);
-        if (rounded <= m_capacity)
-            return m_chars;
-        old = m_chars;
-        return Allocate(rounded, kAssignLine);
-    }
-    void Commit(Char* target, Char* old, std::size_t n) {
-        target[n] = 0;
-        if (target != m_chars) {
-            m_chars = target;
-            m_capacity = Rounded(std::uint64_t(n) + 1, m_increment, kAssignLine);
-        }
-        std::free(old);
-    }
-
-    void Assign(Char const* text, std::size_t n) {
-        if (n == 0) {
-            if (m_chars != nullptr)
-                m_chars[0] = 0;
-            return;
-        }
-        Char* old;
-        Char* target = Prepare(n, old);
-        std::memmove(target, text, n * sizeof(Char));
-        Commit(target, old, n);
-    }
-
-    void Append(Char const* text, std::size_t n) {
-        if (n == 0)
-            return;
-        std::size_t const length = Length();
-        // A text from this very array moves with it.
-        std::uintptr_t const at = reinterpret_cast<std::uintptr_t>(text);
-        std::uintptr_t const start = reinterpret_cast<std::uintptr_t>(m_chars);
-        bool const inside =
-            m_chars != nullptr && at >= start && at - start < m_capacity * sizeof(Char);
-        std::size_t const offset = inside ? (at - start) / sizeof(Char) : 0;
-        Ensure(std::uint64_t(length) + n + 1);
-        if (inside)
-            text = m_chars + offset;
-        std::memmove(m_chars + length, text, n * sizeof(Char));
-        m_chars[length + n] = 0;
-    }
-
-    // A converted text: `convert(target, size)` writes at most size - 1 characters and
-    // a terminator and returns the count; with a null target it returns the count
-    // needed.
-    template <typename Convert> void AssignConverted(Convert convert) {
-        long const needed = convert(nullptr, 0);
-        if (needed <= 0) {
-            Assign(nullptr, 0);
-            return;
-        }
-        Char* old;
-        Char* target = Prepare(std::size_t(needed), old);
-        long written = convert(target, needed + 1);
-        if (written < 0 || written > needed)
-            written = written < 0 ? 0 : needed;
-        Commit(target, old, std::size_t(written));
-    }
-    template <typename Convert> void AppendConverted(Convert convert) {
-        long const needed = convert(nullptr, 0);
-        if (needed <= 0)
-            return;
-        std::size_t const length = Length();
-        Ensure(std::uint64_t(length) + std::uint64_t(needed) + 1);
-        long written = convert(m_chars + length, needed + 1);
-        if (written < 0 || written > needed)
-            written = written < 0 ? 0 : needed;
-        m_chars[length + std::size_t(written)] = 0;
-    }
-
-    void Trim() {
-        std::size_t const length = Length();
-        if (m_chars == nullptr || length >= m_capacity)
-            return;
-        std::uint32_t const rounded = Rounded(std::uint64_t(length) + 1, m_increment, kGrowLine);
-        if (rounded >= m_capacity)
-            return;
-        // A shrink the heap refuses leaves the larger array in use.
-        void* smaller = std::realloc(m_chars, std::size_t(rounded) * sizeof(Char));
-        if (smaller == nullptr)
-            return;
-        m_chars = static_cast<Char*>(smaller);
-        m_capacity = rounded;
-    }
-
-    // Storage for n characters (rounded), all zero.
-    void AllocateZeroed(unsigned long n) {
-        std::uint32_t const rounded = Rounded(n, m_increment, kGrowLine);
-        if (rounded == 0)
-            return;
-        void* p = std::calloc(rounded, sizeof(Char));
-        if (p == nullptr)
-            throw CMemoryException(kUnit, kGrowLine);
-        m_chars = static_cast<Char*>(p);
-        m_capacity = rounded;
-    }
-
-private:
-    Char*& m_chars;
-    std::uint32_t& m_capacity;
-    std::uint32_t m_increment;
-};
-
-using Bytes = Array<char>;
-using Units = Array<unsigned short>;
-
 std::size_t Strlen(char const* s) {
     return s == nullptr ? 0 : std::strlen(s);
 }
@@ -224,56 +74,253 @@ unsigned short const kNoUnits[1] = {0};
 
 } // namespace
 
-// ---------------------------------------------------------------------------------
-// CStringBuffer
+namespace detail {
 
-CStringBuffer::CStringBuffer(unsigned long increment)
-    : m_chars(nullptr), m_capacity(0), m_increment(IncrementOf(increment)) {}
-
-CStringBuffer::CStringBuffer(unsigned long capacity, unsigned long increment)
-    : m_chars(nullptr), m_capacity(0), m_increment(IncrementOf(increment)) {
-    Bytes(m_chars, m_capacity, m_increment).AllocateZeroed(capacity);
+template <typename Char> Char* AllocateChars(std::uint32_t n, unsigned long line) {
+    void* p = std::malloc(std::size_t(n) * sizeof(Char));
+    if (p == nullptr)
+        throw CMemoryException(kUnit, line);
+    return static_cast<Char*>(p);
 }
 
-CStringBuffer::CStringBuffer(CStringBuffer const& other)
-    : m_chars(nullptr), m_capacity(0), m_increment(other.m_increment) {
-    Bytes(m_chars, m_capacity, m_increment).Assign(other.m_chars, other.GetSize());
+template <typename Char>
+CharArray<Char>::CharArray(CharArray const& other) : CharArray(other.m_increment) {
+    Assign(other.m_chars, other.Length());
 }
 
-CStringBuffer::CStringBuffer(CStringBuffer&& other) noexcept
-    : m_chars(other.m_chars), m_capacity(other.m_capacity), m_increment(other.m_increment) {
+template <typename Char>
+CharArray<Char>::CharArray(CharArray&& other) noexcept
+    : m_chars(other.m_chars), m_capacity(other.m_capacity), m_increment(other.m_increment),
+      m_block(other.m_block), m_length(other.m_length), m_exposed(other.m_exposed) {
     other.m_chars = nullptr;
-    other.m_capacity = 0;
+    other.m_capacity = other.m_block = other.m_length = 0;
+    other.m_exposed = false;
 }
 
-CStringBuffer::~CStringBuffer() {
-    std::free(m_chars);
-}
-
-CStringBuffer& CStringBuffer::operator=(CStringBuffer const& other) {
+template <typename Char> CharArray<Char>& CharArray<Char>::operator=(CharArray const& other) {
     if (this != &other)
-        Bytes(m_chars, m_capacity, m_increment).Assign(other.m_chars, other.GetSize());
+        Assign(other.m_chars, other.Length());
     return *this;
 }
 
-CStringBuffer& CStringBuffer::operator=(CStringBuffer&& other) noexcept {
+template <typename Char> CharArray<Char>& CharArray<Char>::operator=(CharArray&& other) noexcept {
     if (this != &other) {
         std::free(m_chars);
         m_chars = other.m_chars;
         m_capacity = other.m_capacity;
+        m_block = other.m_block;
+        m_length = other.m_length;
+        m_exposed = other.m_exposed;
         other.m_chars = nullptr;
-        other.m_capacity = 0;
+        other.m_capacity = other.m_block = other.m_length = 0;
+        other.m_exposed = false;
     }
     return *this;
 }
 
+template <typename Char> CharArray<Char>::~CharArray() {
+    std::free(m_chars);
+}
+
+template <typename Char> std::size_t CharArray<Char>::Length() const {
+    if (m_chars == nullptr)
+        return 0;
+    return m_exposed ? BoundedLength(m_chars, m_capacity) : m_length;
+}
+
+template <typename Char> void CharArray<Char>::Ensure(std::uint64_t n) {
+    Ensure(n, Length());
+}
+
+// `length` is the text's present length. The block is reallocated in place where
+// the heap allows; what lies beyond the terminator is kept too (a caller may have
+// written there), and an array filled to the end gets a terminator behind it.
+template <typename Char> void CharArray<Char>::Ensure(std::uint64_t n, std::size_t length) {
+    std::uint32_t const rounded = Rounded(n, m_increment, kGrowLine);
+    if (rounded <= m_capacity)
+        return;
+    if (rounded > m_block) {
+        std::uint64_t block = std::uint64_t(m_block) * 2;
+        if (block < rounded || block > 0xFFFFFFFFu)
+            block = rounded;
+        void* p = std::realloc(m_chars, std::size_t(block) * sizeof(Char));
+        if (p == nullptr && block != rounded) {
+            block = rounded;
+            p = std::realloc(m_chars, std::size_t(block) * sizeof(Char));
+        }
+        if (p == nullptr)
+            throw CMemoryException(kUnit, kGrowLine);
+        if (m_chars == nullptr)
+            length = 0;
+        m_chars = static_cast<Char*>(p);
+        m_block = static_cast<std::uint32_t>(block);
+    }
+    m_chars[m_capacity] = 0; // behind the old end, or the first character of a new array
+    m_capacity = rounded;
+    // To the caller the array is new: no pointer handed out before is valid.
+    m_length = static_cast<std::uint32_t>(length);
+    m_exposed = false;
+}
+
+template <typename Char> Char* CharArray<Char>::Writable(std::uint64_t n) {
+    Ensure(n);
+    m_exposed = true;
+    return m_chars;
+}
+
+// Room for a text of n characters, the present contents not kept. A new block is
+// handed back in `old` for the caller to free once the text is in place, since the
+// text may come from it.
+template <typename Char>
+Char* CharArray<Char>::Prepare(std::size_t n, Char*& old, std::uint32_t& rounded) {
+    old = nullptr;
+    rounded = Rounded(std::uint64_t(n) + 1, m_increment, kAssignLine);
+    if (rounded <= m_block)
+        return m_chars;
+    old = m_chars;
+    return AllocateChars<Char>(rounded, kAssignLine);
+}
+
+template <typename Char>
+void CharArray<Char>::Commit(Char* target, Char* old, std::size_t n, std::uint32_t rounded) {
+    target[n] = 0;
+    if (target != m_chars) {
+        m_chars = target;
+        m_block = rounded;
+    }
+    if (rounded > m_capacity) {
+        m_capacity = rounded;
+        m_exposed = false; // a new array, as far as callers know
+    }
+    m_length = static_cast<std::uint32_t>(n);
+    std::free(old);
+}
+
+template <typename Char> void CharArray<Char>::Assign(Char const* text, std::size_t n) {
+    if (n == 0) {
+        Empty();
+        return;
+    }
+    Char* old;
+    std::uint32_t rounded;
+    Char* target = Prepare(n, old, rounded);
+    std::memmove(target, text, n * sizeof(Char));
+    Commit(target, old, n, rounded);
+}
+
+template <typename Char> void CharArray<Char>::Append(Char const* text, std::size_t n) {
+    if (n == 0)
+        return;
+    std::size_t const length = Length();
+    // A text from this very array moves with it.
+    std::uintptr_t const at = reinterpret_cast<std::uintptr_t>(text);
+    std::uintptr_t const start = reinterpret_cast<std::uintptr_t>(m_chars);
+    bool const inside = m_chars != nullptr && at >= start && at - start < m_block * sizeof(Char);
+    std::size_t const offset = inside ? (at - start) / sizeof(Char) : 0;
+    Ensure(std::uint64_t(length) + n + 1, length);
+    if (inside)
+        text = m_chars + offset;
+    std::memmove(m_chars + length, text, n * sizeof(Char));
+    m_chars[length + n] = 0;
+    m_length = static_cast<std::uint32_t>(length + n);
+}
+
+template <typename Char>
+template <typename Convert>
+void CharArray<Char>::AssignConverted(Convert convert) {
+    long const needed = convert(nullptr, 0);
+    if (needed <= 0) {
+        Empty();
+        return;
+    }
+    Char* old;
+    std::uint32_t rounded;
+    Char* target = Prepare(std::size_t(needed), old, rounded);
+    long written = convert(target, needed + 1);
+    if (written < 0 || written > needed)
+        written = written < 0 ? 0 : needed;
+    Commit(target, old, std::size_t(written), rounded);
+}
+
+template <typename Char>
+template <typename Convert>
+void CharArray<Char>::AppendConverted(Convert convert) {
+    long const needed = convert(nullptr, 0);
+    if (needed <= 0)
+        return;
+    std::size_t const length = Length();
+    Ensure(std::uint64_t(length) + std::uint64_t(needed) + 1, length);
+    long written = convert(m_chars + length, needed + 1);
+    if (written < 0 || written > needed)
+        written = written < 0 ? 0 : needed;
+    m_chars[length + std::size_t(written)] = 0;
+    m_length = static_cast<std::uint32_t>(length + std::size_t(written));
+}
+
+template <typename Char> void CharArray<Char>::Empty() {
+    if (m_chars != nullptr) {
+        m_chars[0] = 0;
+        m_length = 0;
+    }
+}
+
+template <typename Char> void CharArray<Char>::Trim() {
+    std::size_t const length = Length();
+    if (m_chars == nullptr || length >= m_capacity)
+        return;
+    std::uint32_t const rounded = Rounded(std::uint64_t(length) + 1, m_increment, kGrowLine);
+    if (rounded >= m_capacity)
+        return;
+    // A shrink the heap refuses leaves the larger array in use.
+    void* smaller = std::realloc(m_chars, std::size_t(rounded) * sizeof(Char));
+    if (smaller == nullptr)
+        return;
+    m_chars = static_cast<Char*>(smaller);
+    m_capacity = m_block = rounded;
+}
+
+template <typename Char> void CharArray<Char>::AllocateZeroed(unsigned long n) {
+    std::uint32_t const rounded = Rounded(n, m_increment, kGrowLine);
+    if (rounded == 0)
+        return;
+    void* p = std::calloc(rounded, sizeof(Char));
+    if (p == nullptr)
+        throw CMemoryException(kUnit, kGrowLine);
+    std::free(m_chars);
+    m_chars = static_cast<Char*>(p);
+    m_capacity = m_block = rounded;
+    m_length = 0;
+    m_exposed = false;
+}
+
+template class CharArray<char>;
+template class CharArray<unsigned short>;
+
+} // namespace detail
+
+// ---------------------------------------------------------------------------------
+// CStringBuffer
+
+CStringBuffer::CStringBuffer(unsigned long increment) : m_array(IncrementOf(increment)) {}
+
+CStringBuffer::CStringBuffer(unsigned long capacity, unsigned long increment)
+    : m_array(IncrementOf(increment)) {
+    m_array.AllocateZeroed(capacity);
+}
+
+CStringBuffer::CStringBuffer(CStringBuffer const& other) = default;
+CStringBuffer::CStringBuffer(CStringBuffer&& other) noexcept = default;
+CStringBuffer::~CStringBuffer() = default;
+CStringBuffer& CStringBuffer::operator=(CStringBuffer const& other) = default;
+CStringBuffer& CStringBuffer::operator=(CStringBuffer&& other) noexcept = default;
+
 CStringBuffer& CStringBuffer::operator=(char const* text) {
-    Bytes(m_chars, m_capacity, m_increment).Assign(text, Strlen(text));
+    m_array.Assign(text, Strlen(text));
     return *this;
 }
 
 CStringBuffer& CStringBuffer::operator=(unsigned short const* text) {
-    Bytes(m_chars, m_capacity, m_increment).AssignConverted(ToBytes(text, -1));
+    m_array.AssignConverted(ToBytes(text, -1));
     return *this;
 }
 
@@ -282,23 +329,22 @@ CStringBuffer& CStringBuffer::operator=(CString const& text) {
 }
 
 CStringBuffer& CStringBuffer::operator=(CUnicodeString const& text) {
-    Bytes(m_chars, m_capacity, m_increment)
-        .AssignConverted(ToBytes(text, static_cast<long>(text.GetLength())));
+    m_array.AssignConverted(ToBytes(text, static_cast<long>(text.GetLength())));
     return *this;
 }
 
 CStringBuffer& CStringBuffer::operator+=(CStringBuffer const& other) {
-    Bytes(m_chars, m_capacity, m_increment).Append(other.m_chars, other.GetSize());
+    m_array.Append(other.m_array.Data(), other.m_array.Length());
     return *this;
 }
 
 CStringBuffer& CStringBuffer::operator+=(char const* text) {
-    Bytes(m_chars, m_capacity, m_increment).Append(text, Strlen(text));
+    m_array.Append(text, Strlen(text));
     return *this;
 }
 
 CStringBuffer& CStringBuffer::operator+=(unsigned short const* text) {
-    Bytes(m_chars, m_capacity, m_increment).AppendConverted(ToBytes(text, -1));
+    m_array.AppendConverted(ToBytes(text, -1));
     return *this;
 }
 
@@ -307,8 +353,7 @@ CStringBuffer& CStringBuffer::operator+=(CString const& text) {
 }
 
 CStringBuffer& CStringBuffer::operator+=(CUnicodeString const& text) {
-    Bytes(m_chars, m_capacity, m_increment)
-        .AppendConverted(ToBytes(text, static_cast<long>(text.GetLength())));
+    m_array.AppendConverted(ToBytes(text, static_cast<long>(text.GetLength())));
     return *this;
 }
 
@@ -317,89 +362,62 @@ CStringBuffer::operator char*() {
 }
 
 CStringBuffer::operator char const*() const {
-    return m_chars == nullptr ? kNoText : m_chars;
+    return m_array.Data() == nullptr ? kNoText : m_array.Data();
 }
 
 char* CStringBuffer::GetBuffer(unsigned long n) {
-    Bytes(m_chars, m_capacity, m_increment).Ensure(n == 0 ? 1 : n);
-    return m_chars;
+    return m_array.Writable(n == 0 ? 1 : n);
 }
 
 unsigned long CStringBuffer::GetSize() const {
-    return m_chars == nullptr ? 0 : static_cast<unsigned long>(BoundedLength(m_chars, m_capacity));
+    return static_cast<unsigned long>(m_array.Length());
 }
 
 bool CStringBuffer::IsEmpty() const {
-    return m_chars == nullptr || m_chars[0] == '\0';
+    return m_array.Data() == nullptr || m_array.Data()[0] == 0;
 }
 
 void CStringBuffer::Empty() {
-    if (m_chars != nullptr)
-        m_chars[0] = '\0';
+    m_array.Empty();
 }
 
 void CStringBuffer::EnsureCapacity(unsigned long n) {
-    Bytes(m_chars, m_capacity, m_increment).Ensure(n);
+    m_array.Ensure(n);
 }
 
 void CStringBuffer::TrimToSize() {
-    Bytes(m_chars, m_capacity, m_increment).Trim();
+    m_array.Trim();
 }
 
 void CStringBuffer::SetCapacityIncrement(unsigned long increment) {
-    m_increment = IncrementOf(increment);
+    m_array.SetIncrement(IncrementOf(increment));
 }
 
 // ---------------------------------------------------------------------------------
 // CUnicodeStringBuffer
 
 CUnicodeStringBuffer::CUnicodeStringBuffer(unsigned long increment)
-    : m_chars(nullptr), m_capacity(0), m_increment(IncrementOf(increment)) {}
+    : m_array(IncrementOf(increment)) {}
 
 CUnicodeStringBuffer::CUnicodeStringBuffer(unsigned long capacity, unsigned long increment)
-    : m_chars(nullptr), m_capacity(0), m_increment(IncrementOf(increment)) {
-    Units(m_chars, m_capacity, m_increment).AllocateZeroed(capacity);
+    : m_array(IncrementOf(increment)) {
+    m_array.AllocateZeroed(capacity);
 }
 
-CUnicodeStringBuffer::CUnicodeStringBuffer(CUnicodeStringBuffer const& other)
-    : m_chars(nullptr), m_capacity(0), m_increment(other.m_increment) {
-    Units(m_chars, m_capacity, m_increment).Assign(other.m_chars, other.GetSize());
-}
-
-CUnicodeStringBuffer::CUnicodeStringBuffer(CUnicodeStringBuffer&& other) noexcept
-    : m_chars(other.m_chars), m_capacity(other.m_capacity), m_increment(other.m_increment) {
-    other.m_chars = nullptr;
-    other.m_capacity = 0;
-}
-
-CUnicodeStringBuffer::~CUnicodeStringBuffer() {
-    std::free(m_chars);
-}
-
-CUnicodeStringBuffer& CUnicodeStringBuffer::operator=(CUnicodeStringBuffer const& other) {
-    if (this != &other)
-        Units(m_chars, m_capacity, m_increment).Assign(other.m_chars, other.GetSize());
-    return *this;
-}
-
-CUnicodeStringBuffer& CUnicodeStringBuffer::operator=(CUnicodeStringBuffer&& other) noexcept {
-    if (this != &other) {
-        std::free(m_chars);
-        m_chars = other.m_chars;
-        m_capacity = other.m_capacity;
-        other.m_chars = nullptr;
-        other.m_capacity = 0;
-    }
-    return *this;
-}
+CUnicodeStringBuffer::CUnicodeStringBuffer(CUnicodeStringBuffer const& other) = default;
+CUnicodeStringBuffer::CUnicodeStringBuffer(CUnicodeStringBuffer&& other) noexcept = default;
+CUnicodeStringBuffer::~CUnicodeStringBuffer() = default;
+CUnicodeStringBuffer& CUnicodeStringBuffer::operator=(CUnicodeStringBuffer const& other) = default;
+CUnicodeStringBuffer&
+CUnicodeStringBuffer::operator=(CUnicodeStringBuffer&& other) noexcept = default;
 
 CUnicodeStringBuffer& CUnicodeStringBuffer::operator=(unsigned short const* text) {
-    Units(m_chars, m_capacity, m_increment).Assign(text, Ucslen(text));
+    m_array.Assign(text, Ucslen(text));
     return *this;
 }
 
 CUnicodeStringBuffer& CUnicodeStringBuffer::operator=(char const* text) {
-    Units(m_chars, m_capacity, m_increment).AssignConverted(ToUnits(text, -1));
+    m_array.AssignConverted(ToUnits(text, -1));
     return *this;
 }
 
@@ -412,17 +430,17 @@ CUnicodeStringBuffer& CUnicodeStringBuffer::operator=(CUnicodeString const& text
 }
 
 CUnicodeStringBuffer& CUnicodeStringBuffer::operator+=(CUnicodeStringBuffer const& other) {
-    Units(m_chars, m_capacity, m_increment).Append(other.m_chars, other.GetSize());
+    m_array.Append(other.m_array.Data(), other.m_array.Length());
     return *this;
 }
 
 CUnicodeStringBuffer& CUnicodeStringBuffer::operator+=(unsigned short const* text) {
-    Units(m_chars, m_capacity, m_increment).Append(text, Ucslen(text));
+    m_array.Append(text, Ucslen(text));
     return *this;
 }
 
 CUnicodeStringBuffer& CUnicodeStringBuffer::operator+=(char const* text) {
-    Units(m_chars, m_capacity, m_increment).AppendConverted(ToUnits(text, -1));
+    m_array.AppendConverted(ToUnits(text, -1));
     return *this;
 }
 
@@ -439,37 +457,35 @@ CUnicodeStringBuffer::operator unsigned short*() {
 }
 
 CUnicodeStringBuffer::operator unsigned short const*() const {
-    return m_chars == nullptr ? kNoUnits : m_chars;
+    return m_array.Data() == nullptr ? kNoUnits : m_array.Data();
 }
 
 unsigned short* CUnicodeStringBuffer::GetBuffer(unsigned long n) {
-    Units(m_chars, m_capacity, m_increment).Ensure(n == 0 ? 1 : n);
-    return m_chars;
+    return m_array.Writable(n == 0 ? 1 : n);
 }
 
 unsigned long CUnicodeStringBuffer::GetSize() const {
-    return m_chars == nullptr ? 0 : static_cast<unsigned long>(BoundedLength(m_chars, m_capacity));
+    return static_cast<unsigned long>(m_array.Length());
 }
 
 bool CUnicodeStringBuffer::IsEmpty() const {
-    return m_chars == nullptr || m_chars[0] == 0;
+    return m_array.Data() == nullptr || m_array.Data()[0] == 0;
 }
 
 void CUnicodeStringBuffer::Empty() {
-    if (m_chars != nullptr)
-        m_chars[0] = 0;
+    m_array.Empty();
 }
 
 void CUnicodeStringBuffer::EnsureCapacity(unsigned long n) {
-    Units(m_chars, m_capacity, m_increment).Ensure(n);
+    m_array.Ensure(n);
 }
 
 void CUnicodeStringBuffer::TrimToSize() {
-    Units(m_chars, m_capacity, m_increment).Trim();
+    m_array.Trim();
 }
 
 void CUnicodeStringBuffer::SetCapacityIncrement(unsigned long increment) {
-    m_increment = IncrementOf(increment);
+    m_array.SetIncrement(IncrementOf(increment));
 }
 
 } // namespace base

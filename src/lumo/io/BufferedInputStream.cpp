@@ -1,5 +1,4 @@
-// CBufferedInputStream: refills its buffer from the wrapped stream at most once per read
-// and sends requests larger than the buffer straight through.
+// CBufferedInputStream: block reads of a wrapped input stream through a buffer.
 #include <lumo/io/BufferedInputStream.h>
 
 #include <lumo/io/IOException.h>
@@ -79,6 +78,15 @@ long CBufferedInputStream::Read(char* buf, unsigned long off, unsigned long len)
     // Large requests bypass the buffer, ahead of anything still waiting in it.
     if (len > m_capacity)
         return m_in->Read(buf, off, len);
+    // A buffer's worth with nothing waiting: the one wrapped read that FillBuffer
+    // would make, of the same length, lands straight in the caller's array and saves
+    // the copy out of the buffer. The buffer is left empty, as it would be.
+    if (len == m_capacity && m_position >= m_count) {
+        m_count = 0;
+        m_position = 0;
+        long const n = m_in->Read(buf, off, len);
+        return n > 0 ? n : 0;
+    }
     unsigned long const waiting =
         detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_count);
     if (waiting == len)

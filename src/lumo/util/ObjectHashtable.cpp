@@ -1,5 +1,5 @@
-// CObjectHashtable: buckets of entry chains that keep each key's hash, cloning copies,
-// owning deletion, growth by threshold, and the cursor behind its enumerations.
+// CObjectHashtable: owned or borrowed object keys and values over the chained-hash
+// engine, with its enumerations.
 #include <lumo/util/ObjectHashtable.h>
 
 #include <lumo/base/Exception.h>
@@ -30,30 +30,7 @@ char const kUnit[] = "lumo/util/ObjectHashtable";
 
 typedef CObjectHashtable::Entry Entry;
 
-inline std::uint32_t BucketOf(std::int32_t hash, std::uint32_t capacity) {
-    return (static_cast<std::uint32_t>(hash) & 0x7FFFFFFFu) % capacity;
-}
-
-// (long)(capacity * loadFactor), truncating, in float arithmetic. Results beyond
-// the 32-bit range saturate, and a NaN load factor gives a table that never grows
-// (the plain conversion would be undefined).
-std::int32_t ThresholdOf(std::uint32_t capacity, float loadFactor) {
-    float const product = static_cast<float>(capacity) * loadFactor;
-    if (std::isnan(product) || product >= 2147483648.0f)
-        return 0x7FFFFFFF;
-    if (product <= -2147483648.0f)
-        return -0x7FFFFFFF - 1;
-    return static_cast<std::int32_t>(product);
-}
-
-Entry** AllocateBuckets(std::uint64_t capacity, int line) {
-    void* buckets = nullptr;
-    if (capacity <= 0xFFFFFFFFu && capacity <= static_cast<std::size_t>(-1) / sizeof(Entry*))
-        buckets = std::calloc(static_cast<std::size_t>(capacity), sizeof(Entry*));
-    if (buckets == nullptr)
-        throw CMemoryException(kUnit, static_cast<unsigned long>(line));
-    return static_cast<Entry**>(buckets);
-}
+typedef base::detail::ChainedHash<Entry> Chain;
 
 Entry* NewEntry(int line) {
     return static_cast<Entry*>(base::CBase::operator new(sizeof(Entry), kUnit, line));
@@ -83,16 +60,14 @@ CObject* CloneValue(CObject const* value) {
     return clone;
 }
 
-// Fills the empty `buckets` (of the source's capacity) with clones of the source
+// Fills the empty `chain` (of the source's capacity) with clones of the source
 // entries: each source chain, in order, pushed onto the head of the same bucket.
 // The value of each copy is cloned from the source key when `valuesFromKeys`.
 // On failure everything made so far, clones included, is released.
-std::uint32_t CopyEntries(Entry** buckets, Entry* const* source, std::uint32_t capacity,
-                          bool valuesFromKeys) {
-    std::uint32_t made = 0;
+void CopyEntries(Chain& chain, Chain const& source, bool valuesFromKeys) {
     try {
-        for (std::uint32_t i = 0; i < capacity; ++i) {
-            for (Entry const* e = source[i]; e != nullptr; e = e->next) {
+        for (std::uint32_t i = 0; i < source.Capacity(); ++i) {
+            for (Entry const* e = source.Head(i); e != nullptr; e = e->next) {
                 CObject* key = CloneKey(e->key);
                 CObject* value = nullptr;
                 Entry* entry = nullptr;
@@ -107,75 +82,66 @@ std::uint32_t CopyEntries(Entry** buckets, Entry* const* source, std::uint32_t c
                 entry->hash = e->hash;
                 entry->key = key;
                 entry->value = value;
-                entry->next = buckets[i];
-                buckets[i] = entry;
-                ++made;
+                chain.Link(i, entry);
             }
         }
     } catch (...) {
-        for (std::uint32_t i = 0; i < capacity; ++i) {
-            while (buckets[i] != nullptr) {
-                Entry* entry = buckets[i];
-                buckets[i] = entry->next;
-                delete entry->key;
-                delete entry->value;
-                std::free(entry);
-            }
-        }
+        chain.Clear([](Entry* entry) {
+            delete entry->key;
+            delete entry->value;
+            std::free(entry);
+        });
         throw;
     }
-    return made;
 }
 
 } // namespace
 
 CObjectHashtable::CObjectHashtable(long initialCapacity, float loadFactor, bool owns)
-    : m_owns(owns), m_buckets(nullptr), m_capacity(0), m_count(0), m_threshold(0),
-      m_loadFactor(loadFactor) {
+    : m_owns(owns) {
     std::uint64_t capacity = 101;
     if (initialCapacity >= 12)
         capacity = static_cast<std::uint64_t>(initialCapacity);
-    if (m_loadFactor <= 0.0f) // a NaN stays as given
-        m_loadFactor = 0.75f;
-    m_buckets = AllocateBuckets(capacity, __LINE__);
-    m_capacity = static_cast<std::uint32_t>(capacity);
-    m_threshold = ThresholdOf(m_capacity, m_loadFactor);
+    if (loadFactor <= 0.0f) // a NaN stays as given
+        loadFactor = 0.75f;
+    std::int32_t const threshold =
+        capacity > 0xFFFFFFFFu
+            ? 0
+            : Chain::ThresholdOf(static_cast<std::uint32_t>(capacity), loadFactor);
+    if (!m_chain.Allocate(capacity, loadFactor, threshold))
+        throw CMemoryException(kUnit, __LINE__);
 }
 
 CObjectHashtable::CObjectHashtable(bool owns, float loadFactor, std::int32_t threshold,
                                    std::uint32_t capacity)
-    : m_owns(owns), m_buckets(AllocateBuckets(capacity, __LINE__)), m_capacity(capacity),
-      m_count(0), m_threshold(threshold), m_loadFactor(loadFactor) {}
+    : m_owns(owns) {
+    if (!m_chain.Allocate(capacity, loadFactor, threshold))
+        throw CMemoryException(kUnit, __LINE__);
+}
 
 CObjectHashtable::CObjectHashtable(CObjectHashtable const& other)
-    : CObjectHashtable(other.m_owns, other.m_loadFactor, other.m_threshold, other.m_capacity) {
-    m_count = CopyEntries(m_buckets, other.m_buckets, m_capacity, true);
+    : CObjectHashtable(other.m_owns, other.m_chain.LoadFactor(), other.m_chain.Threshold(),
+                       other.m_chain.Capacity()) {
+    CopyEntries(m_chain, other.m_chain, true);
 }
 
 CObjectHashtable& CObjectHashtable::operator=(CObjectHashtable const& other) {
     if (this == &other)
         return *this;
-    CObjectHashtable copy(other.m_owns, other.m_loadFactor, other.m_threshold, other.m_capacity);
-    copy.m_count = CopyEntries(copy.m_buckets, other.m_buckets, copy.m_capacity, false);
+    CObjectHashtable copy(other.m_owns, other.m_chain.LoadFactor(), other.m_chain.Threshold(),
+                          other.m_chain.Capacity());
+    CopyEntries(copy.m_chain, other.m_chain, false);
     std::swap(m_owns, copy.m_owns);
-    std::swap(m_buckets, copy.m_buckets);
-    std::swap(m_capacity, copy.m_capacity);
-    std::swap(m_count, copy.m_count);
-    std::swap(m_threshold, copy.m_threshold);
-    std::swap(m_loadFactor, copy.m_loadFactor);
+    m_chain.Swap(copy.m_chain);
     return *this; // `copy` now releases the old contents under the old owns flag
 }
 
 CObjectHashtable::~CObjectHashtable() {
     FreeEntries();
-    std::free(m_buckets);
 }
 
 CObjectHashtable::Entry* CObjectHashtable::Find(std::int32_t hash, CObject const* key) const {
-    for (Entry* e = m_buckets[BucketOf(hash, m_capacity)]; e != nullptr; e = e->next)
-        if (e->hash == hash && e->key->Equals(key))
-            return e;
-    return nullptr;
+    return m_chain.Find(hash, [key](Entry const* e) { return e->key->Equals(key); });
 }
 
 void CObjectHashtable::Put(CObject* key, CObject* value) {
@@ -191,40 +157,18 @@ void CObjectHashtable::Put(CObject* key, CObject* value) {
                 delete old;
             return;
         }
-        if (static_cast<std::int64_t>(m_count) >= m_threshold) {
-            Rehash();
+        if (m_chain.IsFull()) {
+            if (!m_chain.Grow())
+                throw CMemoryException(kUnit, __LINE__);
             continue;
         }
         Entry* entry = NewEntry(__LINE__);
-        std::uint32_t const index = BucketOf(hash, m_capacity);
         entry->hash = hash;
         entry->key = key;
         entry->value = value;
-        entry->next = m_buckets[index];
-        m_buckets[index] = entry;
-        ++m_count;
+        m_chain.Link(entry);
         return;
     }
-}
-
-void CObjectHashtable::Rehash() {
-    std::uint64_t const capacity = static_cast<std::uint64_t>(m_capacity) * 2 + 1;
-    Entry** buckets = AllocateBuckets(capacity, __LINE__);
-    std::uint32_t const newCapacity = static_cast<std::uint32_t>(capacity);
-    for (std::uint32_t i = 0; i < m_capacity; ++i) {
-        Entry* e = m_buckets[i];
-        while (e != nullptr) {
-            Entry* next = e->next;
-            std::uint32_t const index = BucketOf(e->hash, newCapacity);
-            e->next = buckets[index];
-            buckets[index] = e;
-            e = next;
-        }
-    }
-    std::free(m_buckets);
-    m_buckets = buckets;
-    m_capacity = newCapacity;
-    m_threshold = ThresholdOf(newCapacity, m_loadFactor);
 }
 
 CObject* CObjectHashtable::Get(CObject const* key) const {
@@ -242,8 +186,8 @@ bool CObjectHashtable::ContainsKey(CObject const* key) const {
 
 bool CObjectHashtable::Contains(CObject const* value) const {
     CheckValue(value, __LINE__);
-    for (std::uint32_t i = 0; i < m_capacity; ++i)
-        for (Entry const* e = m_buckets[i]; e != nullptr; e = e->next)
+    for (std::uint32_t i = 0; i < m_chain.Capacity(); ++i)
+        for (Entry const* e = m_chain.Head(i); e != nullptr; e = e->next)
             if (e->value->Equals(value))
                 return true;
     return false;
@@ -251,21 +195,16 @@ bool CObjectHashtable::Contains(CObject const* value) const {
 
 void CObjectHashtable::Remove(CObject const* key) {
     CheckKey(key, __LINE__);
-    std::int32_t const hash = key->GetHashCode();
-    Entry** link = &m_buckets[BucketOf(hash, m_capacity)];
-    for (Entry* e = *link; e != nullptr; link = &e->next, e = e->next) {
-        if (e->hash == hash && e->key->Equals(key)) {
-            *link = e->next;
-            --m_count;
-            // Keys are unique, so the rest of the chain cannot match; the walk ends
-            // here because `key` may be the stored key about to be deleted.
-            if (m_owns) {
-                delete e->key;
-                delete e->value;
-            }
-            std::free(e);
-            break;
+    // Keys are unique, so the rest of the chain cannot match; the walk ends at the
+    // match because `key` may be the stored key about to be deleted.
+    Entry* e = m_chain.Unlink(key->GetHashCode(),
+                              [key](Entry const* stored) { return stored->key->Equals(key); });
+    if (e != nullptr) {
+        if (m_owns) {
+            delete e->key;
+            delete e->value;
         }
+        std::free(e);
     }
     throw CNoSuchElementException(kUnit, __LINE__);
 }
@@ -275,20 +214,14 @@ void CObjectHashtable::Clear() {
 }
 
 void CObjectHashtable::FreeEntries() noexcept {
-    for (std::uint32_t i = 0; i < m_capacity; ++i) {
-        Entry* e = m_buckets[i];
-        m_buckets[i] = nullptr;
-        while (e != nullptr) {
-            Entry* next = e->next;
-            if (m_owns) {
-                delete e->key;
-                delete e->value;
-            }
-            std::free(e);
-            e = next;
+    bool const owns = m_owns;
+    m_chain.Clear([owns](Entry* e) {
+        if (owns) {
+            delete e->key;
+            delete e->value;
         }
-    }
-    m_count = 0;
+        std::free(e);
+    });
 }
 
 CEnumeration<CObject> CObjectHashtable::GetKeys() const {
@@ -302,45 +235,28 @@ CEnumeration<CObject> CObjectHashtable::GetElements() const {
 namespace detail {
 
 ObjectHashtableCursor::ObjectHashtableCursor(CObjectHashtable const* table)
-    : m_table(table), m_returned(0), m_bucket(-1), m_current(nullptr) {}
+    : m_cursor(&table->m_chain) {}
 
 bool ObjectHashtableCursor::HasMore() const {
-    return m_returned < m_table->m_count;
-}
-
-void ObjectHashtableCursor::Advance() {
-    if (m_current != nullptr && m_current->next != nullptr) {
-        m_current = m_current->next;
-        ++m_returned;
-    } else if (m_returned < m_table->m_count) {
-        // The bound check only matters for a table changed while enumerating.
-        do {
-            ++m_bucket;
-        } while (m_bucket < m_table->m_capacity && m_table->m_buckets[m_bucket] == nullptr);
-        m_current = m_bucket < m_table->m_capacity ? m_table->m_buckets[m_bucket] : nullptr;
-        if (m_current != nullptr)
-            ++m_returned;
-    } else {
-        m_current = nullptr;
-    }
-    if (m_current == nullptr)
-        throw CNoSuchElementException(kUnit, __LINE__);
+    return m_cursor.HasMore();
 }
 
 CObject* ObjectHashtableCursor::NextKey() {
-    Advance();
-    return m_current->key;
+    Entry const* e = m_cursor.Advance();
+    if (e == nullptr)
+        throw CNoSuchElementException(kUnit, __LINE__);
+    return e->key;
 }
 
 CObject* ObjectHashtableCursor::NextValue() {
-    Advance();
-    return m_current->value;
+    Entry const* e = m_cursor.Advance();
+    if (e == nullptr)
+        throw CNoSuchElementException(kUnit, __LINE__);
+    return e->value;
 }
 
 void ObjectHashtableCursor::Reset() {
-    m_returned = 0;
-    m_bucket = -1;
-    m_current = nullptr;
+    m_cursor.Reset();
 }
 
 } // namespace detail

@@ -1,10 +1,5 @@
-// CStringMap over the shared StringMapImpl, instantiated for CString keys and values
-// with the case mode chosen at construction.
+// CStringMap: the ordered map of 8-bit strings, over the shared string-map store.
 #include <lumo/util/StringMap.h>
-
-#include "StringMapImpl.h"
-
-#include <utility>
 
 namespace lumo {
 namespace util {
@@ -13,95 +8,69 @@ using base::CString;
 
 namespace {
 char const kUnit[] = "lumo/util/StringMap";
-typedef detail::StringMapImpl<CString, char> Impl;
 } // namespace
 
-#define LUMO_STRINGMAP_IMPL(map)                                                                   \
-    Impl((map).m_keys, (map).m_values, (map).m_size, (map).m_capacity, (map).m_increment, kUnit)
-
 CStringMap::CStringMap(bool caseSensitive, unsigned long initialCapacity, unsigned long increment)
-    : m_caseSensitive(caseSensitive), m_keys(nullptr), m_values(nullptr), m_size(0), m_capacity(0),
-      m_increment(Impl::IncrementOf(increment)) {
-    if (initialCapacity > 0)
-        LUMO_STRINGMAP_IMPL(*this).Reserve(initialCapacity);
-}
+    : m_store(kUnit, caseSensitive, initialCapacity, increment) {}
 
-CStringMap::CStringMap(CStringMap const& other)
-    : m_caseSensitive(other.m_caseSensitive), m_keys(nullptr), m_values(nullptr), m_size(0),
-      m_capacity(0), m_increment(other.m_increment) {
-    LUMO_STRINGMAP_IMPL(*this).CopyFrom(other.m_keys, other.m_values, other.m_size);
-}
-
-CStringMap& CStringMap::operator=(CStringMap const& other) {
-    if (this != &other) {
-        CStringMap copy(other);
-        std::swap(m_caseSensitive, copy.m_caseSensitive);
-        LUMO_STRINGMAP_IMPL(*this).Swap(LUMO_STRINGMAP_IMPL(copy));
-    }
-    return *this;
-}
-
-CStringMap::~CStringMap() {
-    LUMO_STRINGMAP_IMPL(*this).Release();
-}
+CStringMap::CStringMap(CStringMap const& other) = default;
+CStringMap& CStringMap::operator=(CStringMap const& other) = default;
+CStringMap::~CStringMap() = default;
 
 void CStringMap::Put(char const* key, char const* value) {
-    LUMO_STRINGMAP_IMPL(*this).Put(key, value, m_caseSensitive);
+    m_store.Put(key, value);
 }
 
 CString& CStringMap::Get(char const* key) {
-    return LUMO_STRINGMAP_IMPL(*this).Get(key, m_caseSensitive);
+    return m_store.Get(key);
 }
 
 CString const& CStringMap::Get(char const* key) const {
-    return const_cast<CStringMap*>(this)->Get(key);
+    return m_store.Get(key);
 }
 
 long CStringMap::GetIndexOfKey(char const* key) const {
-    return LUMO_STRINGMAP_IMPL(*const_cast<CStringMap*>(this)).IndexOfKey(key, m_caseSensitive);
+    return m_store.IndexOfKey(key);
 }
 
 long CStringMap::GetIndexOf(char const* value) const {
-    return LUMO_STRINGMAP_IMPL(*const_cast<CStringMap*>(this)).IndexOfValue(value);
+    return m_store.IndexOfValue(value);
 }
 
 CString& CStringMap::GetKeyAt(unsigned long index) {
-    return LUMO_STRINGMAP_IMPL(*this).KeyAt(index, __LINE__);
+    return m_store.WritableKeyAt(index, __LINE__);
 }
 
 CString const& CStringMap::GetKeyAt(unsigned long index) const {
-    return const_cast<CStringMap*>(this)->GetKeyAt(index);
+    return m_store.KeyAt(index, __LINE__);
 }
 
 CString& CStringMap::GetAt(unsigned long index) {
-    return LUMO_STRINGMAP_IMPL(*this).ValueAt(index, __LINE__);
+    return m_store.ValueAt(index, __LINE__);
 }
 
 CString const& CStringMap::GetAt(unsigned long index) const {
-    return const_cast<CStringMap*>(this)->GetAt(index);
+    return m_store.ValueAt(index, __LINE__);
 }
 
 void CStringMap::Remove(char const* key) {
-    LUMO_STRINGMAP_IMPL(*this).Remove(key, m_caseSensitive);
+    m_store.Remove(key);
 }
 
 void CStringMap::RemoveAll() {
-    LUMO_STRINGMAP_IMPL(*this).RemoveAll();
+    m_store.RemoveAll();
 }
 
 void CStringMap::EnsureCapacity(unsigned long n) {
-    LUMO_STRINGMAP_IMPL(*this).Reserve(n);
+    m_store.Reserve(n);
 }
 
 void CStringMap::TrimToSize() {
-    LUMO_STRINGMAP_IMPL(*this).TrimToSize();
+    m_store.TrimToSize();
 }
 
 bool CStringMap::operator==(CStringMap const& other) const {
-    if (this == &other)
-        return true;
-    return LUMO_STRINGMAP_IMPL(*const_cast<CStringMap*>(this))
-        .Equal(other.m_keys, other.m_values, other.m_size);
+    return this == &other || m_store.Equal(other.m_store);
 }
 
 CStringMap::CKeyIterator CStringMap::GetKeyIterator() const {
@@ -113,11 +82,11 @@ CStringMap::CConstValueIterator CStringMap::GetValueIterator() const {
 }
 
 CString const& CStringMap::CKeyIterator::NextElement() {
-    return Impl::Next(m_map->m_keys, m_map->m_size, m_index, kUnit, __LINE__);
+    return m_map->m_store.NextKey(m_index, __LINE__);
 }
 
 CString const& CStringMap::CConstValueIterator::NextElement() {
-    return Impl::Next(m_map->m_values, m_map->m_size, m_index, kUnit, __LINE__);
+    return m_map->m_store.NextValue(m_index, __LINE__);
 }
 
 } // namespace util

@@ -1,8 +1,5 @@
-// CUnicodeStringMap over the shared StringMapImpl, instantiated for CUnicodeString keys
-// and values, always case-sensitive.
+// CUnicodeStringMap: the ordered map of UTF-16 strings, over the shared string-map store.
 #include <lumo/util/UnicodeStringMap.h>
-
-#include "StringMapImpl.h"
 
 namespace lumo {
 namespace util {
@@ -11,95 +8,69 @@ using base::CUnicodeString;
 
 namespace {
 char const kUnit[] = "lumo/util/UnicodeStringMap";
-typedef detail::StringMapImpl<CUnicodeString, unsigned short> Impl;
-bool const kCaseSensitive = true;
 } // namespace
 
-#define LUMO_UNICODESTRINGMAP_IMPL(map)                                                            \
-    Impl((map).m_keys, (map).m_values, (map).m_size, (map).m_capacity, (map).m_increment, kUnit)
-
 CUnicodeStringMap::CUnicodeStringMap(unsigned long initialCapacity, unsigned long increment)
-    : m_keys(nullptr), m_values(nullptr), m_size(0), m_capacity(0),
-      m_increment(Impl::IncrementOf(increment)) {
-    if (initialCapacity > 0)
-        LUMO_UNICODESTRINGMAP_IMPL(*this).Reserve(initialCapacity);
-}
+    : m_store(kUnit, true, initialCapacity, increment) {}
 
-CUnicodeStringMap::CUnicodeStringMap(CUnicodeStringMap const& other)
-    : m_keys(nullptr), m_values(nullptr), m_size(0), m_capacity(0), m_increment(other.m_increment) {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).CopyFrom(other.m_keys, other.m_values, other.m_size);
-}
-
-CUnicodeStringMap& CUnicodeStringMap::operator=(CUnicodeStringMap const& other) {
-    if (this != &other) {
-        CUnicodeStringMap copy(other);
-        LUMO_UNICODESTRINGMAP_IMPL(*this).Swap(LUMO_UNICODESTRINGMAP_IMPL(copy));
-    }
-    return *this;
-}
-
-CUnicodeStringMap::~CUnicodeStringMap() {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).Release();
-}
+CUnicodeStringMap::CUnicodeStringMap(CUnicodeStringMap const& other) = default;
+CUnicodeStringMap& CUnicodeStringMap::operator=(CUnicodeStringMap const& other) = default;
+CUnicodeStringMap::~CUnicodeStringMap() = default;
 
 void CUnicodeStringMap::Put(unsigned short const* key, unsigned short const* value) {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).Put(key, value, kCaseSensitive);
+    m_store.Put(key, value);
 }
 
 CUnicodeString& CUnicodeStringMap::Get(unsigned short const* key) {
-    return LUMO_UNICODESTRINGMAP_IMPL(*this).Get(key, kCaseSensitive);
+    return m_store.Get(key);
 }
 
 CUnicodeString const& CUnicodeStringMap::Get(unsigned short const* key) const {
-    return const_cast<CUnicodeStringMap*>(this)->Get(key);
+    return m_store.Get(key);
 }
 
 long CUnicodeStringMap::GetIndexOfKey(unsigned short const* key) const {
-    return LUMO_UNICODESTRINGMAP_IMPL(*const_cast<CUnicodeStringMap*>(this))
-        .IndexOfKey(key, kCaseSensitive);
+    return m_store.IndexOfKey(key);
 }
 
 long CUnicodeStringMap::GetIndexOf(unsigned short const* value) const {
-    return LUMO_UNICODESTRINGMAP_IMPL(*const_cast<CUnicodeStringMap*>(this)).IndexOfValue(value);
+    return m_store.IndexOfValue(value);
 }
 
 CUnicodeString& CUnicodeStringMap::GetKeyAt(unsigned long index) {
-    return LUMO_UNICODESTRINGMAP_IMPL(*this).KeyAt(index, __LINE__);
+    return m_store.WritableKeyAt(index, __LINE__);
 }
 
 CUnicodeString const& CUnicodeStringMap::GetKeyAt(unsigned long index) const {
-    return const_cast<CUnicodeStringMap*>(this)->GetKeyAt(index);
+    return m_store.KeyAt(index, __LINE__);
 }
 
 CUnicodeString& CUnicodeStringMap::GetAt(unsigned long index) {
-    return LUMO_UNICODESTRINGMAP_IMPL(*this).ValueAt(index, __LINE__);
+    return m_store.ValueAt(index, __LINE__);
 }
 
 CUnicodeString const& CUnicodeStringMap::GetAt(unsigned long index) const {
-    return const_cast<CUnicodeStringMap*>(this)->GetAt(index);
+    return m_store.ValueAt(index, __LINE__);
 }
 
 void CUnicodeStringMap::Remove(unsigned short const* key) {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).Remove(key, kCaseSensitive);
+    m_store.Remove(key);
 }
 
 void CUnicodeStringMap::RemoveAll() {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).RemoveAll();
+    m_store.RemoveAll();
 }
 
 void CUnicodeStringMap::EnsureCapacity(unsigned long n) {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).Reserve(n);
+    m_store.Reserve(n);
 }
 
 void CUnicodeStringMap::TrimToSize() {
-    LUMO_UNICODESTRINGMAP_IMPL(*this).TrimToSize();
+    m_store.TrimToSize();
 }
 
 bool CUnicodeStringMap::operator==(CUnicodeStringMap const& other) const {
-    if (this == &other)
-        return true;
-    return LUMO_UNICODESTRINGMAP_IMPL(*const_cast<CUnicodeStringMap*>(this))
-        .Equal(other.m_keys, other.m_values, other.m_size);
+    return this == &other || m_store.Equal(other.m_store);
 }
 
 CUnicodeStringMap::CKeyIterator CUnicodeStringMap::GetKeyIterator() const {
@@ -111,11 +82,11 @@ CUnicodeStringMap::CConstValueIterator CUnicodeStringMap::GetValueIterator() con
 }
 
 CUnicodeString const& CUnicodeStringMap::CKeyIterator::NextElement() {
-    return Impl::Next(m_map->m_keys, m_map->m_size, m_index, kUnit, __LINE__);
+    return m_map->m_store.NextKey(m_index, __LINE__);
 }
 
 CUnicodeString const& CUnicodeStringMap::CConstValueIterator::NextElement() {
-    return Impl::Next(m_map->m_values, m_map->m_size, m_index, kUnit, __LINE__);
+    return m_map->m_store.NextValue(m_index, __LINE__);
 }
 
 } // namespace util

@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 #include <string>
+#include <vector>
 
 using lumo::base::CMemoryException;
 using lumo::base::CString;
@@ -154,5 +156,70 @@ TEST(CUnicodeStringBuffer, TextOperations) {
         FAIL() << "no exception";
     } catch (CMemoryException const& e) {
         EXPECT_EQ(296u, e.GetSourceLine());
+    }
+}
+
+// Random appends, assignments and writes through the array against a model that
+// reallocates exactly at every capacity step, as the capacity rule reads: sizes,
+// capacities and the text must agree, whatever the caller wrote through a pointer
+// that is still valid.
+TEST(CStringBuffer, AgreesWithAnExactArrayUnderWritesThroughThePointer) {
+    std::mt19937 random(5);
+    for (unsigned long increment : {8ul, 64ul, 1000ul}) {
+        CStringBuffer buffer(increment);
+        std::vector<char> model; // the array, its size the capacity
+        char* held = nullptr;    // a pointer from GetBuffer, until the array moves
+        auto length = [&] { return model.empty() ? 0 : strnlen(model.data(), model.size()); };
+        auto ensure = [&](std::size_t n) {
+            std::size_t const rounded = (n + increment - 1) / increment * increment;
+            if (rounded <= model.size())
+                return;
+            std::size_t const old = model.size();
+            model.resize(rounded, 'z');
+            model[old] = 0;
+            held = nullptr;
+        };
+        for (int step = 0; step < 4000; ++step) {
+            unsigned const action = random() % 8;
+            if (action < 4) {
+                std::string const piece(1 + random() % 30, static_cast<char>('a' + step % 26));
+                std::size_t const at = length();
+                ensure(at + piece.size() + 1);
+                std::memcpy(model.data() + at, piece.c_str(), piece.size() + 1);
+                buffer += piece.c_str();
+            } else if (action == 4) {
+                std::size_t const n = 1 + random() % 300;
+                ensure(n);
+                held = buffer.GetBuffer(n);
+            } else if (action == 5 && held != nullptr) {
+                // Rewrite part of the text, sometimes cutting it short.
+                std::size_t const at = random() % model.size();
+                char const c = random() % 4 == 0 ? '\0' : 'W';
+                held[at] = c;
+                model[at] = c;
+            } else if (action == 6) {
+                buffer.Empty();
+                if (!model.empty())
+                    model[0] = 0;
+            } else {
+                std::string const text(random() % 200, 'q');
+                buffer = text.c_str();
+                if (!text.empty()) {
+                    std::size_t const rounded = (text.size() + increment) / increment * increment;
+                    if (rounded > model.size()) {
+                        model.assign(rounded, 'z');
+                        held = nullptr;
+                    }
+                    std::memcpy(model.data(), text.c_str(), text.size() + 1);
+                } else if (!model.empty()) {
+                    model[0] = 0;
+                }
+            }
+            ASSERT_EQ(buffer.GetCapacity(), model.size()) << step;
+            ASSERT_EQ(buffer.GetSize(), length()) << step;
+            ASSERT_EQ(std::string(Text(buffer), buffer.GetSize()),
+                      std::string(model.data(), length()))
+                << step;
+        }
     }
 }

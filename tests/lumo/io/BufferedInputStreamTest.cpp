@@ -134,3 +134,24 @@ TEST(BufferedInputStream, OwnershipOfTheWrappedStream) {
     }
     EXPECT_TRUE(destroyed);
 }
+
+// A request of exactly the capacity makes the same single wrapped read as a refill,
+// whether bytes are waiting or not, and at the end gives 0.
+TEST(BufferedInputStream, CapacitySizedReads) {
+    ScriptedInputStream inner(Letters(40), 10);
+    CBufferedInputStream in(&inner, 16);
+    char buf[16] = {};
+    EXPECT_EQ(in.Read(buf, 0, 16), 10); // nothing waiting
+    EXPECT_EQ(std::string(buf, 10), "abcdefghij");
+    EXPECT_EQ(inner.requested.back(), 16u);
+    EXPECT_EQ(in.Read(), 'k');          // refills k..t
+    EXPECT_EQ(in.Read(buf, 0, 16), 16); // 9 waiting and 7 of the next refill
+    EXPECT_EQ(std::string(buf, 16), "lmnopqrstuvwxyza");
+    EXPECT_EQ(inner.requested.back(), 16u);
+    EXPECT_EQ(in.GetAvailable(), 13u); // b c d waiting, 10 more inside
+    EXPECT_EQ(in.Read(buf, 0, 3), 3);
+    EXPECT_EQ(in.Read(buf, 0, 16), 10);
+    EXPECT_EQ(std::string(buf, 10), "efghijklmn");
+    EXPECT_EQ(in.Read(buf, 0, 16), 0);
+    EXPECT_EQ(in.Read(), CInputStream::EOS);
+}

@@ -9,7 +9,11 @@
 
 #include "support/TestObject.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 using lumo::base::CArrayIndexOutOfBoundsException;
@@ -126,4 +130,76 @@ TEST(StringMap, RemovalCapacityCopiesAndIterators) {
     EXPECT_STREQ(map.Get("again"), "1");
     EXPECT_THROW(map.EnsureCapacity(0xFFFFFFFFul), lumo::base::CMemoryException);
     EXPECT_EQ(map.GetSize(), 1u);
+}
+
+// Random operations on maps large enough to be indexed, against a scan over a plain
+// vector with the map's own key comparison, and the capacity rule recomputed.
+TEST(StringMap, LargeMapsAnswerAsAScanWould) {
+    // Case variants, characters folding across ASCII (KELVIN SIGN, LONG S), a
+    // malformed byte and a 3-byte character.
+    char const* const pieces[] = {"k",        "K",    "\xE2\x84\xAA", "s",        "S",
+                                  "\xC5\xBF", "\xC3", "\xC3\xA4",     "\xC3\x84", "\xE2\x82\xAC",
+                                  "x"};
+    std::mt19937 random(3);
+    for (bool caseSensitive : {true, false}) {
+        CStringMap map(caseSensitive, 0, 4);
+        std::vector<std::pair<std::string, std::string>> model;
+        std::uint32_t capacity = 0;
+        auto find = [&](std::string const& key) -> long {
+            for (std::size_t i = 0; i < model.size(); ++i) {
+                lumo::base::CString stored(model[i].first.c_str());
+                int const order = caseSensitive ? stored.Compare(key.c_str())
+                                                : stored.CompareIgnoreCase(key.c_str());
+                if (order == 0)
+                    return static_cast<long>(i);
+            }
+            return -1;
+        };
+        for (int step = 0; step < 6000; ++step) {
+            std::string key;
+            for (int n = 1 + static_cast<int>(random() % 3); n > 0; --n)
+                key += pieces[random() % (sizeof pieces / sizeof *pieces)];
+            long const expected = find(key);
+            ASSERT_EQ(map.GetIndexOfKey(key.c_str()), expected) << key;
+            unsigned const action = random() % 10;
+            if (action < 6) {
+                std::string const value = std::to_string(step);
+                map.Put(key.c_str(), value.c_str());
+                if (expected >= 0) {
+                    model[expected].second = value;
+                } else {
+                    if (model.size() == capacity)
+                        capacity += 4;
+                    model.emplace_back(key, value);
+                }
+            } else if (action < 8) {
+                map.Remove(key.c_str());
+                if (expected >= 0) {
+                    model.erase(model.begin() + expected);
+                    std::uint32_t const target = std::max<std::uint32_t>(
+                        4, (static_cast<std::uint32_t>(model.size()) + 3) / 4 * 4);
+                    capacity = std::min(capacity, target);
+                }
+            } else if (action == 8 && !model.empty()) {
+                // A key rewritten through the writable reference is found where it is.
+                std::size_t const at = random() % model.size();
+                std::string const other = model[random() % model.size()].first;
+                map.GetKeyAt(at) = other.c_str();
+                model[at].first = other;
+            } else if (expected >= 0) {
+                ASSERT_STREQ(map.Get(key.c_str()), model[expected].second.c_str());
+            }
+            ASSERT_EQ(map.GetSize(), model.size());
+            ASSERT_EQ(map.GetCapacity(), capacity);
+        }
+        for (std::size_t i = 0; i < model.size(); ++i) {
+            ASSERT_EQ(map.GetIndexOfKey(model[i].first.c_str()), find(model[i].first));
+            ASSERT_STREQ(map.GetKeyAt(i), model[i].first.c_str());
+            ASSERT_STREQ(map.GetAt(i), model[i].second.c_str());
+        }
+        CStringMap copy(map);
+        EXPECT_TRUE(copy == map);
+        for (std::size_t i = 0; i < model.size(); ++i)
+            ASSERT_EQ(copy.GetIndexOfKey(model[i].first.c_str()), find(model[i].first));
+    }
 }

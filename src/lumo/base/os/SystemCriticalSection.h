@@ -10,6 +10,9 @@
 // InitializeCriticalSectionAndSpinCount and entered under a structured-exception
 // guard). Internal to the library: no operating-system header here.
 
+#include <atomic>
+#include <cstdint>
+
 namespace lumo {
 namespace base {
 namespace detail {
@@ -37,6 +40,14 @@ void LeaveCriticalSection(SystemCriticalSection* cs) noexcept;
 // Gives up the rest of the calling thread's time slice (Windows: Sleep(0); POSIX:
 // sched_yield). Used by CSpinLock between attempts.
 void YieldTimeSlice() noexcept;
+
+// Sleeps while *word == expected, until a wake on the word or `timeoutMs`
+// milliseconds (0xFFFFFFFF: no limit); may also return early for no reason, so
+// callers re-check their condition.
+void WaitOnWord(std::atomic<std::uint32_t>& word, std::uint32_t expected,
+                unsigned long timeoutMs) noexcept;
+// Wakes up to `count` sleepers on the word.
+void WakeWord(std::atomic<std::uint32_t>& word, std::uint32_t count) noexcept;
 
 } // namespace detail
 } // namespace base
