@@ -85,6 +85,11 @@
 #include <lumo/io/XMLTextWriter.h>
 #include <lumo/io/XMLToken.h>
 #include <lumo/io/XMLWriter.h>
+#include <lumo/io/DOM_Document.h>
+#include <lumo/io/XMLDOMReader.h>
+#include <lumo/io/XMLDOMStartElementToken.h>
+#include <lumo/io/XMLDOMToken.h>
+#include <lumo/io/XMLDOMWriter.h>
 #include <lumo/net/InetAddress.h>
 #include <lumo/net/ServerSocket.h>
 #include <lumo/net/Socket.h>
