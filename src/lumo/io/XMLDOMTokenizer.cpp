@@ -5,9 +5,13 @@
 #include <lumo/io/XMLDOMStartElementToken.h>
 #include <lumo/io/XMLDOMToken.h>
 
+#include <lumo/base/Exception.h>
+
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNode.hpp>
+
+#include <new>
 
 namespace lumo {
 namespace io {
@@ -16,14 +20,13 @@ using base::CRef;
 using xercesc::DOMNode;
 
 CXMLDOMTokenizer::CXMLDOMTokenizer(DOM_Document const& document) noexcept
-    : m_document(document), m_root(document->getDocumentElement()), m_node(m_root),
-      m_leaving(false) {}
+    : m_document(document), m_node(document->getDocumentElement()), m_leaving(false) {}
 
 CXMLDOMTokenizer::~CXMLDOMTokenizer() {}
 
 void CXMLDOMTokenizer::Advance(DOMNode* node) noexcept {
-    if (node == m_root) {
-        m_node = nullptr;
+    if (m_ancestors.empty()) {
+        m_node = nullptr; // the document element is done
         return;
     }
     DOMNode* next = node->getNextSibling();
@@ -31,7 +34,8 @@ void CXMLDOMTokenizer::Advance(DOMNode* node) noexcept {
         m_node = next;
         m_leaving = false;
     } else {
-        m_node = node->getParentNode();
+        m_node = m_ancestors.back();
+        m_ancestors.pop_back();
         m_leaving = true;
     }
 }
@@ -46,10 +50,16 @@ CRef<IXMLToken> CXMLDOMTokenizer::GetNextToken() {
         switch (node->getNodeType()) {
         case DOMNode::ELEMENT_NODE: {
             DOMNode* const child = node->getFirstChild();
-            if (child != nullptr)
+            if (child != nullptr) {
+                try {
+                    m_ancestors.push_back(node);
+                } catch (std::bad_alloc const&) {
+                    throw base::CMemoryException("lumo/io/XMLDOMTokenizer", __LINE__);
+                }
                 m_node = child;
-            else
+            } else {
                 m_leaving = true;
+            }
             return CRef<IXMLToken>(new CXMLDOMStartElementToken(m_document, node));
         }
         case DOMNode::TEXT_NODE:

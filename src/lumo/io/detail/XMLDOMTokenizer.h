@@ -7,6 +7,8 @@
 #include <lumo/io/DOM_Document.h>
 #include <lumo/io/XMLToken.h>
 
+#include <vector>
+
 namespace xercesc_3_2 {
 class DOMNode;
 }
@@ -18,8 +20,9 @@ namespace io {
 /// on the way down and its end token on the way up (at once when it has no children);
 /// text, CDATA, comment and processing instruction nodes give their tokens, an entity
 /// reference a text token, every other node none. Nodes outside the document element
-/// are not visited. The walk's position is the node in hand and whether it is being
-/// entered or left, so no token is made before it is asked for.
+/// are not visited. The walk's position is the node in hand, whether it is being
+/// entered or left, and the elements above it (kept here, since the DOM's own way up
+/// costs a dynamic cast per step), so no token is made before it is asked for.
 class CXMLDOMTokenizer {
 public:
     /// The document must not be null.
@@ -38,7 +41,7 @@ private:
     void Advance(xercesc::DOMNode* node) noexcept;
 
     DOM_Document m_document;
-    xercesc::DOMNode* m_root;
+    std::vector<xercesc::DOMNode*> m_ancestors;
     xercesc::DOMNode* m_node;
     bool m_leaving;
 };
