@@ -77,6 +77,21 @@ TEST(XMLDOMReaderTest, ParsedTreeReadsAsTheTextReaderReadsTheText) {
     }
 }
 
+TEST(XMLDOMReaderTest, DocumentHandle) {
+    DOM_Document const none;
+    EXPECT_TRUE(none.IsNull());
+    EXPECT_EQ(none.Get(), nullptr);
+    EXPECT_TRUE(DOM_Document(nullptr).IsNull());
+    DOM_Document const parsed = Parse("<r/>");
+    DOM_Document copy = parsed;
+    EXPECT_FALSE(copy.IsNull());
+    EXPECT_EQ(copy, parsed);
+    EXPECT_NE(copy, none);
+    EXPECT_EQ(copy->getDocumentElement(), parsed.Get()->getDocumentElement());
+    copy = none; // the original still holds the document
+    EXPECT_NE(parsed->getDocumentElement(), nullptr);
+}
+
 TEST(XMLDOMReaderTest, WalkEdges) {
     // The root is the first token even after a comment; an empty element's end follows
     // its start at once; an entity reference reads as text.

@@ -25,6 +25,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -157,6 +158,37 @@ TEST(XMLDOMWriterTest, PlaceholderReplacedAndNumbersInBaseFormat) {
     EXPECT_EQ(Utf8(reader.GetCurrentTokenValue()), "a");
     EXPECT_EQ(reader.ReadAttrFloat(W("at")), 2.25f);
     EXPECT_EQ(reader.ReadElementFloat(W("f")), 1.5f);
+}
+
+TEST(XMLDOMWriterTest, ContentNodesReadBackThroughTheDOMReader) {
+    CXMLDOMWriter w;
+    w.WriteStartDocument();
+    w.WriteStartElement(W("p"), W("r"), W("urn:p"));
+    w.WriteAttrNamespaceDeclaration(W("p"), W("urn:p"));
+    w.WriteAttribute(W("p"), W("a"), W("urn:p"), W("1"));
+    w.WriteWhitespace(W("  "));
+    w.WriteEntityRef(W("undeclared"));
+    w.WriteCDATA(W("c"));
+    w.WriteString(nullptr); // nothing
+    w.WriteString(W("t"));
+    w.WriteElementString(W("e"), W("urn:e"), nullptr);
+    w.WriteEndElement();
+    w.WriteEndDocument();
+    w.Close();
+    CXMLDOMReader reader(w.GetDocument());
+    std::vector<std::string> seen;
+    while (reader.ReadToken())
+        seen.push_back(std::to_string(reader.GetCurrentTokenType()) + ":" +
+                       Utf8(reader.GetCurrentTokenValue()));
+    // An entity reference the document does not declare reads as empty text.
+    EXPECT_EQ(seen, (std::vector<std::string>{"5:p:r", "3:  ", "3:", "4:c", "3:t", "5:e", "6:e",
+                                              "6:p:r"}));
+    CXMLDOMReader again(w.GetDocument());
+    again.ReadStartElement(W("r"), W("urn:p"));
+    EXPECT_EQ(Utf8(again.ReadAttribute(W("a"), W("urn:p"))), "1");
+    EXPECT_EQ(Utf8(again.ReadAttribute(W("p"), W("http://www.w3.org/2000/xmlns/"))), "urn:p");
+    again.ReadStartElement(W("e"), W("urn:e"));
+    EXPECT_FALSE(again.HasAttribute(W("xmlns:p")));
 }
 
 void ExpectFailure(std::function<void()> const& call, char const* message) {
