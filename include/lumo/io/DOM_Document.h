@@ -22,6 +22,8 @@ namespace io {
 /// pointer adopts it; the last copy releases the document (DOMDocument::release), and
 /// with it every node of the document. Copies may be made and dropped on different
 /// threads (the count is atomic); the document itself belongs to one thread at a time.
+/// Releasing needs Xerces-C running: let go of every handle before the last
+/// lumo::Terminate().
 class LUMO_API DOM_Document {
 public:
     /// The null handle.

@@ -289,11 +289,17 @@ void CXMLDOMWriter::StartElement(unsigned short const* uri, unsigned short const
     } else {
         CXMLChText const uriText(uri);
         CXMLChText const name(qualifiedName);
-        DOMElement* element = nullptr;
         ChangeTree(__LINE__, kStartFailed, [&] {
-            element = NewElement(m_document.Get(), uriText.OrNull(), name);
-            Parent()->appendChild(element);
+            DOMNode* const parent = Parent();
+            DOMElement* const element = NewElement(m_document.Get(), uriText.OrNull(), name);
+            // The stack grows first, so a failure leaves tree and stack as they were.
             m_elements.push_back(element);
+            try {
+                parent->appendChild(element);
+            } catch (...) {
+                m_elements.pop_back();
+                throw;
+            }
         });
     }
     m_inStartElement = true;
