@@ -46,7 +46,8 @@ CUnicodeString CXMLDOMPIToken::GetData() const {
 }
 
 CUnicodeString CXMLDOMElementToken::GetValue() const {
-    return GetQualifiedName();
+    // Read directly rather than through GetQualifiedName: a walk asks every token.
+    return FromXMLCh(GetNode()->getNodeName());
 }
 
 bool CXMLDOMElementToken::IsNamespaceURIEmpty() const {
