@@ -6,6 +6,7 @@ namespace demo {
 
 void XmlRead();   // a document read back token by token and with typed element reads
 void XmlWrite();  // a document written with CXMLTextWriter to a file and printed
+void XmlDom();    // one writer routine and one reader routine over XML text and a DOM tree
 void NetDemo();   // a server socket and a client talking over loopback on two threads
 void RegexDemo(); // a pattern with groups matched in 8-bit and UTF-16 text, and a parse error
 

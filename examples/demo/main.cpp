@@ -255,6 +255,7 @@ int main() {
         demo::Threads();
         demo::XmlRead();
         demo::XmlWrite();
+        demo::XmlDom();
         demo::NetDemo();
         demo::RegexDemo();
     } catch (CException const& e) {

@@ -53,6 +53,7 @@
 #include <lumo/io/BufferedReader.h>
 #include <lumo/io/BufferedWriter.h>
 #include <lumo/io/CRLFPrintStream.h>
+#include <lumo/io/DOM_Document.h>
 #include <lumo/io/DataInputStream.h>
 #include <lumo/io/DataOutputStream.h>
 #include <lumo/io/DebugPrintStream.h>
@@ -79,6 +80,10 @@
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>
 #include <lumo/io/XMLAttributeList.h>
+#include <lumo/io/XMLDOMReader.h>
+#include <lumo/io/XMLDOMStartElementToken.h>
+#include <lumo/io/XMLDOMToken.h>
+#include <lumo/io/XMLDOMWriter.h>
 #include <lumo/io/XMLReader.h>
 #include <lumo/io/XMLSerializable.h>
 #include <lumo/io/XMLTextReader.h>

@@ -9,6 +9,7 @@
 #include "../../vela/detail/XMLChannelInputSource.h"
 #include "detail/CaughtExceptionLog.h"
 #include "detail/XMLTextTokenizer.h"
+#include "detail/XMLTokenSearch.h"
 
 #include <new>
 #include <utility>
@@ -28,52 +29,9 @@ template <class F> auto Guard(int line, char const* failure, F&& body) -> declty
     return detail::MapReadFailures(kUnit, line, failure, static_cast<F&&>(body));
 }
 
-bool IsText(XMLTokenType type) {
-    return type == XMLTokenText || type == XMLTokenCDATA;
-}
-
-void CheckLocalName(unsigned short const* localName, unsigned short const* namespaceURI) {
-    if (localName == nullptr || localName[0] == 0)
-        throw CXMLException(kUnit, __LINE__, "Invalid local name.", nullptr);
-    for (unsigned short const* p = localName; *p != 0; ++p)
-        if (*p == ':')
-            throw CXMLException(kUnit, __LINE__, "Local name must be unqualified name.", nullptr);
-    if (namespaceURI == nullptr)
-        throw CXMLException(kUnit, __LINE__, "Invalid namespace URI.", nullptr);
-}
-
-void CheckName(unsigned short const* name) {
-    if (name == nullptr || name[0] == 0)
-        throw CXMLException(kUnit, __LINE__, "Invalid local name.", nullptr);
-}
-
-IXMLElementToken const* AsElement(IXMLToken const& token) {
-    return dynamic_cast<IXMLElementToken const*>(&token);
-}
-
-// Matches an element token by local name and namespace URI.
-struct ByLocalName {
-    unsigned short const* localName;
-    unsigned short const* namespaceURI;
-    bool operator()(IXMLToken const& token) const {
-        IXMLElementToken const* element = AsElement(token);
-        return element != nullptr && element->GetLocalName() == localName &&
-               element->GetNamespaceURI() == namespaceURI;
-    }
-};
-
-// Matches an element token by qualified name.
-struct ByQualifiedName {
-    unsigned short const* name;
-    bool operator()(IXMLToken const& token) const {
-        IXMLElementToken const* element = AsElement(token);
-        return element != nullptr && element->GetQualifiedName() == name;
-    }
-};
-
-struct AnyName {
-    bool operator()(IXMLToken const&) const { return true; }
-};
+using detail::AnyName;
+using detail::ByLocalName;
+using detail::ByQualifiedName;
 
 CRef<CInputStream> TakeOver(CInputStream* stream) {
     if (stream == nullptr)
@@ -159,14 +117,14 @@ template <class Match> void CXMLTextReader::Search(XMLTokenType type, Match&& ma
 
 void CXMLTextReader::ReadStartElement(unsigned short const* localName,
                                       unsigned short const* namespaceURI) {
-    CheckLocalName(localName, namespaceURI);
+    detail::CheckSearchLocalName(kUnit, __LINE__, localName, namespaceURI);
     Guard(__LINE__, "Failed to read the specified start element.", [&] {
         Search(XMLTokenStartElement, ByLocalName{localName, namespaceURI});
     });
 }
 
 void CXMLTextReader::ReadStartElement(unsigned short const* name) {
-    CheckName(name);
+    detail::CheckSearchName(kUnit, __LINE__, name);
     Guard(__LINE__, "Failed to read the specified start element.",
           [&] { Search(XMLTokenStartElement, ByQualifiedName{name}); });
 }
@@ -196,14 +154,14 @@ CUnicodeString CXMLTextReader::ReadAttribute(unsigned short const* name) {
 
 void CXMLTextReader::ReadEndElement(unsigned short const* localName,
                                     unsigned short const* namespaceURI) {
-    CheckLocalName(localName, namespaceURI);
+    detail::CheckSearchLocalName(kUnit, __LINE__, localName, namespaceURI);
     Guard(__LINE__, "Failed to read the end element.", [&] {
         Search(XMLTokenEndElement, ByLocalName{localName, namespaceURI});
     });
 }
 
 void CXMLTextReader::ReadEndElement(unsigned short const* name) {
-    CheckName(name);
+    detail::CheckSearchName(kUnit, __LINE__, name);
     Guard(__LINE__, "Failed to read the end element.",
           [&] { Search(XMLTokenEndElement, ByQualifiedName{name}); });
 }
@@ -218,7 +176,7 @@ void CXMLTextReader::JoinText() {
     CUnicodeString text = first->GetValue();
     bool joined = false;
     while (ReadToken()) {
-        if (!IsText(m_current->GetType())) {
+        if (!detail::IsTextToken(m_current->GetType())) {
             m_lookAhead = m_current;
             break;
         }
@@ -242,7 +200,7 @@ void CXMLTextReader::ReadElementText() {
         do {
             if (!ReadToken())
                 throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
-        } while (!IsText(m_current->GetType()));
+        } while (!detail::IsTextToken(m_current->GetType()));
         JoinText();
     });
 }
@@ -254,7 +212,7 @@ bool CXMLTextReader::ReadElementTextIfAvailable() {
             m_current = previous;
             return false;
         }
-        if (!IsText(m_current->GetType())) {
+        if (!detail::IsTextToken(m_current->GetType())) {
             // Nothing consumed: the token waits for the next read.
             m_lookAhead = m_current;
             m_current = previous;
