@@ -79,6 +79,7 @@
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>
 #include <lumo/io/XMLAttributeList.h>
+#include <lumo/io/XMLPushbackReader.h>
 #include <lumo/io/XMLReader.h>
 #include <lumo/io/XMLSerializable.h>
 #include <lumo/io/XMLTextReader.h>

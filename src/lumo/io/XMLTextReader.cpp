@@ -8,6 +8,7 @@
 
 #include "../../vela/detail/XMLChannelInputSource.h"
 #include "detail/CaughtExceptionLog.h"
+#include "detail/XMLElementMatch.h"
 #include "detail/XMLTextTokenizer.h"
 
 #include <new>
@@ -28,52 +29,18 @@ template <class F> auto Guard(int line, char const* failure, F&& body) -> declty
     return detail::MapReadFailures(kUnit, line, failure, static_cast<F&&>(body));
 }
 
-bool IsText(XMLTokenType type) {
-    return type == XMLTokenText || type == XMLTokenCDATA;
-}
+using detail::AnyName;
+using detail::ByLocalName;
+using detail::ByQualifiedName;
+using detail::IsText;
 
 void CheckLocalName(unsigned short const* localName, unsigned short const* namespaceURI) {
-    if (localName == nullptr || localName[0] == 0)
-        throw CXMLException(kUnit, __LINE__, "Invalid local name.", nullptr);
-    for (unsigned short const* p = localName; *p != 0; ++p)
-        if (*p == ':')
-            throw CXMLException(kUnit, __LINE__, "Local name must be unqualified name.", nullptr);
-    if (namespaceURI == nullptr)
-        throw CXMLException(kUnit, __LINE__, "Invalid namespace URI.", nullptr);
+    detail::CheckLocalName(kUnit, __LINE__, localName, namespaceURI);
 }
 
 void CheckName(unsigned short const* name) {
-    if (name == nullptr || name[0] == 0)
-        throw CXMLException(kUnit, __LINE__, "Invalid local name.", nullptr);
+    detail::CheckName(kUnit, __LINE__, name);
 }
-
-IXMLElementToken const* AsElement(IXMLToken const& token) {
-    return dynamic_cast<IXMLElementToken const*>(&token);
-}
-
-// Matches an element token by local name and namespace URI.
-struct ByLocalName {
-    unsigned short const* localName;
-    unsigned short const* namespaceURI;
-    bool operator()(IXMLToken const& token) const {
-        IXMLElementToken const* element = AsElement(token);
-        return element != nullptr && element->GetLocalName() == localName &&
-               element->GetNamespaceURI() == namespaceURI;
-    }
-};
-
-// Matches an element token by qualified name.
-struct ByQualifiedName {
-    unsigned short const* name;
-    bool operator()(IXMLToken const& token) const {
-        IXMLElementToken const* element = AsElement(token);
-        return element != nullptr && element->GetQualifiedName() == name;
-    }
-};
-
-struct AnyName {
-    bool operator()(IXMLToken const&) const { return true; }
-};
 
 CRef<CInputStream> TakeOver(CInputStream* stream) {
     if (stream == nullptr)
