@@ -8,6 +8,9 @@ void XmlRead();  // a document read back token by token and with typed element r
 void XmlWrite(); // a document written with CXMLTextWriter to a file and printed
 void NetDemo();  // a server socket and a client talking over loopback on two threads
 
+// a document written to a file and read back typed, with a pushback reader looking ahead
+void XmlRoundTrip();
+
 } // namespace demo
 
 #endif

@@ -255,6 +255,7 @@ int main() {
         demo::Threads();
         demo::XmlRead();
         demo::XmlWrite();
+        demo::XmlRoundTrip();
         demo::NetDemo();
     } catch (CException const& e) {
         demo::Report(e);
