@@ -10,6 +10,9 @@ void XmlDom();    // one writer routine and one reader routine over XML text and
 void NetDemo();   // a server socket and a client talking over loopback on two threads
 void RegexDemo(); // a pattern with groups matched in 8-bit and UTF-16 text, and a parse error
 
+// a document written to a file and read back typed, with a pushback reader looking ahead
+void XmlRoundTrip();
+
 } // namespace demo
 
 #endif

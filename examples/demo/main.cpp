@@ -256,6 +256,7 @@ int main() {
         demo::XmlRead();
         demo::XmlWrite();
         demo::XmlDom();
+        demo::XmlRoundTrip();
         demo::NetDemo();
         demo::RegexDemo();
     } catch (CException const& e) {

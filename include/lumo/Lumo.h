@@ -84,6 +84,7 @@
 #include <lumo/io/XMLDOMStartElementToken.h>
 #include <lumo/io/XMLDOMToken.h>
 #include <lumo/io/XMLDOMWriter.h>
+#include <lumo/io/XMLPushbackReader.h>
 #include <lumo/io/XMLReader.h>
 #include <lumo/io/XMLSerializable.h>
 #include <lumo/io/XMLTextReader.h>

@@ -139,6 +139,8 @@ public:
     virtual base::CUnicodeString ReadElementString(unsigned short const* localName,
                                                    unsigned short const* namespaceURI);
     virtual base::CUnicodeString ReadElementString(unsigned short const* name);
+    /// The element's text decoded into a new buffer the caller frees with free(); an
+    /// empty element (<a/>, <a></a>) is the empty block: a null buffer and size 0.
     virtual void ReadElementBinHex(unsigned short const* localName,
                                    unsigned short const* namespaceURI, char*& data,
                                    unsigned long& size);

@@ -117,7 +117,16 @@ template <class Read>
 void ReadBinaryElement(CXMLReader& reader, ElementName const& element, char*& data,
                        unsigned long& size, Read&& read) {
     Start(reader, element);
-    reader.ReadElementText();
+    // An empty element is the empty block, as the writers write it: the text search
+    // alone would run on past its end into whatever text follows.
+    if (!reader.ReadElementTextIfAvailable()) {
+        if (reader.ReadToken() && reader.GetCurrentTokenType() == XMLTokenEndElement) {
+            data = nullptr;
+            size = 0;
+            return;
+        }
+        reader.ReadElementText();
+    }
     read();
     try {
         End(reader, element);

@@ -151,6 +151,27 @@ TEST(XMLReader, BinaryCDATAAndObjects) {
     EXPECT_EQ(12, point.x);
 }
 
+// An empty binary element is the empty block and the read stops at its end; text
+// after a comment inside an element is still found.
+TEST(XMLReader, EmptyBinaryElements) {
+    auto reader = ReaderOver("<r><e/>\n<c><!--k-->AQI=</c><n></n> <t>AB</t></r>");
+    char* data = reinterpret_cast<char*>(1);
+    unsigned long size = 9;
+    reader->ReadElementBase64(W("e"), data, size);
+    EXPECT_EQ(nullptr, data);
+    EXPECT_EQ(0u, size);
+    reader->ReadElementBase64(W("c"), data, size);
+    ASSERT_EQ(2u, size);
+    EXPECT_EQ(2, data[1]);
+    std::free(data);
+    reader->ReadElementBinHex(W("n"), W(""), data, size);
+    EXPECT_EQ(0u, size);
+    reader->ReadElementBinHex(W("t"), data, size);
+    ASSERT_EQ(1u, size);
+    EXPECT_EQ('\xAB', data[0]);
+    std::free(data);
+}
+
 TEST(XMLReader, NoCurrentTokenIsLoggedAndReplaced) {
     std::string log;
     Vela::DBSetOutput(

@@ -1,0 +1,384 @@
+// CXMLPushbackReader: serves pushed-back tokens from a stack that grows downward before
+// the wrapped reader's, and builds the tokens of whole small elements to push back.
+#include <lumo/io/XMLPushbackReader.h>
+
+#include <lumo/base/Exception.h>
+#include <vela/Ucs.h>
+
+#include "detail/CaughtExceptionLog.h"
+#include "detail/XMLTokenSearch.h"
+
+#include <new>
+#include <utility>
+
+namespace lumo {
+namespace io {
+
+using base::CRef;
+using base::CUnicodeString;
+
+namespace {
+
+char const kUnit[] = "lumo/io/XMLPushbackReader";
+char const kEndOfStream[] = "End of stream reached.";
+
+unsigned short const kFalse[] = {'f', 'a', 'l', 's', 'e', 0};
+unsigned short const kTrue[] = {'t', 'r', 'u', 'e', 0};
+unsigned short const kShortFormat[] = {'%', 'h', 'd', 0};
+unsigned short const kLongFormat[] = {'%', 'l', 'd', 0};
+unsigned short const kFloatFormat[] = {'%', 'g', 0};
+unsigned short const kDoubleFormat[] = {'%', 'l', 'g', 0};
+
+template <class F> auto Guard(int line, char const* failure, F&& body) -> decltype(body()) {
+    return detail::MapReadFailures(kUnit, line, failure, static_cast<F&&>(body));
+}
+
+// Formats one number; every format used here fits the buffer many times over.
+template <class T> CUnicodeString Format(unsigned short const* format, T value) {
+    unsigned short text[64];
+    Vela::snuprintf(text, sizeof text / sizeof text[0], format, value);
+    return CUnicodeString(text);
+}
+
+void CheckText(unsigned short const* text, int line) {
+    if (text == nullptr || text[0] == 0)
+        throw CXMLException(kUnit, static_cast<unsigned long>(line), "Invalid element text.",
+                            nullptr);
+}
+
+} // namespace
+
+// The names of an element to push back, checked on construction: a qualified name, or
+// a local name with its namespace URI.
+struct CXMLPushbackReader::CElementName {
+    explicit CElementName(unsigned short const* name) : name(name), namespaceURI(nullptr) {
+        detail::CheckSearchName(kUnit, __LINE__, name);
+    }
+    CElementName(unsigned short const* localName, unsigned short const* uri)
+        : name(localName), namespaceURI(uri) {
+        detail::CheckSearchLocalName(kUnit, __LINE__, localName, uri);
+    }
+
+    CRef<IXMLToken> Start() const {
+        if (namespaceURI == nullptr)
+            return CRef<IXMLToken>(new CXMLStartElementToken(name, XMLAttributeList()));
+        return CRef<IXMLToken>(
+            new CXMLStartElementToken(namespaceURI, name, name, XMLAttributeList()));
+    }
+    CRef<IXMLToken> End() const {
+        if (namespaceURI == nullptr)
+            return CRef<IXMLToken>(new CXMLEndElementToken(name));
+        return CRef<IXMLToken>(new CXMLEndElementToken(namespaceURI, name, name));
+    }
+
+    unsigned short const* name;
+    unsigned short const* namespaceURI;
+};
+
+LUMO_DEFINE_CLASS(CXMLPushbackReader, "lumo::io::CXMLPushbackReader", "lumo::io::CXMLReader");
+
+CXMLPushbackReader::CXMLPushbackReader(CRef<CXMLReader> const& reader, unsigned long size)
+    : m_reader(reader), m_capacity(0), m_position(0) {
+    Init(size);
+}
+
+CXMLPushbackReader::CXMLPushbackReader(CXMLReader* reader, unsigned long size)
+    : m_reader(reader, false), m_capacity(0), m_position(0) {
+    Init(size);
+}
+
+void CXMLPushbackReader::Init(unsigned long size) {
+    if (m_reader.IsNull())
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid XML reader.");
+    if (size == 0)
+        throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pushback buffer size.");
+    // Sizes are 32-bit in meaning: a buffer past 2 GB is refused as out of memory.
+    if (size > 0x7FFFFFFFul / sizeof(CRef<IXMLToken>))
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_buffer.reset(new (std::nothrow) CRef<IXMLToken>[size]);
+    if (m_buffer == nullptr)
+        throw base::CMemoryException(kUnit, __LINE__);
+    m_capacity = size;
+    m_position = size;
+}
+
+CXMLPushbackReader::~CXMLPushbackReader() {}
+
+void CXMLPushbackReader::CheckOpen(int line) const {
+    if (m_reader.IsNull())
+        throw CIOException(kUnit, static_cast<unsigned long>(line), "Reader closed.", nullptr);
+}
+
+CRef<IXMLToken> const& CXMLPushbackReader::GetCurrentToken() const {
+    return m_current;
+}
+
+XMLTokenType CXMLPushbackReader::GetCurrentTokenType() {
+    return Guard(__LINE__, "Failed to get the token type of the current XML token.",
+                 [&] { return m_current->GetType(); });
+}
+
+CUnicodeString CXMLPushbackReader::GetCurrentTokenValue() {
+    return Guard(__LINE__, "Failed to get the value of the current XML token.",
+                 [&] { return m_current->GetValue(); });
+}
+
+bool CXMLPushbackReader::Next() {
+    if (m_position < m_capacity) {
+        m_current = std::move(m_buffer[m_position]);
+        ++m_position;
+        return true;
+    }
+    m_current = nullptr;
+    if (!m_reader->ReadToken())
+        return false;
+    m_current = m_reader->GetCurrentToken();
+    return true;
+}
+
+bool CXMLPushbackReader::ReadToken() {
+    CheckOpen(__LINE__);
+    return Next();
+}
+
+void CXMLPushbackReader::Push(CRef<IXMLToken> const& token) {
+    if (m_position == 0)
+        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
+    --m_position;
+    m_buffer[m_position] = token;
+}
+
+template <class Match> void CXMLPushbackReader::Search(XMLTokenType type, Match&& matches) {
+    CheckOpen(__LINE__);
+    while (Next()) {
+        IXMLToken const& token = *m_current;
+        if (token.GetType() == type && matches(token))
+            return;
+    }
+    throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
+}
+
+void CXMLPushbackReader::ReadStartElement(unsigned short const* localName,
+                                          unsigned short const* namespaceURI) {
+    detail::CheckSearchLocalName(kUnit, __LINE__, localName, namespaceURI);
+    Guard(__LINE__, "Failed to read the specified start element.", [&] {
+        Search(XMLTokenStartElement, detail::ByLocalName{localName, namespaceURI});
+    });
+}
+
+void CXMLPushbackReader::ReadStartElement(unsigned short const* name) {
+    detail::CheckSearchName(kUnit, __LINE__, name);
+    Guard(__LINE__, "Failed to read the specified start element.",
+          [&] { Search(XMLTokenStartElement, detail::ByQualifiedName{name}); });
+}
+
+void CXMLPushbackReader::ReadStartElement() {
+    Guard(__LINE__, "Failed to read start element.",
+          [&] { Search(XMLTokenStartElement, detail::AnyName()); });
+}
+
+void CXMLPushbackReader::ReadEndElement(unsigned short const* localName,
+                                        unsigned short const* namespaceURI) {
+    detail::CheckSearchLocalName(kUnit, __LINE__, localName, namespaceURI);
+    Guard(__LINE__, "Failed to read the end element.", [&] {
+        Search(XMLTokenEndElement, detail::ByLocalName{localName, namespaceURI});
+    });
+}
+
+void CXMLPushbackReader::ReadEndElement(unsigned short const* name) {
+    detail::CheckSearchName(kUnit, __LINE__, name);
+    Guard(__LINE__, "Failed to read the end element.",
+          [&] { Search(XMLTokenEndElement, detail::ByQualifiedName{name}); });
+}
+
+void CXMLPushbackReader::ReadEndElement() {
+    Guard(__LINE__, "Failed to read the end element.",
+          [&] { Search(XMLTokenEndElement, detail::AnyName()); });
+}
+
+// The token that ends the text goes back on the stack. There is always room: it came
+// either from the slot it returns to or from the wrapped reader, which is asked only
+// when the stack is empty.
+void CXMLPushbackReader::JoinText() {
+    CRef<IXMLToken> const first = m_current;
+    CUnicodeString text = first->GetValue();
+    bool joined = false;
+    while (Next()) {
+        if (!detail::IsTextToken(m_current->GetType())) {
+            Push(m_current);
+            break;
+        }
+        text += m_current->GetValue();
+        joined = true;
+    }
+    // A lone text token already is the joined text.
+    if (!joined && first->GetType() == XMLTokenText)
+        m_current = first;
+    else
+        m_current = CRef<IXMLToken>(new CXMLTextToken(text));
+}
+
+void CXMLPushbackReader::ReadElementText(CUnicodeString& text) {
+    ReadElementText();
+    text = m_current->GetValue();
+}
+
+void CXMLPushbackReader::ReadElementText() {
+    Guard(__LINE__, "Failed to read element text.", [&] {
+        CheckOpen(__LINE__);
+        do {
+            if (!Next())
+                throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
+        } while (!detail::IsTextToken(m_current->GetType()));
+        JoinText();
+    });
+}
+
+bool CXMLPushbackReader::ReadElementTextIfAvailable() {
+    return Guard(__LINE__, "Failed to read element text.", [&] {
+        CheckOpen(__LINE__);
+        CRef<IXMLToken> const previous = m_current;
+        if (!Next()) {
+            m_current = previous;
+            return false;
+        }
+        if (!detail::IsTextToken(m_current->GetType())) {
+            // Nothing consumed: the token waits for the next read.
+            Push(m_current);
+            m_current = previous;
+            return false;
+        }
+        JoinText();
+        return true;
+    });
+}
+
+void CXMLPushbackReader::Close() {
+    if (m_reader.IsNull())
+        return;
+    CRef<CXMLReader> const reader = std::move(m_reader);
+    m_reader = nullptr;
+    m_current = nullptr;
+    for (unsigned long i = m_position; i < m_capacity; ++i)
+        m_buffer[i] = nullptr;
+    m_position = m_capacity;
+    reader->Close();
+}
+
+void CXMLPushbackReader::UnreadToken() {
+    CheckOpen(__LINE__);
+    if (m_current.IsNull())
+        throw CIOException(kUnit, __LINE__, "There is no valid token.", nullptr);
+    Push(m_current);
+}
+
+void CXMLPushbackReader::UnreadToken(CRef<IXMLToken> const& token) {
+    CheckOpen(__LINE__);
+    if (token.IsNull())
+        throw CIOException(kUnit, __LINE__, "There is no valid token.", nullptr);
+    Push(token);
+}
+
+void CXMLPushbackReader::UnreadStartElement(unsigned short const* name) {
+    CElementName const element(name);
+    CheckOpen(__LINE__);
+    Push(element.Start());
+}
+
+void CXMLPushbackReader::UnreadStartElement(unsigned short const* localName,
+                                            unsigned short const* namespaceURI) {
+    CElementName const element(localName, namespaceURI);
+    CheckOpen(__LINE__);
+    Push(element.Start());
+}
+
+void CXMLPushbackReader::UnreadEndElement(unsigned short const* name) {
+    CElementName const element(name);
+    CheckOpen(__LINE__);
+    Push(element.End());
+}
+
+void CXMLPushbackReader::UnreadEndElement(unsigned short const* localName,
+                                          unsigned short const* namespaceURI) {
+    CElementName const element(localName, namespaceURI);
+    CheckOpen(__LINE__);
+    Push(element.End());
+}
+
+void CXMLPushbackReader::UnreadElementText(unsigned short const* text) {
+    CheckText(text, __LINE__);
+    CheckOpen(__LINE__);
+    Push(CRef<IXMLToken>(new CXMLTextToken(CUnicodeString(text))));
+}
+
+// Last in, first out: pushed end, text, start, the element reads back in order.
+void CXMLPushbackReader::UnreadElement(CElementName const& name, CUnicodeString const& text) {
+    CheckOpen(__LINE__);
+    Push(name.End());
+    Push(CRef<IXMLToken>(new CXMLTextToken(text)));
+    Push(name.Start());
+}
+
+void CXMLPushbackReader::UnreadElementBool(unsigned short const* name, bool value) {
+    UnreadElement(CElementName(name), CUnicodeString(value ? kTrue : kFalse));
+}
+
+void CXMLPushbackReader::UnreadElementBool(unsigned short const* localName,
+                                           unsigned short const* namespaceURI, bool value) {
+    UnreadElement(CElementName(localName, namespaceURI), CUnicodeString(value ? kTrue : kFalse));
+}
+
+void CXMLPushbackReader::UnreadElementShort(unsigned short const* name, short value) {
+    UnreadElement(CElementName(name), Format(kShortFormat, value));
+}
+
+void CXMLPushbackReader::UnreadElementShort(unsigned short const* localName,
+                                            unsigned short const* namespaceURI, short value) {
+    UnreadElement(CElementName(localName, namespaceURI), Format(kShortFormat, value));
+}
+
+void CXMLPushbackReader::UnreadElementLong(unsigned short const* name, long value) {
+    UnreadElement(CElementName(name), Format(kLongFormat, value));
+}
+
+void CXMLPushbackReader::UnreadElementLong(unsigned short const* localName,
+                                           unsigned short const* namespaceURI, long value) {
+    UnreadElement(CElementName(localName, namespaceURI), Format(kLongFormat, value));
+}
+
+void CXMLPushbackReader::UnreadElementFloat(unsigned short const* name, float value) {
+    UnreadElement(CElementName(name), Format(kFloatFormat, static_cast<double>(value)));
+}
+
+void CXMLPushbackReader::UnreadElementFloat(unsigned short const* localName,
+                                            unsigned short const* namespaceURI, float value) {
+    UnreadElement(CElementName(localName, namespaceURI),
+                  Format(kFloatFormat, static_cast<double>(value)));
+}
+
+void CXMLPushbackReader::UnreadElementDouble(unsigned short const* name, double value) {
+    UnreadElement(CElementName(name), Format(kDoubleFormat, value));
+}
+
+void CXMLPushbackReader::UnreadElementDouble(unsigned short const* localName,
+                                             unsigned short const* namespaceURI, double value) {
+    UnreadElement(CElementName(localName, namespaceURI), Format(kDoubleFormat, value));
+}
+
+void CXMLPushbackReader::UnreadElementString(unsigned short const* name,
+                                             unsigned short const* value) {
+    CElementName const element(name);
+    CheckText(value, __LINE__);
+    UnreadElement(element, CUnicodeString(value));
+}
+
+void CXMLPushbackReader::UnreadElementString(unsigned short const* localName,
+                                             unsigned short const* namespaceURI,
+                                             unsigned short const* value) {
+    CElementName const element(localName, namespaceURI);
+    CheckText(value, __LINE__);
+    UnreadElement(element, CUnicodeString(value));
+}
+
+} // namespace io
+} // namespace lumo
