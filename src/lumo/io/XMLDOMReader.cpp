@@ -157,22 +157,9 @@ void CXMLDOMReader::ReadEndElement() {
 }
 
 void CXMLDOMReader::JoinText() {
-    CRef<IXMLToken> const first = m_current;
-    CUnicodeString text = first->GetValue();
-    bool joined = false;
-    while (ReadToken()) {
-        if (!detail::IsTextToken(m_current->GetType())) {
-            m_lookAhead = m_current;
-            break;
-        }
-        text += m_current->GetValue();
-        joined = true;
-    }
-    // A lone text token already is the joined text.
-    if (!joined && first->GetType() == XMLTokenText)
-        m_current = first;
-    else
-        m_current = CRef<IXMLToken>(new CXMLTextToken(text));
+    detail::JoinText(
+        m_current, [&] { return ReadToken(); },
+        [&](CRef<IXMLToken> const& token) { m_lookAhead = token; });
 }
 
 void CXMLDOMReader::ReadElementText(CUnicodeString& text) {

@@ -200,22 +200,8 @@ void CXMLPushbackReader::ReadEndElement() {
 // either from the slot it returns to or from the wrapped reader, which is asked only
 // when the stack is empty.
 void CXMLPushbackReader::JoinText() {
-    CRef<IXMLToken> const first = m_current;
-    CUnicodeString text = first->GetValue();
-    bool joined = false;
-    while (Next()) {
-        if (!detail::IsTextToken(m_current->GetType())) {
-            Push(m_current);
-            break;
-        }
-        text += m_current->GetValue();
-        joined = true;
-    }
-    // A lone text token already is the joined text.
-    if (!joined && first->GetType() == XMLTokenText)
-        m_current = first;
-    else
-        m_current = CRef<IXMLToken>(new CXMLTextToken(text));
+    detail::JoinText(
+        m_current, [&] { return Next(); }, [&](CRef<IXMLToken> const& token) { Push(token); });
 }
 
 void CXMLPushbackReader::ReadElementText(CUnicodeString& text) {

@@ -61,6 +61,29 @@ struct AnyName {
     bool operator()(IXMLToken const&) const { return true; }
 };
 
+/// Makes `current` the whole text that starts with it: the text and CDATA tokens that
+/// follow are joined into one text token (a lone text token stays as it is). `next`
+/// makes the following token current and answers false at the end; `keep` holds back
+/// the token that ended the text for the reader's next read.
+template <class Next, class Keep>
+void JoinText(base::CRef<IXMLToken>& current, Next next, Keep keep) {
+    base::CRef<IXMLToken> const first = current;
+    base::CUnicodeString text = first->GetValue();
+    bool joined = false;
+    while (next()) {
+        if (!IsTextToken(current->GetType())) {
+            keep(current);
+            break;
+        }
+        text += current->GetValue();
+        joined = true;
+    }
+    if (!joined && first->GetType() == XMLTokenText)
+        current = first;
+    else
+        current = base::CRef<IXMLToken>(new CXMLTextToken(text));
+}
+
 } // namespace detail
 } // namespace io
 } // namespace lumo
