@@ -10,6 +10,8 @@
 #include "detail/XercesInputSources.h"
 
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
@@ -44,6 +46,23 @@ std::size_t const kShortText = 32;
 
 } // namespace
 
+CXMLTokenRing::~CXMLTokenRing() {
+    delete[] m_slots;
+}
+
+void CXMLTokenRing::Grow() {
+    std::uint32_t const capacity = m_slots == nullptr ? 8 : (m_mask + 1) * 2;
+    base::CRef<IXMLToken>* slots = new (std::nothrow) base::CRef<IXMLToken>[capacity];
+    if (slots == nullptr)
+        throw base::CMemoryException(kUnit, __LINE__);
+    for (std::uint32_t i = 0; i < m_size; ++i)
+        slots[i] = static_cast<base::CRef<IXMLToken>&&>(m_slots[(m_head + i) & m_mask]);
+    delete[] m_slots;
+    m_slots = slots;
+    m_mask = capacity - 1;
+    m_head = 0;
+}
+
 struct CXMLTextTokenizer::Names {
     bool namespaced;
     CUnicodeString uri;
@@ -52,7 +71,7 @@ struct CXMLTextTokenizer::Names {
 };
 
 CXMLTextTokenizer::CXMLTextTokenizer(CRef<CInputStream> const& stream)
-    : m_queue(2, 2), m_depth(0), m_finished(false), m_uriCached() {
+    : m_depth(0), m_finished(false), m_uriCached() {
     if (stream.IsNull())
         throw CIOException(kUnit, __LINE__, "Invalid input stream.", nullptr);
     try {
@@ -64,7 +83,7 @@ CXMLTextTokenizer::CXMLTextTokenizer(CRef<CInputStream> const& stream)
 }
 
 CXMLTextTokenizer::CXMLTextTokenizer(xercesc::InputSource* source)
-    : m_queue(2, 2), m_source(source), m_depth(0), m_finished(false), m_uriCached() {
+    : m_source(source), m_depth(0), m_finished(false), m_uriCached() {
     Start();
 }
 
@@ -110,7 +129,7 @@ CRef<IXMLToken> CXMLTextTokenizer::GetNextToken() {
             if (m_queue.IsEmpty())
                 return CRef<IXMLToken>();
         }
-        return m_queue.Dequeue();
+        return m_queue.Pop();
     } catch (CIOException const&) {
         throw;
     } catch (base::CMemoryException const&) {
@@ -213,13 +232,13 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
                                                      static_cast<XMLAttributeList&&>(attributes))
                          : new CXMLStartElementToken(names.qualified,
                                                      static_cast<XMLAttributeList&&>(attributes)));
-    m_queue.Enqueue(start);
+    m_queue.Push(std::move(start));
     if (isEmpty) {
         // The parser reports no end for an empty element.
         CRef<IXMLToken> end(names.namespaced
                                 ? new CXMLEndElementToken(names.uri, names.local, names.qualified)
                                 : new CXMLEndElementToken(names.qualified));
-        m_queue.Enqueue(end);
+        m_queue.Push(std::move(end));
     } else {
         ++m_depth;
     }
@@ -231,7 +250,7 @@ void CXMLTextTokenizer::endElement(xercesc::XMLElementDecl const& elemDecl, unsi
     CRef<IXMLToken> end(names.namespaced
                             ? new CXMLEndElementToken(names.uri, names.local, names.qualified)
                             : new CXMLEndElementToken(names.qualified));
-    m_queue.Enqueue(end);
+    m_queue.Push(std::move(end));
     if (m_depth > 0)
         --m_depth;
 }
@@ -239,15 +258,15 @@ void CXMLTextTokenizer::endElement(xercesc::XMLElementDecl const& elemDecl, unsi
 void CXMLTextTokenizer::docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) {
     // Character data outside the root element is dropped.
     if (m_depth > 0)
-        m_queue.Enqueue(CXMLToken::CreateCharacterToken(Text(chars, length), cdataSection));
+        m_queue.Push(CXMLToken::CreateCharacterToken(Text(chars, length), cdataSection));
 }
 
 void CXMLTextTokenizer::docComment(XMLCh const* comment) {
-    m_queue.Enqueue(CRef<IXMLToken>(new CXMLCommentToken(FromXMLCh(comment))));
+    m_queue.Push(CRef<IXMLToken>(new CXMLCommentToken(FromXMLCh(comment))));
 }
 
 void CXMLTextTokenizer::docPI(XMLCh const* target, XMLCh const* data) {
-    m_queue.Enqueue(CRef<IXMLToken>(new CXMLPIToken(FromXMLCh(target), FromXMLCh(data))));
+    m_queue.Push(CRef<IXMLToken>(new CXMLPIToken(FromXMLCh(target), FromXMLCh(data))));
 }
 
 void CXMLTextTokenizer::endDocument() {}

@@ -9,7 +9,6 @@
 #include <lumo/base/Ref.h>
 #include <lumo/io/InputStream.h>
 #include <lumo/io/XMLToken.h>
-#include <lumo/util/Queue.h>
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 #include <xercesc/framework/XMLEntityHandler.hpp>
@@ -26,6 +25,41 @@
 
 namespace lumo {
 namespace io {
+
+/// The tokens of one scanner step waiting to be handed out, first in first out: a
+/// ring of slots that doubles when full and never shrinks, since a step queues only a
+/// few tokens and the same slots serve the whole document.
+class CXMLTokenRing {
+public:
+    CXMLTokenRing() noexcept : m_slots(nullptr), m_mask(0), m_head(0), m_size(0) {}
+    ~CXMLTokenRing();
+    CXMLTokenRing(CXMLTokenRing const&) = delete;
+    CXMLTokenRing& operator=(CXMLTokenRing const&) = delete;
+
+    bool IsEmpty() const noexcept { return m_size == 0; }
+    /// Takes `token` over; CMemoryException when the ring cannot grow.
+    void Push(base::CRef<IXMLToken>&& token) {
+        if (m_size == m_mask + 1 || m_slots == nullptr)
+            Grow();
+        m_slots[(m_head + m_size) & m_mask] = static_cast<base::CRef<IXMLToken>&&>(token);
+        ++m_size;
+    }
+    /// The oldest token, moved out; the ring must not be empty.
+    base::CRef<IXMLToken> Pop() noexcept {
+        base::CRef<IXMLToken> token(static_cast<base::CRef<IXMLToken>&&>(m_slots[m_head]));
+        m_head = (m_head + 1) & m_mask;
+        --m_size;
+        return token;
+    }
+
+private:
+    void Grow();
+
+    base::CRef<IXMLToken>* m_slots;
+    std::uint32_t m_mask; // capacity - 1; the capacity is a power of two
+    std::uint32_t m_head;
+    std::uint32_t m_size;
+};
 
 /// Pulls a document token by token. Nothing outside the document is ever read: every
 /// external entity and DTD is answered with an empty memory source. The parser's
@@ -96,7 +130,7 @@ private:
     base::CUnicodeString Text(XMLCh const* chars);
     Names ElementNames(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId);
 
-    util::Queue<base::CRef<IXMLToken>> m_queue;
+    CXMLTokenRing m_queue;
     // The source outlives the scanner, whose readers use the streams it made.
     std::unique_ptr<xercesc::InputSource> m_source;
     std::unique_ptr<xercesc::GrammarResolver> m_resolver;
