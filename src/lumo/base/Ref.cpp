@@ -20,13 +20,19 @@ static_assert(sizeof(RefCountedPtr) <= ::lumo::detail::kRefRecordBlockSize,
 
 namespace {
 
+// Looked up once: records are made and dropped with every CRef to a new object.
+CFixBlockAllocator& RecordPool() {
+    static CFixBlockAllocator& pool = ::lumo::detail::RefRecordPool();
+    return pool;
+}
+
 // A block of the record pool, or of the heap for a larger (derived) record; a
 // failure names the allocation site as CBase's operator new does.
 void* AllocateRecord(std::size_t size, char const* file, unsigned long line) {
     if (size > ::lumo::detail::kRefRecordBlockSize)
         return CBase::operator new(size, file, static_cast<int>(line));
     try {
-        return ::lumo::detail::RefRecordPool().AllocateCached();
+        return RecordPool().AllocateCached();
     } catch (CMemoryException const&) {
         throw CMemoryException(file, line);
     }
@@ -36,7 +42,7 @@ void FreeRecord(void* block, std::size_t size) noexcept {
     if (size > ::lumo::detail::kRefRecordBlockSize)
         CBase::operator delete(block);
     else
-        ::lumo::detail::RefRecordPool().FreeCached(block);
+        RecordPool().FreeCached(block);
 }
 
 } // namespace
