@@ -46,29 +46,63 @@ std::size_t const kShortText = 32;
 
 } // namespace
 
-CXMLTokenRing::~CXMLTokenRing() {
+CRef<IXMLToken> CXMLTokenEvent::MakeToken() {
+    switch (type) {
+    case XMLTokenStartElement:
+        if (namespaced)
+            return CRef<IXMLToken>(new CXMLStartElementToken(
+                namespaceURI, localName, value, static_cast<XMLAttributeList&&>(attributes)));
+        return CRef<IXMLToken>(
+            new CXMLStartElementToken(value, static_cast<XMLAttributeList&&>(attributes)));
+    case XMLTokenEndElement:
+        if (namespaced)
+            return CRef<IXMLToken>(new CXMLEndElementToken(namespaceURI, localName, value));
+        return CRef<IXMLToken>(new CXMLEndElementToken(value));
+    case XMLTokenComment:
+        return CRef<IXMLToken>(new CXMLCommentToken(value));
+    case XMLTokenProcessingInstruction:
+        return CRef<IXMLToken>(new CXMLPIToken(value, data));
+    case XMLTokenText:
+    case XMLTokenCDATA:
+        break;
+    }
+    return CXMLToken::CreateCharacterToken(value, type == XMLTokenCDATA);
+}
+
+CXMLEventRing::~CXMLEventRing() {
     delete[] m_slots;
 }
 
-void CXMLTokenRing::Grow() {
+void CXMLEventRing::Grow() {
     std::uint32_t const capacity = m_slots == nullptr ? 8 : (m_mask + 1) * 2;
-    base::CRef<IXMLToken>* slots = new (std::nothrow) base::CRef<IXMLToken>[capacity];
+    CXMLTokenEvent* slots = new (std::nothrow) CXMLTokenEvent[capacity];
     if (slots == nullptr)
         throw base::CMemoryException(kUnit, __LINE__);
-    for (std::uint32_t i = 0; i < m_size; ++i)
-        slots[i] = static_cast<base::CRef<IXMLToken>&&>(m_slots[(m_head + i) & m_mask]);
-    delete[] m_slots;
+    if (m_slots != nullptr) {
+        // The current event goes to slot 0, the waiting ones behind it. The lists are
+        // copied first (which may fail, leaving the ring as it was); the rest moves.
+        try {
+            for (std::uint32_t i = 0; i <= m_size; ++i)
+                slots[i].attributes = m_slots[(m_head - 1 + i) & m_mask].attributes;
+        } catch (...) {
+            delete[] slots;
+            throw;
+        }
+        for (std::uint32_t i = 0; i <= m_size; ++i) {
+            CXMLTokenEvent& from = m_slots[(m_head - 1 + i) & m_mask];
+            slots[i].type = from.type;
+            slots[i].namespaced = from.namespaced;
+            slots[i].value = static_cast<CUnicodeString&&>(from.value);
+            slots[i].localName = static_cast<CUnicodeString&&>(from.localName);
+            slots[i].namespaceURI = static_cast<CUnicodeString&&>(from.namespaceURI);
+            slots[i].data = static_cast<CUnicodeString&&>(from.data);
+        }
+        delete[] m_slots;
+    }
     m_slots = slots;
     m_mask = capacity - 1;
-    m_head = 0;
+    m_head = 1;
 }
-
-struct CXMLTextTokenizer::Names {
-    bool namespaced;
-    CUnicodeString uri;
-    CUnicodeString local;
-    CUnicodeString qualified;
-};
 
 CXMLTextTokenizer::CXMLTextTokenizer(CRef<CInputStream> const& stream)
     : m_depth(0), m_finished(false), m_uriCached() {
@@ -117,7 +151,7 @@ void CXMLTextTokenizer::Start() {
     }
 }
 
-CRef<IXMLToken> CXMLTextTokenizer::GetNextToken() {
+bool CXMLTextTokenizer::Advance() {
     try {
         if (m_queue.IsEmpty()) {
             if (m_pending) {
@@ -127,9 +161,10 @@ CRef<IXMLToken> CXMLTextTokenizer::GetNextToken() {
             }
             ScanUntilToken();
             if (m_queue.IsEmpty())
-                return CRef<IXMLToken>();
+                return false;
         }
-        return m_queue.Pop();
+        m_queue.Pop();
+        return true;
     } catch (CIOException const&) {
         throw;
     } catch (base::CMemoryException const&) {
@@ -192,27 +227,28 @@ CUnicodeString const& CXMLTextTokenizer::URIText(unsigned int uriId) {
     return m_uriScratch;
 }
 
-CXMLTextTokenizer::Names CXMLTextTokenizer::ElementNames(xercesc::XMLElementDecl const& elemDecl,
-                                                         unsigned int uriId) {
-    Names names;
-    names.qualified = Text(elemDecl.getFullName());
-    names.namespaced = uriId != 0;
-    if (names.namespaced) {
-        names.uri = URIText(uriId);
+void CXMLTextTokenizer::SetElementNames(CXMLTokenEvent& event,
+                                        xercesc::XMLElementDecl const& elemDecl,
+                                        unsigned int uriId) {
+    event.value = Text(elemDecl.getFullName());
+    event.namespaced = uriId != 0;
+    if (event.namespaced) {
+        event.namespaceURI = URIText(uriId);
         XMLCh const* local = elemDecl.getBaseName();
         std::size_t const n = Length(local);
         // Without a prefix the local name is the qualified name.
-        names.local = n == names.qualified.GetLength() ? names.qualified : Text(local, n);
+        event.localName = n == event.value.GetLength() ? event.value : Text(local, n);
     }
-    return names;
 }
 
 void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId,
                                      XMLCh const*,
                                      xercesc::RefVectorOf<xercesc::XMLAttr> const& attrList,
                                      XMLSize_t attrCount, bool isEmpty, bool) {
-    Names const names = ElementNames(elemDecl, uriId);
-    XMLAttributeList attributes;
+    CXMLTokenEvent& start = m_queue.Back();
+    start.type = XMLTokenStartElement;
+    SetElementNames(start, elemDecl, uriId);
+    start.attributes = XMLAttributeList();
     for (XMLSize_t i = 0; i < attrCount; ++i) {
         xercesc::XMLAttr const* attr = attrList.elementAt(i);
         CUnicodeString const qualified = Text(attr->getQName());
@@ -223,22 +259,22 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
         // the prefixed declarations it belongs to the xmlns namespace.
         if (xercesc::XMLString::equals(attr->getQName(), xercesc::XMLUni::fgXMLNSString))
             uri = m_scanner->getXMLNSNamespaceId();
-        attributes.Add(qualified,
-                       localLength == qualified.GetLength() ? qualified : Text(local, localLength),
-                       uri != 0 ? URIText(uri) : CUnicodeString(), Text(attr->getValue()));
+        start.attributes.Add(
+            qualified, localLength == qualified.GetLength() ? qualified : Text(local, localLength),
+            uri != 0 ? URIText(uri) : CUnicodeString(), Text(attr->getValue()));
     }
-    CRef<IXMLToken> start(
-        names.namespaced ? new CXMLStartElementToken(names.uri, names.local, names.qualified,
-                                                     static_cast<XMLAttributeList&&>(attributes))
-                         : new CXMLStartElementToken(names.qualified,
-                                                     static_cast<XMLAttributeList&&>(attributes)));
-    m_queue.Push(std::move(start));
+    m_queue.Push();
     if (isEmpty) {
-        // The parser reports no end for an empty element.
-        CRef<IXMLToken> end(names.namespaced
-                                ? new CXMLEndElementToken(names.uri, names.local, names.qualified)
-                                : new CXMLEndElementToken(names.qualified));
-        m_queue.Push(std::move(end));
+        // The parser reports no end for an empty element. (The start event stays in
+        // place: Back keeps the slots of waiting events.)
+        CXMLTokenEvent& end = m_queue.Back();
+        CXMLTokenEvent const& queued = m_queue.Last();
+        end.type = XMLTokenEndElement;
+        end.namespaced = queued.namespaced;
+        end.value = queued.value;
+        end.localName = queued.localName;
+        end.namespaceURI = queued.namespaceURI;
+        m_queue.Push();
     } else {
         ++m_depth;
     }
@@ -246,27 +282,37 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
 
 void CXMLTextTokenizer::endElement(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId,
                                    bool, XMLCh const*) {
-    Names const names = ElementNames(elemDecl, uriId);
-    CRef<IXMLToken> end(names.namespaced
-                            ? new CXMLEndElementToken(names.uri, names.local, names.qualified)
-                            : new CXMLEndElementToken(names.qualified));
-    m_queue.Push(std::move(end));
+    CXMLTokenEvent& end = m_queue.Back();
+    end.type = XMLTokenEndElement;
+    SetElementNames(end, elemDecl, uriId);
+    m_queue.Push();
     if (m_depth > 0)
         --m_depth;
 }
 
 void CXMLTextTokenizer::docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) {
     // Character data outside the root element is dropped.
-    if (m_depth > 0)
-        m_queue.Push(CXMLToken::CreateCharacterToken(Text(chars, length), cdataSection));
+    if (m_depth > 0) {
+        CXMLTokenEvent& text = m_queue.Back();
+        text.type = cdataSection ? XMLTokenCDATA : XMLTokenText;
+        text.value = Text(chars, length);
+        m_queue.Push();
+    }
 }
 
 void CXMLTextTokenizer::docComment(XMLCh const* comment) {
-    m_queue.Push(CRef<IXMLToken>(new CXMLCommentToken(FromXMLCh(comment))));
+    CXMLTokenEvent& event = m_queue.Back();
+    event.type = XMLTokenComment;
+    event.value = FromXMLCh(comment);
+    m_queue.Push();
 }
 
 void CXMLTextTokenizer::docPI(XMLCh const* target, XMLCh const* data) {
-    m_queue.Push(CRef<IXMLToken>(new CXMLPIToken(FromXMLCh(target), FromXMLCh(data))));
+    CXMLTokenEvent& event = m_queue.Back();
+    event.type = XMLTokenProcessingInstruction;
+    event.value = FromXMLCh(target);
+    event.data = FromXMLCh(data);
+    m_queue.Push();
 }
 
 void CXMLTextTokenizer::endDocument() {}

@@ -26,36 +26,60 @@
 namespace lumo {
 namespace io {
 
-/// The tokens of one scanner step waiting to be handed out, first in first out: a
-/// ring of slots that doubles when full and never shrinks, since a step queues only a
-/// few tokens and the same slots serve the whole document.
-class CXMLTokenRing {
+/// One markup event kept as plain values: a reader that only asks for the type and
+/// value of each event never has a token object made for it.
+struct CXMLTokenEvent {
+    XMLTokenType type = XMLTokenText;
+    // An element reported with a namespace URI id (names in the namespace form).
+    bool namespaced = false;
+    // The text, comment, instruction target or qualified name: the token's value.
+    base::CUnicodeString value;
+    base::CUnicodeString localName;
+    base::CUnicodeString namespaceURI;
+    base::CUnicodeString data; // of an instruction
+    XMLAttributeList attributes;
+
+    /// The token for the event (made once: a start tag's attributes move into it).
+    /// CMemoryException when out of memory.
+    base::CRef<IXMLToken> MakeToken();
+};
+
+/// The events of one scanner step waiting to be handed out, first in first out, and
+/// the one handed out last (the current event): a ring of slots that doubles when
+/// full and never shrinks, so that the same slots, strings and lists serve the whole
+/// document. The current event's slot is never written by Push.
+class CXMLEventRing {
 public:
-    CXMLTokenRing() noexcept : m_slots(nullptr), m_mask(0), m_head(0), m_size(0) {}
-    ~CXMLTokenRing();
-    CXMLTokenRing(CXMLTokenRing const&) = delete;
-    CXMLTokenRing& operator=(CXMLTokenRing const&) = delete;
+    CXMLEventRing() noexcept : m_slots(nullptr), m_mask(0), m_head(0), m_size(0) {}
+    ~CXMLEventRing();
+    CXMLEventRing(CXMLEventRing const&) = delete;
+    CXMLEventRing& operator=(CXMLEventRing const&) = delete;
 
     bool IsEmpty() const noexcept { return m_size == 0; }
-    /// Takes `token` over; CMemoryException when the ring cannot grow.
-    void Push(base::CRef<IXMLToken>&& token) {
-        if (m_size == m_mask + 1 || m_slots == nullptr)
+    /// The slot behind the last waiting event (holding stale values to overwrite),
+    /// which Push then adds; CMemoryException when the ring cannot grow.
+    CXMLTokenEvent& Back() {
+        // One slot stays free for the current event.
+        if (m_slots == nullptr || m_size + 1 == m_mask + 1)
             Grow();
-        m_slots[(m_head + m_size) & m_mask] = static_cast<base::CRef<IXMLToken>&&>(token);
-        ++m_size;
+        return m_slots[(m_head + m_size) & m_mask];
     }
-    /// The oldest token, moved out; the ring must not be empty.
-    base::CRef<IXMLToken> Pop() noexcept {
-        base::CRef<IXMLToken> token(static_cast<base::CRef<IXMLToken>&&>(m_slots[m_head]));
+    /// Adds the event filled in through Back.
+    void Push() noexcept { ++m_size; }
+    /// The last waiting event; the ring must not be empty.
+    CXMLTokenEvent const& Last() const noexcept { return m_slots[(m_head + m_size - 1) & m_mask]; }
+    /// Makes the oldest waiting event the current one; the ring must not be empty.
+    void Pop() noexcept {
         m_head = (m_head + 1) & m_mask;
         --m_size;
-        return token;
     }
+    /// The event handed out last by Pop.
+    CXMLTokenEvent& Current() noexcept { return m_slots[(m_head - 1) & m_mask]; }
 
 private:
     void Grow();
 
-    base::CRef<IXMLToken>* m_slots;
+    CXMLTokenEvent* m_slots;
     std::uint32_t m_mask; // capacity - 1; the capacity is a power of two
     std::uint32_t m_head;
     std::uint32_t m_size;
@@ -79,10 +103,12 @@ public:
     CXMLTextTokenizer(CXMLTextTokenizer const&) = delete;
     CXMLTextTokenizer& operator=(CXMLTextTokenizer const&) = delete;
 
-    /// The next token, null at the end. CIOException and CMemoryException pass;
-    /// any other failure is CXMLException "Failed to get the next token of xml text
-    /// tokenizer.".
-    base::CRef<IXMLToken> GetNextToken();
+    /// Moves to the next event; false at the end. CIOException and CMemoryException
+    /// pass; any other failure is CXMLException "Failed to get the next token of xml
+    /// text tokenizer.". A failure leaves the current event as it was.
+    bool Advance();
+    /// The event Advance moved to last (valid after it returned true).
+    CXMLTokenEvent& Current() noexcept { return m_queue.Current(); }
 
     // XMLDocumentHandler
     void docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) override;
@@ -119,8 +145,6 @@ public:
     void resetErrors() override;
 
 private:
-    struct Names;
-
     void Start();
     void ScanUntilToken();
     // The URI text of a scanner id (ids of a parse never change, so they are cached).
@@ -128,9 +152,10 @@ private:
     // The text as a string, shared with an earlier equal one when it is short.
     base::CUnicodeString Text(XMLCh const* chars, std::size_t length);
     base::CUnicodeString Text(XMLCh const* chars);
-    Names ElementNames(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId);
+    void SetElementNames(CXMLTokenEvent& event, xercesc::XMLElementDecl const& elemDecl,
+                         unsigned int uriId);
 
-    CXMLTokenRing m_queue;
+    CXMLEventRing m_queue;
     // The source outlives the scanner, whose readers use the streams it made.
     std::unique_ptr<xercesc::InputSource> m_source;
     std::unique_ptr<xercesc::GrammarResolver> m_resolver;
