@@ -248,7 +248,7 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
     CXMLTokenEvent& start = m_queue.Back();
     start.type = XMLTokenStartElement;
     SetElementNames(start, elemDecl, uriId);
-    start.attributes = XMLAttributeList();
+    start.attributes.Clear();
     for (XMLSize_t i = 0; i < attrCount; ++i) {
         xercesc::XMLAttr const* attr = attrList.elementAt(i);
         CUnicodeString const qualified = Text(attr->getQName());
