@@ -43,6 +43,24 @@ std::size_t Length(XMLCh const* s) {
 
 // Texts up to this length go through the tokenizer's cache.
 std::size_t const kShortText = 32;
+// A string that reuses its buffer keeps it only up to this capacity in units (the
+// pooled sizes), so that one long text does not stay held for the whole document.
+unsigned long const kKeptCapacity = 1024;
+
+// Makes `target` exactly the n units at `chars`, writing into its own buffer when no
+// other string shares it: the tokenizer overwrites the same strings event after event.
+void CopyUnits(CUnicodeString& target, XMLCh const* chars, std::size_t n) {
+    if (target.GetCapacity() > kKeptCapacity)
+        target = CUnicodeString();
+    else
+        target.Empty(); // a shared buffer is left to the others, a private one kept
+    if (n == 0)
+        return;
+    unsigned short* buffer = target.GetBuffer(static_cast<unsigned long>(n));
+    for (std::size_t i = 0; i < n; ++i)
+        buffer[i] = static_cast<unsigned short>(chars[i]);
+    target.SetLength(static_cast<unsigned long>(n));
+}
 
 } // namespace
 
@@ -196,19 +214,29 @@ void CXMLTextTokenizer::ScanUntilToken() {
     }
 }
 
-CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars, std::size_t length) {
-    if (length == 0 || length > kShortText)
-        return FromXMLCh(chars, length);
+CUnicodeString const& CXMLTextTokenizer::CachedText(XMLCh const* chars, std::size_t length) {
     // A cheap slot choice from the length and three units; a full comparison decides.
     std::uint32_t const hash = static_cast<std::uint32_t>(length) * 97u + chars[0] * 31u +
                                chars[length / 2] * 7u + chars[length - 1];
     CUnicodeString& cached = m_texts[hash % kTextSlots];
     // Both unit types are 16-bit unsigned integers: their bytes compare alike.
-    if (cached.GetLength() == length &&
-        std::memcmp(static_cast<unsigned short const*>(cached), chars, length * 2) == 0)
-        return cached;
-    cached = FromXMLCh(chars, length);
+    if (cached.GetLength() != length ||
+        std::memcmp(static_cast<unsigned short const*>(cached), chars, length * 2) != 0)
+        CopyUnits(cached, chars, length);
     return cached;
+}
+
+CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars, std::size_t length) {
+    if (length == 0 || length > kShortText)
+        return FromXMLCh(chars, length);
+    return CachedText(chars, length);
+}
+
+void CXMLTextTokenizer::SetText(CUnicodeString& target, XMLCh const* chars, std::size_t length) {
+    if (length == 0 || length > kShortText)
+        CopyUnits(target, chars, length);
+    else
+        target = CachedText(chars, length);
 }
 
 CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars) {
@@ -230,14 +258,18 @@ CUnicodeString const& CXMLTextTokenizer::URIText(unsigned int uriId) {
 void CXMLTextTokenizer::SetElementNames(CXMLTokenEvent& event,
                                         xercesc::XMLElementDecl const& elemDecl,
                                         unsigned int uriId) {
-    event.value = Text(elemDecl.getFullName());
+    XMLCh const* qualified = elemDecl.getFullName();
+    SetText(event.value, qualified, Length(qualified));
     event.namespaced = uriId != 0;
     if (event.namespaced) {
         event.namespaceURI = URIText(uriId);
         XMLCh const* local = elemDecl.getBaseName();
         std::size_t const n = Length(local);
         // Without a prefix the local name is the qualified name.
-        event.localName = n == event.value.GetLength() ? event.value : Text(local, n);
+        if (n == event.value.GetLength())
+            event.localName = event.value;
+        else
+            SetText(event.localName, local, n);
     }
 }
 
@@ -295,7 +327,7 @@ void CXMLTextTokenizer::docCharacters(XMLCh const* chars, XMLSize_t length, bool
     if (m_depth > 0) {
         CXMLTokenEvent& text = m_queue.Back();
         text.type = cdataSection ? XMLTokenCDATA : XMLTokenText;
-        text.value = Text(chars, length);
+        SetText(text.value, chars, length);
         m_queue.Push();
     }
 }

@@ -152,6 +152,10 @@ private:
     // The text as a string, shared with an earlier equal one when it is short.
     base::CUnicodeString Text(XMLCh const* chars, std::size_t length);
     base::CUnicodeString Text(XMLCh const* chars);
+    // The same written into `target`, whose own buffer serves again where it can.
+    void SetText(base::CUnicodeString& target, XMLCh const* chars, std::size_t length);
+    // The cache's string for a text of 1 to 32 units.
+    base::CUnicodeString const& CachedText(XMLCh const* chars, std::size_t length);
     void SetElementNames(CXMLTokenEvent& event, xercesc::XMLElementDecl const& elemDecl,
                          unsigned int uriId);
 
