@@ -283,13 +283,16 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
     start.attributes.Clear();
     for (XMLSize_t i = 0; i < attrCount; ++i) {
         xercesc::XMLAttr const* attr = attrList.elementAt(i);
-        CUnicodeString const qualified = Text(attr->getQName());
+        XMLCh const* qualifiedName = attr->getQName();
+        std::size_t const qualifiedLength = Length(qualifiedName);
+        CUnicodeString const qualified = Text(qualifiedName, qualifiedLength);
         XMLCh const* local = attr->getName();
         std::size_t const localLength = Length(local);
         unsigned int uri = attr->getURIId();
         // The scanner leaves a default namespace declaration without namespace; like
         // the prefixed declarations it belongs to the xmlns namespace.
-        if (xercesc::XMLString::equals(attr->getQName(), xercesc::XMLUni::fgXMLNSString))
+        if (qualifiedLength == 5 &&
+            xercesc::XMLString::equals(qualifiedName, xercesc::XMLUni::fgXMLNSString))
             uri = m_scanner->getXMLNSNamespaceId();
         start.attributes.Add(
             qualified, localLength == qualified.GetLength() ? qualified : Text(local, localLength),
