@@ -64,14 +64,15 @@ void CopyUnits(CUnicodeString& target, XMLCh const* chars, std::size_t n) {
 
 } // namespace
 
-CRef<IXMLToken> CXMLTokenEvent::MakeToken() {
+CRef<IXMLToken> CXMLTokenEvent::MakeToken() const {
     switch (type) {
     case XMLTokenStartElement:
+        // The list is copied, not moved: a failure leaves the event whole, and the
+        // event keeps the list's room for the next start tag.
         if (namespaced)
-            return CRef<IXMLToken>(new CXMLStartElementToken(
-                namespaceURI, localName, value, static_cast<XMLAttributeList&&>(attributes)));
-        return CRef<IXMLToken>(
-            new CXMLStartElementToken(value, static_cast<XMLAttributeList&&>(attributes)));
+            return CRef<IXMLToken>(
+                new CXMLStartElementToken(namespaceURI, localName, value, attributes));
+        return CRef<IXMLToken>(new CXMLStartElementToken(value, attributes));
     case XMLTokenEndElement:
         if (namespaced)
             return CRef<IXMLToken>(new CXMLEndElementToken(namespaceURI, localName, value));

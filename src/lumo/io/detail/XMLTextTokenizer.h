@@ -39,9 +39,9 @@ struct CXMLTokenEvent {
     base::CUnicodeString data; // of an instruction
     XMLAttributeList attributes;
 
-    /// The token for the event (made once: a start tag's attributes move into it).
-    /// CMemoryException when out of memory.
-    base::CRef<IXMLToken> MakeToken();
+    /// A new token for the event; CMemoryException when out of memory (the event is
+    /// then unchanged).
+    base::CRef<IXMLToken> MakeToken() const;
 };
 
 /// The events of one scanner step waiting to be handed out, first in first out, and
