@@ -45,6 +45,17 @@ public:
 
     template <class T> static void DeleteObject(void* object) { delete static_cast<T*>(object); }
 
+    /// Records come from a pool of their own with a per-thread cache, since a CRef
+    /// is made and dropped for every object handed over. A failed allocation throws
+    /// CMemoryException (lumo/base/Base, line 150; the given unit and line for the
+    /// second form).
+    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size, char const* file, int line);
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block, std::size_t size) noexcept;
+    static void operator delete(void* block, char const* file, int line) noexcept;
+    static void operator delete(void*, void*) noexcept {}
+
 private:
     RefCountedPtr(RefCountedPtr const&);
     RefCountedPtr& operator=(RefCountedPtr const&);

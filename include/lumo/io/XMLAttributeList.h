@@ -23,6 +23,9 @@ public:
     void Add(base::CUnicodeString const& qualifiedName, base::CUnicodeString const& localName,
              base::CUnicodeString const& namespaceURI, base::CUnicodeString const& value);
 
+    /// Removes every attribute, keeping the room they took for the next ones.
+    void Clear() noexcept;
+
     /// The number of attributes.
     unsigned long GetLength() const noexcept { return m_count; }
     /// The parts of the attribute at `index`; an index past the end throws

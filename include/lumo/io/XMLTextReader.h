@@ -90,9 +90,18 @@ private:
     /// Reads until the current token is of `type` and `matches` accepts it.
     template <class Match> void Search(XMLTokenType type, Match&& matches);
     void JoinText();
+    /// The current token, made from the tokenizer's event when not made yet.
+    base::CRef<IXMLToken> const& Current() const;
+    /// The current token's type and value, read without making it; a token must be
+    /// current.
+    XMLTokenType CurrentType() const;
+    base::CUnicodeString CurrentValue() const;
 
     std::unique_ptr<CXMLTextTokenizer> m_tokenizer;
-    base::CRef<IXMLToken> m_current;
+    /// The current token, made on first request: while m_unmade is true the current
+    /// token is the tokenizer's current event, and m_current is empty.
+    mutable base::CRef<IXMLToken> m_current;
+    mutable bool m_unmade = false;
     base::CRef<IXMLToken> m_lookAhead;
     base::CRef<CInputStream> m_stream;
 };

@@ -1,9 +1,11 @@
 // CFixBlockAllocator's pools (a used and a free list of linked blocks under a spin lock),
-// the ten never-destroyed process-wide pools and the per-thread block caches in front.
+// the never-destroyed process-wide pools (ten for strings, one for CRef's count records)
+// and the per-thread block caches in front.
 #include <lumo/base/FixBlockAllocator.h>
 
 #include <lumo/base/Exception.h>
 
+#include "detail/RefRecordPool.h"
 #include "detail/ScopedHold.h"
 #include <cstddef>
 #include <cstdint>
@@ -130,14 +132,18 @@ namespace {
 unsigned long const kStringBlockSizes[5] = {76, 140, 268, 524, 1036};
 unsigned long const kUnicodeStringBlockSizes[5] = {140, 268, 524, 1036, 2060};
 unsigned long const kPoolRefillCount = 4;
+// The string pools by class, then the record pool.
+int const kProcessPoolCount = 11;
+int const kRecordPoolIndex = 10;
 } // namespace
 
-// The ten process-wide pools, built in static storage on first use and never
-// destroyed: strings held by static objects are released during static
+// The process-wide pools, built in static storage on first use and never destroyed:
+// strings and CRef values held by static objects are released during static
 // destruction, in any order, and must still find their pool.
 struct CProcessPools {
-    alignas(CFixBlockAllocator) unsigned char storage[10][sizeof(CFixBlockAllocator)];
-    CFixBlockAllocator* pools[10];
+    alignas(
+        CFixBlockAllocator) unsigned char storage[kProcessPoolCount][sizeof(CFixBlockAllocator)];
+    CFixBlockAllocator* pools[kProcessPoolCount];
 
     CProcessPools() {
         for (int i = 0; i < 5; ++i) {
@@ -145,7 +151,9 @@ struct CProcessPools {
             pools[5 + i] = new (storage[5 + i])
                 CFixBlockAllocator(kUnicodeStringBlockSizes[i], kPoolRefillCount);
         }
-        for (int i = 0; i < 10; ++i)
+        pools[kRecordPoolIndex] = new (storage[kRecordPoolIndex])
+            CFixBlockAllocator(::lumo::detail::kRefRecordBlockSize, kPoolRefillCount);
+        for (int i = 0; i < kProcessPoolCount; ++i)
             pools[i]->m_cacheSlot = i;
     }
 };
@@ -179,8 +187,8 @@ namespace {
 // to the pools.
 unsigned const kCacheDepth = 4;
 struct CThreadCache {
-    void* blocks[10][kCacheDepth];
-    unsigned char counts[10];
+    void* blocks[kProcessPoolCount][kCacheDepth];
+    unsigned char counts[kProcessPoolCount];
     bool started;
     bool finished;
 };
@@ -191,7 +199,7 @@ thread_local CThreadCache t_cache __attribute__((tls_model("initial-exec")));
 struct CCacheFlusher {
     ~CCacheFlusher() {
         CFixBlockAllocator** pools = ProcessPools();
-        for (int slot = 0; slot < 10; ++slot) {
+        for (int slot = 0; slot < kProcessPoolCount; ++slot) {
             while (t_cache.counts[slot] > 0)
                 pools[slot]->Free(t_cache.blocks[slot][--t_cache.counts[slot]]);
         }
@@ -242,4 +250,12 @@ CFixBlockAllocator& CFixBlockAllocator::UnicodeStringPool(int sizeClass) {
 }
 
 } // namespace base
+
+namespace detail {
+
+base::CFixBlockAllocator& RefRecordPool() {
+    return *base::ProcessPools()[base::kRecordPoolIndex];
+}
+
+} // namespace detail
 } // namespace lumo

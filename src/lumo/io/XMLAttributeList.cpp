@@ -70,6 +70,12 @@ void XMLAttributeList::Release() noexcept {
     m_capacity = 0;
 }
 
+void XMLAttributeList::Clear() noexcept {
+    for (unsigned long i = 0; i < m_count; ++i)
+        m_entries[i].~Entry();
+    m_count = 0;
+}
+
 void XMLAttributeList::Add(CUnicodeString const& qualifiedName, CUnicodeString const& localName,
                            CUnicodeString const& namespaceURI, CUnicodeString const& value) {
     if (m_count == m_capacity) {

@@ -84,15 +84,37 @@ void CXMLTextReader::CheckOpen(int line) const {
         throw CIOException(kUnit, static_cast<unsigned long>(line), "Reader closed.", nullptr);
 }
 
-CRef<IXMLToken> const& CXMLTextReader::GetCurrentToken() const {
+CRef<IXMLToken> const& CXMLTextReader::Current() const {
+    if (m_unmade) {
+        m_current = m_tokenizer->Current().MakeToken();
+        m_unmade = false;
+    }
     return m_current;
 }
 
+XMLTokenType CXMLTextReader::CurrentType() const {
+    return m_unmade ? m_tokenizer->Current().type : m_current->GetType();
+}
+
+CUnicodeString CXMLTextReader::CurrentValue() const {
+    return m_unmade ? m_tokenizer->Current().value : m_current->GetValue();
+}
+
+CRef<IXMLToken> const& CXMLTextReader::GetCurrentToken() const {
+    return Current();
+}
+
+// An event not yet made into a token answers from the tokenizer's values, which
+// cannot fail; a made token (or none) takes the base class's guarded way.
 XMLTokenType CXMLTextReader::GetCurrentTokenType() {
+    if (m_unmade)
+        return m_tokenizer->Current().type;
     return CXMLReader::GetCurrentTokenType();
 }
 
 CUnicodeString CXMLTextReader::GetCurrentTokenValue() {
+    if (m_unmade)
+        return m_tokenizer->Current().value;
     return CXMLReader::GetCurrentTokenValue();
 }
 
@@ -100,16 +122,19 @@ bool CXMLTextReader::ReadToken() {
     CheckOpen(__LINE__);
     if (!m_lookAhead.IsNull()) {
         m_current = std::move(m_lookAhead);
+        m_unmade = false;
         return true;
     }
-    m_current = m_tokenizer->GetNextToken();
-    return !m_current.IsNull();
+    // A failure leaves the current token (and the tokenizer's current event) as it was.
+    bool const more = m_tokenizer->Advance();
+    m_current = nullptr;
+    m_unmade = more;
+    return more;
 }
 
 template <class Match> void CXMLTextReader::Search(XMLTokenType type, Match&& matches) {
     while (ReadToken()) {
-        IXMLToken const& token = *m_current;
-        if (token.GetType() == type && matches(token))
+        if (CurrentType() == type && matches(*Current()))
             return;
     }
     throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
@@ -172,17 +197,18 @@ void CXMLTextReader::ReadEndElement() {
 }
 
 void CXMLTextReader::JoinText() {
-    CRef<IXMLToken> const first = m_current;
+    CRef<IXMLToken> const first = Current();
     CUnicodeString text = first->GetValue();
     bool joined = false;
     while (ReadToken()) {
-        if (!detail::IsTextToken(m_current->GetType())) {
-            m_lookAhead = m_current;
+        if (!detail::IsTextToken(CurrentType())) {
+            m_lookAhead = Current();
             break;
         }
-        text += m_current->GetValue();
+        text += CurrentValue();
         joined = true;
     }
+    m_unmade = false;
     // A lone text token already is the joined text.
     if (!joined && first->GetType() == XMLTokenText)
         m_current = first;
@@ -192,7 +218,7 @@ void CXMLTextReader::JoinText() {
 
 void CXMLTextReader::ReadElementText(CUnicodeString& text) {
     ReadElementText();
-    text = m_current->GetValue();
+    text = Current()->GetValue();
 }
 
 void CXMLTextReader::ReadElementText() {
@@ -200,21 +226,21 @@ void CXMLTextReader::ReadElementText() {
         do {
             if (!ReadToken())
                 throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
-        } while (!detail::IsTextToken(m_current->GetType()));
+        } while (!detail::IsTextToken(CurrentType()));
         JoinText();
     });
 }
 
 bool CXMLTextReader::ReadElementTextIfAvailable() {
     return Guard(__LINE__, "Failed to read element text.", [&] {
-        CRef<IXMLToken> const previous = m_current;
+        CRef<IXMLToken> const previous = Current();
         if (!ReadToken()) {
             m_current = previous;
             return false;
         }
-        if (!detail::IsTextToken(m_current->GetType())) {
+        if (!detail::IsTextToken(CurrentType())) {
             // Nothing consumed: the token waits for the next read.
-            m_lookAhead = m_current;
+            m_lookAhead = Current();
             m_current = previous;
             return false;
         }
@@ -226,6 +252,7 @@ bool CXMLTextReader::ReadElementTextIfAvailable() {
 void CXMLTextReader::Close() {
     m_tokenizer.reset();
     m_current = nullptr;
+    m_unmade = false;
     m_lookAhead = nullptr;
     if (!m_stream.IsNull()) {
         CRef<CInputStream> const stream = std::move(m_stream);

@@ -10,6 +10,8 @@
 #include "detail/XercesInputSources.h"
 
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
@@ -41,18 +43,88 @@ std::size_t Length(XMLCh const* s) {
 
 // Texts up to this length go through the tokenizer's cache.
 std::size_t const kShortText = 32;
+// A string that reuses its buffer keeps it only up to this capacity in units (the
+// pooled sizes), so that one long text does not stay held for the whole document.
+unsigned long const kKeptCapacity = 1024;
+
+// Makes `target` exactly the n units at `chars`, writing into its own buffer when no
+// other string shares it: the tokenizer overwrites the same strings event after event.
+void CopyUnits(CUnicodeString& target, XMLCh const* chars, std::size_t n) {
+    if (target.GetCapacity() > kKeptCapacity)
+        target = CUnicodeString();
+    else
+        target.Empty(); // a shared buffer is left to the others, a private one kept
+    if (n == 0)
+        return;
+    unsigned short* buffer = target.GetBuffer(static_cast<unsigned long>(n));
+    for (std::size_t i = 0; i < n; ++i)
+        buffer[i] = static_cast<unsigned short>(chars[i]);
+    target.SetLength(static_cast<unsigned long>(n));
+}
 
 } // namespace
 
-struct CXMLTextTokenizer::Names {
-    bool namespaced;
-    CUnicodeString uri;
-    CUnicodeString local;
-    CUnicodeString qualified;
-};
+CRef<IXMLToken> CXMLTokenEvent::MakeToken() const {
+    switch (type) {
+    case XMLTokenStartElement:
+        // The list is copied, not moved: a failure leaves the event whole, and the
+        // event keeps the list's room for the next start tag.
+        if (namespaced)
+            return CRef<IXMLToken>(
+                new CXMLStartElementToken(namespaceURI, localName, value, attributes));
+        return CRef<IXMLToken>(new CXMLStartElementToken(value, attributes));
+    case XMLTokenEndElement:
+        if (namespaced)
+            return CRef<IXMLToken>(new CXMLEndElementToken(namespaceURI, localName, value));
+        return CRef<IXMLToken>(new CXMLEndElementToken(value));
+    case XMLTokenComment:
+        return CRef<IXMLToken>(new CXMLCommentToken(value));
+    case XMLTokenProcessingInstruction:
+        return CRef<IXMLToken>(new CXMLPIToken(value, data));
+    case XMLTokenText:
+    case XMLTokenCDATA:
+        break;
+    }
+    return CXMLToken::CreateCharacterToken(value, type == XMLTokenCDATA);
+}
+
+CXMLEventRing::~CXMLEventRing() {
+    delete[] m_slots;
+}
+
+void CXMLEventRing::Grow() {
+    std::uint32_t const capacity = m_slots == nullptr ? 8 : (m_mask + 1) * 2;
+    CXMLTokenEvent* slots = new (std::nothrow) CXMLTokenEvent[capacity];
+    if (slots == nullptr)
+        throw base::CMemoryException(kUnit, __LINE__);
+    if (m_slots != nullptr) {
+        // The current event goes to slot 0, the waiting ones behind it. The lists are
+        // copied first (which may fail, leaving the ring as it was); the rest moves.
+        try {
+            for (std::uint32_t i = 0; i <= m_size; ++i)
+                slots[i].attributes = m_slots[(m_head - 1 + i) & m_mask].attributes;
+        } catch (...) {
+            delete[] slots;
+            throw;
+        }
+        for (std::uint32_t i = 0; i <= m_size; ++i) {
+            CXMLTokenEvent& from = m_slots[(m_head - 1 + i) & m_mask];
+            slots[i].type = from.type;
+            slots[i].namespaced = from.namespaced;
+            slots[i].value = static_cast<CUnicodeString&&>(from.value);
+            slots[i].localName = static_cast<CUnicodeString&&>(from.localName);
+            slots[i].namespaceURI = static_cast<CUnicodeString&&>(from.namespaceURI);
+            slots[i].data = static_cast<CUnicodeString&&>(from.data);
+        }
+        delete[] m_slots;
+    }
+    m_slots = slots;
+    m_mask = capacity - 1;
+    m_head = 1;
+}
 
 CXMLTextTokenizer::CXMLTextTokenizer(CRef<CInputStream> const& stream)
-    : m_queue(2, 2), m_depth(0), m_finished(false), m_uriCached() {
+    : m_depth(0), m_finished(false), m_uriCached() {
     if (stream.IsNull())
         throw CIOException(kUnit, __LINE__, "Invalid input stream.", nullptr);
     try {
@@ -64,7 +136,7 @@ CXMLTextTokenizer::CXMLTextTokenizer(CRef<CInputStream> const& stream)
 }
 
 CXMLTextTokenizer::CXMLTextTokenizer(xercesc::InputSource* source)
-    : m_queue(2, 2), m_source(source), m_depth(0), m_finished(false), m_uriCached() {
+    : m_source(source), m_depth(0), m_finished(false), m_uriCached() {
     Start();
 }
 
@@ -98,7 +170,7 @@ void CXMLTextTokenizer::Start() {
     }
 }
 
-CRef<IXMLToken> CXMLTextTokenizer::GetNextToken() {
+bool CXMLTextTokenizer::Advance() {
     try {
         if (m_queue.IsEmpty()) {
             if (m_pending) {
@@ -108,9 +180,10 @@ CRef<IXMLToken> CXMLTextTokenizer::GetNextToken() {
             }
             ScanUntilToken();
             if (m_queue.IsEmpty())
-                return CRef<IXMLToken>();
+                return false;
         }
-        return m_queue.Dequeue();
+        m_queue.Pop();
+        return true;
     } catch (CIOException const&) {
         throw;
     } catch (base::CMemoryException const&) {
@@ -142,19 +215,29 @@ void CXMLTextTokenizer::ScanUntilToken() {
     }
 }
 
-CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars, std::size_t length) {
-    if (length == 0 || length > kShortText)
-        return FromXMLCh(chars, length);
+CUnicodeString const& CXMLTextTokenizer::CachedText(XMLCh const* chars, std::size_t length) {
     // A cheap slot choice from the length and three units; a full comparison decides.
     std::uint32_t const hash = static_cast<std::uint32_t>(length) * 97u + chars[0] * 31u +
                                chars[length / 2] * 7u + chars[length - 1];
     CUnicodeString& cached = m_texts[hash % kTextSlots];
     // Both unit types are 16-bit unsigned integers: their bytes compare alike.
-    if (cached.GetLength() == length &&
-        std::memcmp(static_cast<unsigned short const*>(cached), chars, length * 2) == 0)
-        return cached;
-    cached = FromXMLCh(chars, length);
+    if (cached.GetLength() != length ||
+        std::memcmp(static_cast<unsigned short const*>(cached), chars, length * 2) != 0)
+        CopyUnits(cached, chars, length);
     return cached;
+}
+
+CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars, std::size_t length) {
+    if (length == 0 || length > kShortText)
+        return FromXMLCh(chars, length);
+    return CachedText(chars, length);
+}
+
+void CXMLTextTokenizer::SetText(CUnicodeString& target, XMLCh const* chars, std::size_t length) {
+    if (length == 0 || length > kShortText)
+        CopyUnits(target, chars, length);
+    else
+        target = CachedText(chars, length);
 }
 
 CUnicodeString CXMLTextTokenizer::Text(XMLCh const* chars) {
@@ -173,53 +256,61 @@ CUnicodeString const& CXMLTextTokenizer::URIText(unsigned int uriId) {
     return m_uriScratch;
 }
 
-CXMLTextTokenizer::Names CXMLTextTokenizer::ElementNames(xercesc::XMLElementDecl const& elemDecl,
-                                                         unsigned int uriId) {
-    Names names;
-    names.qualified = Text(elemDecl.getFullName());
-    names.namespaced = uriId != 0;
-    if (names.namespaced) {
-        names.uri = URIText(uriId);
+void CXMLTextTokenizer::SetElementNames(CXMLTokenEvent& event,
+                                        xercesc::XMLElementDecl const& elemDecl,
+                                        unsigned int uriId) {
+    XMLCh const* qualified = elemDecl.getFullName();
+    SetText(event.value, qualified, Length(qualified));
+    event.namespaced = uriId != 0;
+    if (event.namespaced) {
+        event.namespaceURI = URIText(uriId);
         XMLCh const* local = elemDecl.getBaseName();
         std::size_t const n = Length(local);
         // Without a prefix the local name is the qualified name.
-        names.local = n == names.qualified.GetLength() ? names.qualified : Text(local, n);
+        if (n == event.value.GetLength())
+            event.localName = event.value;
+        else
+            SetText(event.localName, local, n);
     }
-    return names;
 }
 
 void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId,
                                      XMLCh const*,
                                      xercesc::RefVectorOf<xercesc::XMLAttr> const& attrList,
                                      XMLSize_t attrCount, bool isEmpty, bool) {
-    Names const names = ElementNames(elemDecl, uriId);
-    XMLAttributeList attributes;
+    CXMLTokenEvent& start = m_queue.Back();
+    start.type = XMLTokenStartElement;
+    SetElementNames(start, elemDecl, uriId);
+    start.attributes.Clear();
     for (XMLSize_t i = 0; i < attrCount; ++i) {
         xercesc::XMLAttr const* attr = attrList.elementAt(i);
-        CUnicodeString const qualified = Text(attr->getQName());
+        XMLCh const* qualifiedName = attr->getQName();
+        std::size_t const qualifiedLength = Length(qualifiedName);
+        CUnicodeString const qualified = Text(qualifiedName, qualifiedLength);
         XMLCh const* local = attr->getName();
         std::size_t const localLength = Length(local);
         unsigned int uri = attr->getURIId();
         // The scanner leaves a default namespace declaration without namespace; like
         // the prefixed declarations it belongs to the xmlns namespace.
-        if (xercesc::XMLString::equals(attr->getQName(), xercesc::XMLUni::fgXMLNSString))
+        if (qualifiedLength == 5 &&
+            xercesc::XMLString::equals(qualifiedName, xercesc::XMLUni::fgXMLNSString))
             uri = m_scanner->getXMLNSNamespaceId();
-        attributes.Add(qualified,
-                       localLength == qualified.GetLength() ? qualified : Text(local, localLength),
-                       uri != 0 ? URIText(uri) : CUnicodeString(), Text(attr->getValue()));
+        start.attributes.Add(
+            qualified, localLength == qualified.GetLength() ? qualified : Text(local, localLength),
+            uri != 0 ? URIText(uri) : CUnicodeString(), Text(attr->getValue()));
     }
-    CRef<IXMLToken> start(
-        names.namespaced ? new CXMLStartElementToken(names.uri, names.local, names.qualified,
-                                                     static_cast<XMLAttributeList&&>(attributes))
-                         : new CXMLStartElementToken(names.qualified,
-                                                     static_cast<XMLAttributeList&&>(attributes)));
-    m_queue.Enqueue(start);
+    m_queue.Push();
     if (isEmpty) {
-        // The parser reports no end for an empty element.
-        CRef<IXMLToken> end(names.namespaced
-                                ? new CXMLEndElementToken(names.uri, names.local, names.qualified)
-                                : new CXMLEndElementToken(names.qualified));
-        m_queue.Enqueue(end);
+        // The parser reports no end for an empty element. (The start event stays in
+        // place: Back keeps the slots of waiting events.)
+        CXMLTokenEvent& end = m_queue.Back();
+        CXMLTokenEvent const& queued = m_queue.Last();
+        end.type = XMLTokenEndElement;
+        end.namespaced = queued.namespaced;
+        end.value = queued.value;
+        end.localName = queued.localName;
+        end.namespaceURI = queued.namespaceURI;
+        m_queue.Push();
     } else {
         ++m_depth;
     }
@@ -227,27 +318,37 @@ void CXMLTextTokenizer::startElement(xercesc::XMLElementDecl const& elemDecl, un
 
 void CXMLTextTokenizer::endElement(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId,
                                    bool, XMLCh const*) {
-    Names const names = ElementNames(elemDecl, uriId);
-    CRef<IXMLToken> end(names.namespaced
-                            ? new CXMLEndElementToken(names.uri, names.local, names.qualified)
-                            : new CXMLEndElementToken(names.qualified));
-    m_queue.Enqueue(end);
+    CXMLTokenEvent& end = m_queue.Back();
+    end.type = XMLTokenEndElement;
+    SetElementNames(end, elemDecl, uriId);
+    m_queue.Push();
     if (m_depth > 0)
         --m_depth;
 }
 
 void CXMLTextTokenizer::docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) {
     // Character data outside the root element is dropped.
-    if (m_depth > 0)
-        m_queue.Enqueue(CXMLToken::CreateCharacterToken(Text(chars, length), cdataSection));
+    if (m_depth > 0) {
+        CXMLTokenEvent& text = m_queue.Back();
+        text.type = cdataSection ? XMLTokenCDATA : XMLTokenText;
+        SetText(text.value, chars, length);
+        m_queue.Push();
+    }
 }
 
 void CXMLTextTokenizer::docComment(XMLCh const* comment) {
-    m_queue.Enqueue(CRef<IXMLToken>(new CXMLCommentToken(FromXMLCh(comment))));
+    CXMLTokenEvent& event = m_queue.Back();
+    event.type = XMLTokenComment;
+    event.value = FromXMLCh(comment);
+    m_queue.Push();
 }
 
 void CXMLTextTokenizer::docPI(XMLCh const* target, XMLCh const* data) {
-    m_queue.Enqueue(CRef<IXMLToken>(new CXMLPIToken(FromXMLCh(target), FromXMLCh(data))));
+    CXMLTokenEvent& event = m_queue.Back();
+    event.type = XMLTokenProcessingInstruction;
+    event.value = FromXMLCh(target);
+    event.data = FromXMLCh(data);
+    m_queue.Push();
 }
 
 void CXMLTextTokenizer::endDocument() {}

@@ -28,11 +28,17 @@ XMLTokenType CXMLToken::GetType() const {
 namespace {
 // The smallest block class of the process-wide pools holds every token of this unit.
 std::size_t const kPooledSize = 76;
+
+// Looked up once: a reader makes and drops a token per markup event.
+base::CFixBlockAllocator& TokenPool() {
+    static base::CFixBlockAllocator& pool = base::CFixBlockAllocator::StringPool(0);
+    return pool;
+}
 } // namespace
 
 void* CXMLToken::operator new(std::size_t size) {
     if (size <= kPooledSize)
-        return base::CFixBlockAllocator::StringPool(0).AllocateCached();
+        return TokenPool().AllocateCached();
     return base::CBase::operator new(size);
 }
 
@@ -40,7 +46,7 @@ void CXMLToken::operator delete(void* block, std::size_t size) noexcept {
     if (block == nullptr)
         return;
     if (size <= kPooledSize)
-        base::CFixBlockAllocator::StringPool(0).FreeCached(block);
+        TokenPool().FreeCached(block);
     else
         base::CBase::operator delete(block);
 }

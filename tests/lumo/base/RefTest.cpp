@@ -1,5 +1,6 @@
 // Tests of CRef and RefCountedPtr: empty holders, single destruction by the last copy,
 // self-assignment, throwing destructors, non-owning holders, conversions, moves, compare.
+// ctest-labels: concurrency
 #include <lumo/base/Exception.h>
 #include <lumo/base/Object.h>
 #include <lumo/base/Ref.h>

@@ -97,6 +97,69 @@ TEST(XMLTextReader, SearchesAndTextJoining) {
     strings->ReadEndElement(W("r"));
 }
 
+// Tokens are made only when asked for, from values the reader reuses: what a caller
+// was handed must stay as it was while reading goes on, and the type and value read
+// before and after the token is made must agree.
+TEST(XMLTextReader, HandedOutTokensAndValuesOutliveLaterReads) {
+    // Twenty comments before the root arrive in one step, more than the queue's start.
+    std::string xml;
+    for (int i = 0; i < 20; ++i)
+        xml += "<!--c" + std::to_string(i) + "-->";
+    xml += "<r><e a='v0'>t0</e><e a='v1'>t1</e><e a='v2'>a text longer than thirty-two units "
+           "2</e><e a='v3'/></r>";
+    auto reader = ReaderOver(xml);
+    std::vector<CRef<IXMLToken>> tokens;
+    std::vector<CUnicodeString> values;
+    Lines seen;
+    while (reader->ReadToken()) {
+        XMLTokenType const type = reader->GetCurrentTokenType();
+        CUnicodeString const value = reader->GetCurrentTokenValue();
+        CRef<IXMLToken> const& token = reader->GetCurrentToken();
+        ASSERT_FALSE(token.IsNull());
+        EXPECT_EQ(token.Get(), reader->GetCurrentToken().Get()); // made once
+        EXPECT_EQ(type, token->GetType());
+        EXPECT_EQ(Utf8(value), Utf8(token->GetValue()));
+        EXPECT_EQ(type, reader->GetCurrentTokenType());
+        seen.push_back(std::to_string(type) + "|" + Utf8(value));
+        tokens.push_back(token);
+        values.push_back(value);
+    }
+    ASSERT_EQ(20u + 2u + 3u * 3u + 2u, seen.size());
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        EXPECT_EQ(seen[i], std::to_string(tokens[i]->GetType()) + "|" + Utf8(values[i]));
+        EXPECT_EQ(Utf8(values[i]), Utf8(tokens[i]->GetValue()));
+    }
+    EXPECT_EQ("1|c0", seen[0]);
+    EXPECT_EQ("3|a text longer than thirty-two units 2", seen[28]);
+    auto const* start = dynamic_cast<IXMLStartElementToken const*>(tokens[30].Get());
+    ASSERT_NE(nullptr, start);
+    EXPECT_EQ("v3", Utf8(start->GetAttribute(W("a"))));
+
+    // Values read without ever making a token stay intact too.
+    auto plain = ReaderOver(xml);
+    values.clear();
+    while (plain->ReadToken())
+        values.push_back(plain->GetCurrentTokenValue());
+    ASSERT_EQ(seen.size(), values.size());
+    for (std::size_t i = 0; i < seen.size(); ++i)
+        EXPECT_EQ(seen[i].substr(seen[i].find('|') + 1), Utf8(values[i]));
+
+    // A fault keeps the current token as it was, whether it was made or not.
+    for (bool make : {false, true}) {
+        auto broken = ReaderOver("<r><a>x</a><b></r>");
+        broken->ReadStartElement(W("a"));
+        ASSERT_TRUE(broken->ReadToken());
+        if (make)
+            broken->GetCurrentToken();
+        while (broken->GetCurrentTokenType() != XMLTokenStartElement ||
+               Utf8(broken->GetCurrentTokenValue()) != "b")
+            ASSERT_TRUE(broken->ReadToken());
+        EXPECT_THROW(broken->ReadToken(), CXMLException);
+        EXPECT_EQ(XMLTokenStartElement, broken->GetCurrentTokenType());
+        EXPECT_EQ("b", Utf8(broken->GetCurrentToken()->GetValue()));
+    }
+}
+
 TEST(XMLTextReader, ArgumentAndStateFailures) {
     auto reader = ReaderOver("<a>x</a>");
     struct Case {

@@ -58,6 +58,15 @@ TEST(XMLToken, TypesNamesAndAttributes) {
     copy = XMLAttributeList();
     EXPECT_EQ(2u, list.GetLength());
     EXPECT_EQ(0u, copy.GetLength());
+    // Clearing drops the attributes, not the copies made before; the list takes new ones.
+    XMLAttributeList kept(list);
+    list.Clear();
+    EXPECT_EQ(0u, list.GetLength());
+    EXPECT_FALSE(list.HasAttribute(W("p:a")));
+    list.Add(CUnicodeString("b"), CUnicodeString("b"), CUnicodeString(), CUnicodeString("3"));
+    EXPECT_EQ("3", Utf8(list.GetAttribute(W("b"))));
+    EXPECT_EQ(1u, list.GetLength());
+    EXPECT_EQ("1", Utf8(kept.GetAttribute(W("p:a"))));
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <lumo/base/Ref.h>
 #include <lumo/io/InputStream.h>
 #include <lumo/io/XMLToken.h>
-#include <lumo/util/Queue.h>
 
 #include <xercesc/framework/XMLDocumentHandler.hpp>
 #include <xercesc/framework/XMLEntityHandler.hpp>
@@ -26,6 +25,65 @@
 
 namespace lumo {
 namespace io {
+
+/// One markup event kept as plain values: a reader that only asks for the type and
+/// value of each event never has a token object made for it.
+struct CXMLTokenEvent {
+    XMLTokenType type = XMLTokenText;
+    // An element reported with a namespace URI id (names in the namespace form).
+    bool namespaced = false;
+    // The text, comment, instruction target or qualified name: the token's value.
+    base::CUnicodeString value;
+    base::CUnicodeString localName;
+    base::CUnicodeString namespaceURI;
+    base::CUnicodeString data; // of an instruction
+    XMLAttributeList attributes;
+
+    /// A new token for the event; CMemoryException when out of memory (the event is
+    /// then unchanged).
+    base::CRef<IXMLToken> MakeToken() const;
+};
+
+/// The events of one scanner step waiting to be handed out, first in first out, and
+/// the one handed out last (the current event): a ring of slots that doubles when
+/// full and never shrinks, so that the same slots, strings and lists serve the whole
+/// document. The current event's slot is never written by Push.
+class CXMLEventRing {
+public:
+    CXMLEventRing() noexcept : m_slots(nullptr), m_mask(0), m_head(0), m_size(0) {}
+    ~CXMLEventRing();
+    CXMLEventRing(CXMLEventRing const&) = delete;
+    CXMLEventRing& operator=(CXMLEventRing const&) = delete;
+
+    bool IsEmpty() const noexcept { return m_size == 0; }
+    /// The slot behind the last waiting event (holding stale values to overwrite),
+    /// which Push then adds; CMemoryException when the ring cannot grow.
+    CXMLTokenEvent& Back() {
+        // One slot stays free for the current event.
+        if (m_slots == nullptr || m_size + 1 == m_mask + 1)
+            Grow();
+        return m_slots[(m_head + m_size) & m_mask];
+    }
+    /// Adds the event filled in through Back.
+    void Push() noexcept { ++m_size; }
+    /// The last waiting event; the ring must not be empty.
+    CXMLTokenEvent const& Last() const noexcept { return m_slots[(m_head + m_size - 1) & m_mask]; }
+    /// Makes the oldest waiting event the current one; the ring must not be empty.
+    void Pop() noexcept {
+        m_head = (m_head + 1) & m_mask;
+        --m_size;
+    }
+    /// The event handed out last by Pop.
+    CXMLTokenEvent& Current() noexcept { return m_slots[(m_head - 1) & m_mask]; }
+
+private:
+    void Grow();
+
+    CXMLTokenEvent* m_slots;
+    std::uint32_t m_mask; // capacity - 1; the capacity is a power of two
+    std::uint32_t m_head;
+    std::uint32_t m_size;
+};
 
 /// Pulls a document token by token. Nothing outside the document is ever read: every
 /// external entity and DTD is answered with an empty memory source. The parser's
@@ -45,10 +103,12 @@ public:
     CXMLTextTokenizer(CXMLTextTokenizer const&) = delete;
     CXMLTextTokenizer& operator=(CXMLTextTokenizer const&) = delete;
 
-    /// The next token, null at the end. CIOException and CMemoryException pass;
-    /// any other failure is CXMLException "Failed to get the next token of xml text
-    /// tokenizer.".
-    base::CRef<IXMLToken> GetNextToken();
+    /// Moves to the next event; false at the end. CIOException and CMemoryException
+    /// pass; any other failure is CXMLException "Failed to get the next token of xml
+    /// text tokenizer.". A failure leaves the current event as it was.
+    bool Advance();
+    /// The event Advance moved to last (valid after it returned true).
+    CXMLTokenEvent& Current() noexcept { return m_queue.Current(); }
 
     // XMLDocumentHandler
     void docCharacters(XMLCh const* chars, XMLSize_t length, bool cdataSection) override;
@@ -85,8 +145,6 @@ public:
     void resetErrors() override;
 
 private:
-    struct Names;
-
     void Start();
     void ScanUntilToken();
     // The URI text of a scanner id (ids of a parse never change, so they are cached).
@@ -94,9 +152,14 @@ private:
     // The text as a string, shared with an earlier equal one when it is short.
     base::CUnicodeString Text(XMLCh const* chars, std::size_t length);
     base::CUnicodeString Text(XMLCh const* chars);
-    Names ElementNames(xercesc::XMLElementDecl const& elemDecl, unsigned int uriId);
+    // The same written into `target`, whose own buffer serves again where it can.
+    void SetText(base::CUnicodeString& target, XMLCh const* chars, std::size_t length);
+    // The cache's string for a text of 1 to 32 units.
+    base::CUnicodeString const& CachedText(XMLCh const* chars, std::size_t length);
+    void SetElementNames(CXMLTokenEvent& event, xercesc::XMLElementDecl const& elemDecl,
+                         unsigned int uriId);
 
-    util::Queue<base::CRef<IXMLToken>> m_queue;
+    CXMLEventRing m_queue;
     // The source outlives the scanner, whose readers use the streams it made.
     std::unique_ptr<xercesc::InputSource> m_source;
     std::unique_ptr<xercesc::GrammarResolver> m_resolver;
