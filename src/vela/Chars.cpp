@@ -222,19 +222,10 @@ long DropIncomplete(Byte const* s, long n) {
         Byte const b = s[j];
         if (IsCont(b))
             continue;
-        long const need = b >= 0xC2 && b <= 0xDF   ? 2
-                          : b >= 0xE0 && b <= 0xEF ? 3
-                          : b >= 0xF0 && b <= 0xF4 ? 4
-                                                   : 1;
-        if (need <= n - j)
+        if (utf8::StrictLength(b) <= n - j)
             return n;
-        if (j + 1 < n) {
-            Byte const b1 = s[j + 1];
-            Byte const low = b == 0xE0 ? 0xA0 : b == 0xF0 ? 0x90 : 0x80;
-            Byte const high = b == 0xED ? 0x9F : b == 0xF4 ? 0x8F : 0xBF;
-            if (b1 < low || b1 > high)
-                return n;
-        }
+        if (j + 1 < n && (s[j + 1] < utf8::SecondLow(b) || s[j + 1] > utf8::SecondHigh(b)))
+            return n;
         return j;
     }
     return n;

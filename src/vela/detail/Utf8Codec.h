@@ -63,8 +63,25 @@ inline bool IsSurrogate(std::uint32_t u) {
 // ---------------------------------------------------------------------------------
 // One character
 
+// The length of the well-formed sequences a lead byte starts (Unicode table 3-7);
+// 1 for a byte that starts none but itself.
+inline int StrictLength(Byte b0) {
+    return b0 < 0xC2 ? 1 : b0 <= 0xDF ? 2 : b0 <= 0xEF ? 3 : b0 <= 0xF4 ? 4 : 1;
+}
+
+// The range of the byte after a lead of a well-formed multi-byte sequence (the others
+// are any continuation byte).
+inline Byte SecondLow(Byte b0) {
+    return b0 == 0xE0 ? 0xA0 : b0 == 0xF0 ? 0x90 : 0x80;
+}
+inline Byte SecondHigh(Byte b0) {
+    return b0 == 0xED ? 0x9F : b0 == 0xF4 ? 0x8F : 0xBF;
+}
+
 // The sequence at s (n > 0 bytes left), strict (Unicode table 3-7) unless `lenient`:
-// returns its length and the code point, or length 1 and kMalformed + the byte.
+// returns its length and the code point, or length 1 and kMalformed + the byte. The
+// bytes are read in order and no further than the first that does not fit, so a text
+// with a terminator may pass a larger n.
 inline int DecodeOne(Byte const* s, std::size_t n, std::uint32_t& c, bool lenient = false) {
     Byte const b0 = s[0];
     if (b0 < 0x80) {
@@ -89,24 +106,17 @@ inline int DecodeOne(Byte const* s, std::size_t n, std::uint32_t& c, bool lenien
             return 2;
         }
     } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-        if (n >= 3) {
-            Byte const lo = b0 == 0xE0 ? 0xA0 : 0x80;
-            Byte const hi = b0 == 0xED ? 0x9F : 0xBF;
-            if (s[1] >= lo && s[1] <= hi && IsContinuation(s[2])) {
-                c = (std::uint32_t(b0 & 0x0F) << 12) | (std::uint32_t(s[1] & 0x3F) << 6) |
-                    (s[2] & 0x3F);
-                return 3;
-            }
+        if (n >= 3 && s[1] >= SecondLow(b0) && s[1] <= SecondHigh(b0) && IsContinuation(s[2])) {
+            c = (std::uint32_t(b0 & 0x0F) << 12) | (std::uint32_t(s[1] & 0x3F) << 6) |
+                (s[2] & 0x3F);
+            return 3;
         }
     } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-        if (n >= 4) {
-            Byte const lo = b0 == 0xF0 ? 0x90 : 0x80;
-            Byte const hi = b0 == 0xF4 ? 0x8F : 0xBF;
-            if (s[1] >= lo && s[1] <= hi && IsContinuation(s[2]) && IsContinuation(s[3])) {
-                c = (std::uint32_t(b0 & 0x07) << 18) | (std::uint32_t(s[1] & 0x3F) << 12) |
-                    (std::uint32_t(s[2] & 0x3F) << 6) | (s[3] & 0x3F);
-                return 4;
-            }
+        if (n >= 4 && s[1] >= SecondLow(b0) && s[1] <= SecondHigh(b0) && IsContinuation(s[2]) &&
+            IsContinuation(s[3])) {
+            c = (std::uint32_t(b0 & 0x07) << 18) | (std::uint32_t(s[1] & 0x3F) << 12) |
+                (std::uint32_t(s[2] & 0x3F) << 6) | (s[3] & 0x3F);
+            return 4;
         }
     }
     c = kMalformed + b0;
