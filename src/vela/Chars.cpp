@@ -1,6 +1,7 @@
 // The 8-bit character routines over UTF-8: a strict decoder in which a malformed byte is
 // a character of its own, byte-level fast paths (SSE2 where present) and ICU case mapping.
 #include <vela/Chars.h>
+#include <vela/Ucs.h>
 
 #include "detail/Utf8Codec.h"
 
@@ -513,18 +514,18 @@ long CHUnicode2ANSI(unsigned short const* text, long length, char* target, long 
                     void*) {
     if (text == nullptr)
         length = 0;
+    else if (length < 0)
+        length = long(ucslen(text));
     // A 0 unit ends the text.
-    long n = 0;
-    while (length < 0 ? text[n] != 0 : n < length && text[n] != 0)
-        ++n;
-    utf8::Question policy;
+    unsigned short const* end = text + length;
     if (target == nullptr)
-        return long(utf8::CountBytes<utf8::Question>(text, text + n));
+        return long(utf8::CountBytes<utf8::Question, true>(text, end));
     if (targetSize <= 0)
         return 0;
+    end = utf8::FindZero(text, end);
+    utf8::Question policy;
     auto* const out = reinterpret_cast<Byte*>(target);
-    long const written =
-        long(utf8::Encode(text, text + n, out, out + (targetSize - 1), policy).bytes);
+    long const written = long(utf8::Encode(text, end, out, out + (targetSize - 1), policy).bytes);
     out[written] = 0;
     return written;
 }

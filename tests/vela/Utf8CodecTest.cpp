@@ -168,6 +168,15 @@ void CheckUnits(Units const& u) {
     EXPECT_EQ(r.replaced, subs > 0);
     EXPECT_EQ(utf8::CountBytes<utf8::Replace>(u.data(), u.data() + u.size()), replaced.size());
 
+    // Counting to the first 0 unit counts the text before it.
+    Units const head(u.begin(), std::find(u.begin(), u.end(), 0));
+    unsigned short const* stop = nullptr;
+    std::uint64_t const toZero =
+        utf8::CountBytes<utf8::Question, true>(u.data(), u.data() + u.size(), &stop);
+    EXPECT_EQ(toZero, IcuToUtf8(head, '?', nullptr).size());
+    EXPECT_EQ(std::size_t(stop - u.data()), head.size());
+    EXPECT_EQ(utf8::FindZero(u.data(), u.data() + u.size()), stop);
+
     // Own value: the lenient decoder gives the very units back.
     utf8::OwnValue own;
     std::string const mine = Encoded(u, own, room);
@@ -243,7 +252,7 @@ TEST(Utf8Codec, Generated) {
         bool const faulty = pick(0, 2) == 0;
         for (int k = 0; k < pieces; ++k) {
             std::uint32_t const kind = pick(0, 9);
-            std::uint32_t c = kind < 5   ? pick(1, 0x7F)
+            std::uint32_t c = kind < 5   ? pick(pick(0, 200) == 0 ? 0 : 1, 0x7F)
                               : kind < 7 ? pick(0x80, 0x7FF)
                               : kind < 9 ? pick(0x800, 0xFFFF)
                                          : pick(0x10000, 0x10FFFF);

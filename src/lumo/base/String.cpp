@@ -159,13 +159,13 @@ CString::CString(unsigned short const* text) : m_text(nullptr) {
 CString::CString(unsigned short const* text, unsigned long n) : m_text(nullptr) {
     if (text == nullptr)
         return;
-    unsigned long units = 0;
-    while (units < n && units < 0x7FFFFFFFul && text[units] != 0)
-        ++units;
-    // Unpaired surrogates become '?', as in the 8-bit routines.
-    std::uint64_t const needed = utf8::CountBytes<utf8::Question>(text, text + units);
+    // The text ends at its first 0 unit; unpaired surrogates become '?', as in the
+    // 8-bit routines.
+    unsigned short const* end = text + (n < 0x7FFFFFFFul ? n : 0x7FFFFFFFul);
+    std::uint64_t const needed = utf8::CountBytes<utf8::Question, true>(text, end, &end);
     if (needed == 0)
         return;
+    std::size_t const units = std::size_t(end - text);
     char* fresh = Core::NewBuffer(needed + 1);
     utf8::Question policy;
     auto* const out = reinterpret_cast<utf8::Byte*>(fresh);

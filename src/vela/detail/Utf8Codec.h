@@ -233,6 +233,23 @@ inline std::size_t WidenAscii(Byte const* p, Byte const* end, Unit* out, std::si
     return std::size_t(p - start);
 }
 
+// The first 0 unit of [p, end), or end.
+inline Unit const* FindZero(Unit const* p, Unit const* end) {
+#if VELA_HAVE_SSE2
+    __m128i const zero = _mm_setzero_si128();
+    while (end - p >= 8) {
+        int const mask = _mm_movemask_epi8(
+            _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<__m128i const*>(p)), zero));
+        if (mask != 0)
+            return p + __builtin_ctz(unsigned(mask)) / 2;
+        p += 8;
+    }
+#endif
+    while (p < end && *p != 0)
+        ++p;
+    return p;
+}
+
 // ---------------------------------------------------------------------------------
 // Bulk decoding
 
@@ -471,8 +488,10 @@ struct Replace {
 // ---------------------------------------------------------------------------------
 // Bulk encoding
 
-// Bytes of the UTF-8 form of [p, end) under the policy (which pairs surrogates).
-template <class Policy> std::uint64_t CountBytes(Unit const* p, Unit const* end) {
+// Bytes of the UTF-8 form of [p, end) under the policy (which pairs surrogates). With
+// kToZero the text ends at its first 0 unit too, and `stop` receives where it ends.
+template <class Policy, bool kToZero = false>
+std::uint64_t CountBytes(Unit const* p, Unit const* end, Unit const** stop = nullptr) {
     static_assert(Policy::kPairs, "counting knows paired surrogates only");
     constexpr int kUnpairedLess = 3 - Policy::kUnpairedBytes;
     std::uint64_t bytes = 0;
@@ -492,6 +511,8 @@ template <class Policy> std::uint64_t CountBytes(Unit const* p, Unit const* end)
     int rounds = 0;
     while (end - p >= 9) {
         __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
+        if (kToZero && _mm_movemask_epi8(_mm_cmpeq_epi16(v, zero)) != 0)
+            break;
         __m128i const next = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p + 1));
         __m128i const small = _mm_cmpeq_epi16(_mm_and_si128(v, above7F), zero);
         __m128i const medium = _mm_cmpeq_epi16(_mm_and_si128(v, above7FF), zero);
@@ -530,6 +551,10 @@ template <class Policy> std::uint64_t CountBytes(Unit const* p, Unit const* end)
 #endif
     while (p < end) {
         std::uint32_t const u = *p++;
+        if (kToZero && u == 0) {
+            --p;
+            break;
+        }
         if (u < 0x80) {
             bytes += 1;
         } else if (u < 0x800) {
@@ -543,6 +568,8 @@ template <class Policy> std::uint64_t CountBytes(Unit const* p, Unit const* end)
             bytes += Policy::kUnpairedBytes;
         }
     }
+    if (stop != nullptr)
+        *stop = p;
     return bytes;
 }
 
