@@ -1,5 +1,5 @@
-// CUnicodeString: the UTF-16 traits that instantiate StringCore, and the measured UTF-8
-// to UTF-16 conversions in both directions with SSE2 fast paths over ASCII runs.
+// CUnicodeString: the UTF-16 traits that instantiate StringCore, and its UTF-8
+// conversions (measure, then convert into a buffer of the exact size) through the codec.
 #include <lumo/base/UnicodeString.h>
 
 #include <vela/Chars.h>
