@@ -117,84 +117,60 @@ void Label(benchmark::State& state) {
     state.SetLabel(state.range(0) == 0 ? "mixed" : "ascii");
 }
 
+// One row: our conversion of the text of the range's kind against ICU's, in the same run.
+template <class Ours> void ToUtf8Row(benchmark::State& state, Ours ours) {
+    Texts const& t = Input(int(state.range(0)));
+    lumo_bench::SideBySide(
+        state, [&] { ours(t); }, [&] { IcuToUtf8(t.units); });
+    Label(state);
+}
+
+template <class Ours> void FromUtf8Row(benchmark::State& state, Ours ours) {
+    Texts const& t = Input(int(state.range(0)));
+    lumo_bench::SideBySide(
+        state, [&] { ours(t); }, [&] { IcuFromUtf8(t.bytes); });
+    Label(state);
+}
+
 } // namespace
 
 static void Codec_CStringFromUnitsN(benchmark::State& state) {
-    Texts const& t = Input(int(state.range(0)));
-    lumo_bench::SideBySide(
-        state,
-        [&] {
-            CString s(Lumo(t.units), static_cast<unsigned long>(t.units.size()));
-            benchmark::DoNotOptimize(s);
-        },
-        [&] { IcuToUtf8(t.units); });
-    Label(state);
+    ToUtf8Row(state, [](Texts const& t) {
+        benchmark::DoNotOptimize(
+            CString(Lumo(t.units), static_cast<unsigned long>(t.units.size())));
+    });
 }
 BENCHMARK(Codec_CStringFromUnitsN)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 static void Codec_CStringFromUnits(benchmark::State& state) {
-    Texts const& t = Input(int(state.range(0)));
-    lumo_bench::SideBySide(
-        state,
-        [&] {
-            CString s(Lumo(t.zunits));
-            benchmark::DoNotOptimize(s);
-        },
-        [&] { IcuToUtf8(t.units); });
-    Label(state);
+    ToUtf8Row(state, [](Texts const& t) { benchmark::DoNotOptimize(CString(Lumo(t.zunits))); });
 }
 BENCHMARK(Codec_CStringFromUnits)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 static void Codec_UnicodeStringToUTF8(benchmark::State& state) {
-    Texts const& t = Input(int(state.range(0)));
-    CUnicodeString const source(Lumo(t.zunits));
-    lumo_bench::SideBySide(
-        state,
-        [&] {
-            CString s = source.ToUTF8();
-            benchmark::DoNotOptimize(s);
-        },
-        [&] { IcuToUtf8(t.units); });
-    Label(state);
+    CUnicodeString const source(Lumo(Input(int(state.range(0))).zunits));
+    ToUtf8Row(state, [&source](Texts const&) { benchmark::DoNotOptimize(source.ToUTF8()); });
 }
 BENCHMARK(Codec_UnicodeStringToUTF8)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 static void Codec_UnicodeStringFromBytesN(benchmark::State& state) {
-    Texts const& t = Input(int(state.range(0)));
-    lumo_bench::SideBySide(
-        state,
-        [&] {
-            CUnicodeString s(t.bytes.data(), static_cast<unsigned long>(t.bytes.size()));
-            benchmark::DoNotOptimize(s);
-        },
-        [&] { IcuFromUtf8(t.bytes); });
-    Label(state);
+    FromUtf8Row(state, [](Texts const& t) {
+        benchmark::DoNotOptimize(
+            CUnicodeString(t.bytes.data(), static_cast<unsigned long>(t.bytes.size())));
+    });
 }
 BENCHMARK(Codec_UnicodeStringFromBytesN)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 static void Codec_UnicodeStringFromBytes(benchmark::State& state) {
-    Texts const& t = Input(int(state.range(0)));
-    lumo_bench::SideBySide(
-        state,
-        [&] {
-            CUnicodeString s(t.bytes.c_str());
-            benchmark::DoNotOptimize(s);
-        },
-        [&] { IcuFromUtf8(t.bytes); });
-    Label(state);
+    FromUtf8Row(state,
+                [](Texts const& t) { benchmark::DoNotOptimize(CUnicodeString(t.bytes.c_str())); });
 }
 BENCHMARK(Codec_UnicodeStringFromBytes)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 static void Codec_UnicodeStringFromUTF8(benchmark::State& state) {
-    Texts const& t = Input(int(state.range(0)));
-    lumo_bench::SideBySide(
-        state,
-        [&] {
-            CUnicodeString s = CUnicodeString::FromUTF8(t.bytes.data(), long(t.bytes.size()));
-            benchmark::DoNotOptimize(s);
-        },
-        [&] { IcuFromUtf8(t.bytes); });
-    Label(state);
+    FromUtf8Row(state, [](Texts const& t) {
+        benchmark::DoNotOptimize(CUnicodeString::FromUTF8(t.bytes.data(), long(t.bytes.size())));
+    });
 }
 BENCHMARK(Codec_UnicodeStringFromUTF8)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
