@@ -517,12 +517,11 @@ long CHUnicode2ANSI(unsigned short const* text, long length, char* target, long 
     else if (length < 0)
         length = long(ucslen(text));
     // A 0 unit ends the text.
-    unsigned short const* end = text + length;
+    unsigned short const* const end = utf8::FindZero(text, text + length);
     if (target == nullptr)
-        return long(utf8::CountBytes<utf8::Question, true>(text, end));
+        return long(utf8::CountBytes<utf8::Question>(text, end));
     if (targetSize <= 0)
         return 0;
-    end = utf8::FindZero(text, end);
     utf8::Question policy;
     auto* const out = reinterpret_cast<Byte*>(target);
     long const written = long(utf8::Encode(text, end, out, out + (targetSize - 1), policy).bytes);

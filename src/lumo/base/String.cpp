@@ -161,8 +161,9 @@ CString::CString(unsigned short const* text, unsigned long n) : m_text(nullptr) 
         return;
     // The text ends at its first 0 unit; unpaired surrogates become '?', as in the
     // 8-bit routines.
-    unsigned short const* end = text + (n < 0x7FFFFFFFul ? n : 0x7FFFFFFFul);
-    std::uint64_t const needed = utf8::CountBytes<utf8::Question, true>(text, end, &end);
+    unsigned short const* const end =
+        utf8::FindZero(text, text + (n < 0x7FFFFFFFul ? n : 0x7FFFFFFFul));
+    std::uint64_t const needed = utf8::CountBytes<utf8::Question>(text, end);
     if (needed == 0)
         return;
     std::size_t const units = std::size_t(end - text);
