@@ -172,6 +172,9 @@ void CheckUnits(Units const& u) {
     for (std::size_t from = 0; from < 4 && from <= u.size(); ++from) {
         unsigned short const* const begin = u.data() + from;
         std::size_t const zero = std::size_t(std::find(begin, u.data() + u.size(), 0) - begin);
+        if (zero + from < u.size()) {
+            EXPECT_EQ(utf8::FindZero<false>(begin, nullptr), begin + zero);
+        }
         for (std::size_t bound = 0; from + bound <= u.size(); bound += 1 + bound / 4) {
             unsigned short const* const found = utf8::FindZero(begin, begin + bound);
             EXPECT_EQ(std::size_t(found - begin), zero < bound ? zero : bound);

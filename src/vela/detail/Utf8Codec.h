@@ -233,35 +233,37 @@ inline std::size_t WidenAscii(Byte const* p, Byte const* end, Unit* out, std::si
     return std::size_t(p - start);
 }
 
-// The first 0 unit of [p, end), or end. A text may end at its 0 unit before `end`
-// (callers pass an upper bound), so nothing past that unit's 16-byte block is read:
-// the blocks are aligned, and an aligned block never crosses a page. The address
-// sanitizer cannot know that and is not asked.
+// The first 0 unit of [p, end), or end; without kBounded, of a terminated text (end
+// unused). A text may end at its 0 unit before `end` (callers pass an upper bound), so
+// nothing past that unit's 16-byte block is read: the blocks are aligned, and an
+// aligned block never crosses a page. The address sanitizer cannot know that and is
+// not asked.
+template <bool kBounded = true>
 #if defined(__GNUC__)
 __attribute__((no_sanitize_address))
 #endif
 inline Unit const*
 FindZero(Unit const* p, Unit const* end) {
 #if VELA_HAVE_SSE2
-    while (p < end && (reinterpret_cast<std::uintptr_t>(p) & 15) != 0) {
+    while ((!kBounded || p < end) && (reinterpret_cast<std::uintptr_t>(p) & 15) != 0) {
         if (*p == 0)
             return p;
         ++p;
     }
     if ((reinterpret_cast<std::uintptr_t>(p) & 15) == 0) {
         __m128i const zero = _mm_setzero_si128();
-        for (; p < end; p += 8) {
+        for (; !kBounded || p < end; p += 8) {
             int const mask = _mm_movemask_epi8(
                 _mm_cmpeq_epi16(_mm_load_si128(reinterpret_cast<__m128i const*>(p)), zero));
             if (mask != 0) {
                 Unit const* const hit = p + __builtin_ctz(unsigned(mask)) / 2;
-                return hit < end ? hit : end;
+                return !kBounded || hit < end ? hit : end;
             }
         }
         return end;
     }
 #endif
-    while (p < end && *p != 0)
+    while ((!kBounded || p < end) && *p != 0)
         ++p;
     return p;
 }
