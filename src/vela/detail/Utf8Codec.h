@@ -680,8 +680,20 @@ EncodeResult Encode(Unit const* begin, Unit const* end, Byte* out, Byte* outEnd,
         p += lead;
         out += lead;
         while (p < stop) {
-            if (*p < 0x80) {
-                *out++ = static_cast<Byte>(*p++);
+            std::uint32_t const u = *p;
+            if (u < 0x80) {
+                *out++ = static_cast<Byte>(u);
+                ++p;
+                continue;
+            }
+            if (u < 0x800) {
+                EncodeShort(u, out);
+                ++p;
+                continue;
+            }
+            if (!IsSurrogate(u)) {
+                EncodeThree(u, out);
+                ++p;
                 continue;
             }
             Utf16Step const step = EncodeStep(p, end, out, policy);
