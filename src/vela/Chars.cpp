@@ -1,6 +1,9 @@
 // The 8-bit character routines over UTF-8: a strict decoder in which a malformed byte is
 // a character of its own, byte-level fast paths (SSE2 where present) and ICU case mapping.
 #include <vela/Chars.h>
+#include <vela/Ucs.h>
+
+#include "detail/Utf8Codec.h"
 
 #include <unicode/uchar.h>
 
@@ -28,12 +31,13 @@ namespace Vela {
 
 namespace {
 
-using Byte = std::uint8_t;
+namespace utf8 = detail::utf8;
+using Byte = utf8::Byte;
 
-constexpr UChar32 kMalformed = 0x110000;
+constexpr UChar32 kMalformed = utf8::kMalformed;
 
 inline bool IsCont(Byte b) {
-    return (b & 0xC0) == 0x80;
+    return utf8::IsContinuation(b);
 }
 
 inline Byte const* Bytes(char const* p) {
@@ -52,69 +56,19 @@ inline long Extent(char const* text, long length) {
 // The character at s[i] (i < n): returns its length in bytes (at least 1) and stores the
 // code point, or kMalformed + the byte for a malformed byte, in c.
 inline long Decode(Byte const* s, long i, long n, UChar32& c) {
-    Byte const b0 = s[i];
-    if (b0 < 0x80) {
-        c = b0;
-        return 1;
-    }
-    long const avail = n - i;
-    if (b0 >= 0xC2 && b0 <= 0xDF) {
-        if (avail >= 2 && IsCont(s[i + 1])) {
-            c = (UChar32(b0 & 0x1F) << 6) | (s[i + 1] & 0x3F);
-            return 2;
-        }
-    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-        if (avail >= 3) {
-            Byte const b1 = s[i + 1];
-            Byte const lo = b0 == 0xE0 ? 0xA0 : 0x80;
-            Byte const hi = b0 == 0xED ? 0x9F : 0xBF;
-            if (b1 >= lo && b1 <= hi && IsCont(s[i + 2])) {
-                c = (UChar32(b0 & 0x0F) << 12) | (UChar32(b1 & 0x3F) << 6) | (s[i + 2] & 0x3F);
-                return 3;
-            }
-        }
-    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-        if (avail >= 4) {
-            Byte const b1 = s[i + 1];
-            Byte const lo = b0 == 0xF0 ? 0x90 : 0x80;
-            Byte const hi = b0 == 0xF4 ? 0x8F : 0xBF;
-            if (b1 >= lo && b1 <= hi && IsCont(s[i + 2]) && IsCont(s[i + 3])) {
-                c = (UChar32(b0 & 0x07) << 18) | (UChar32(b1 & 0x3F) << 12) |
-                    (UChar32(s[i + 2] & 0x3F) << 6) | (s[i + 3] & 0x3F);
-                return 4;
-            }
-        }
-    }
-    c = kMalformed + b0;
-    return 1;
+    std::uint32_t value;
+    long const length = utf8::DecodeOne(s + i, std::size_t(n - i), value);
+    c = UChar32(value);
+    return length;
 }
 
 // UTF-8 of a code point (no surrogates); returns the length.
 inline int Encode(UChar32 c, Byte* out) {
-    if (c < 0x80) {
-        out[0] = Byte(c);
-        return 1;
-    }
-    if (c < 0x800) {
-        out[0] = Byte(0xC0 | (c >> 6));
-        out[1] = Byte(0x80 | (c & 0x3F));
-        return 2;
-    }
-    if (c < 0x10000) {
-        out[0] = Byte(0xE0 | (c >> 12));
-        out[1] = Byte(0x80 | ((c >> 6) & 0x3F));
-        out[2] = Byte(0x80 | (c & 0x3F));
-        return 3;
-    }
-    out[0] = Byte(0xF0 | (c >> 18));
-    out[1] = Byte(0x80 | ((c >> 12) & 0x3F));
-    out[2] = Byte(0x80 | ((c >> 6) & 0x3F));
-    out[3] = Byte(0x80 | (c & 0x3F));
-    return 4;
+    return utf8::EncodeOne(std::uint32_t(c), out);
 }
 
 inline int EncodedLength(UChar32 c) {
-    return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+    return utf8::EncodedLength(std::uint32_t(c));
 }
 
 // ASCII simple case folding (equal to Unicode's for these 128 characters).
@@ -269,19 +223,10 @@ long DropIncomplete(Byte const* s, long n) {
         Byte const b = s[j];
         if (IsCont(b))
             continue;
-        long const need = b >= 0xC2 && b <= 0xDF   ? 2
-                          : b >= 0xE0 && b <= 0xEF ? 3
-                          : b >= 0xF0 && b <= 0xF4 ? 4
-                                                   : 1;
-        if (need <= n - j)
+        if (utf8::StrictLength(b) <= n - j)
             return n;
-        if (j + 1 < n) {
-            Byte const b1 = s[j + 1];
-            Byte const low = b == 0xE0 ? 0xA0 : b == 0xF0 ? 0x90 : 0x80;
-            Byte const high = b == 0xED ? 0x9F : b == 0xF4 ? 0x8F : 0xBF;
-            if (b1 < low || b1 > high)
-                return n;
-        }
+        if (j + 1 < n && (s[j + 1] < utf8::SecondLow(b) || s[j + 1] > utf8::SecondHigh(b)))
+            return n;
         return j;
     }
     return n;
@@ -567,165 +512,39 @@ long CHTruncate(char* target, long targetSize, char const* source, long maxLengt
 
 long CHUnicode2ANSI(unsigned short const* text, long length, char* target, long targetSize, int,
                     void*) {
-    if (text == nullptr) {
+    if (text == nullptr)
         length = 0;
-    } else if (length < 0) {
-        length = 0;
-        while (text[length] != 0)
-            ++length;
-    }
-    bool const measure = target == nullptr;
-    if (!measure && targetSize <= 0)
+    else if (length < 0)
+        length = long(ucslen(text));
+    // A 0 unit ends the text.
+    unsigned short const* const end = utf8::FindZero(text, text + length);
+    if (target == nullptr)
+        return long(utf8::CountBytes<utf8::Question>(text, end));
+    if (targetSize <= 0)
         return 0;
-    // Measuring writes nothing, so the room is unbounded.
-    long const room = measure ? 0x7FFFFFFFFFFFFFFFL : targetSize - 1;
+    utf8::Question policy;
     auto* const out = reinterpret_cast<Byte*>(target);
-    long i = 0, w = 0;
-    while (i < length) {
-        unsigned const u = text[i];
-        if (u < 0x80) {
-            if (u == 0 || w >= room)
-                break;
-            if (!measure)
-                out[w] = Byte(u);
-            ++i;
-            ++w;
-            // The rest of an ASCII run, four units at a time.
-            while (i + 4 <= length && w + 4 <= room) {
-                std::uint64_t q;
-                std::memcpy(&q, text + i, 8);
-                if ((q & 0xFF80FF80FF80FF80ull) != 0 ||
-                    ((q - 0x0001000100010001ull) & ~q & 0x8000800080008000ull) != 0)
-                    break;
-                if (!measure) {
-                    out[w] = Byte(q);
-                    out[w + 1] = Byte(q >> 16);
-                    out[w + 2] = Byte(q >> 32);
-                    out[w + 3] = Byte(q >> 48);
-                }
-                i += 4;
-                w += 4;
-            }
-            continue;
-        }
-        if (u < 0x800) {
-            if (w + 2 > room)
-                break;
-            if (!measure) {
-                out[w] = Byte(0xC0 | (u >> 6));
-                out[w + 1] = Byte(0x80 | (u & 0x3F));
-            }
-            ++i;
-            w += 2;
-            continue;
-        }
-        if (u < 0xD800 || u > 0xDFFF) {
-            if (w + 3 > room)
-                break;
-            if (!measure) {
-                out[w] = Byte(0xE0 | (u >> 12));
-                out[w + 1] = Byte(0x80 | ((u >> 6) & 0x3F));
-                out[w + 2] = Byte(0x80 | (u & 0x3F));
-            }
-            ++i;
-            w += 3;
-            continue;
-        }
-        if (u <= 0xDBFF && i + 1 < length && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
-            if (w + 4 > room)
-                break;
-            if (!measure)
-                Encode(0x10000 + ((UChar32(u) - 0xD800) << 10) + (text[i + 1] - 0xDC00), out + w);
-            i += 2;
-            w += 4;
-            continue;
-        }
-        // An unpaired surrogate.
-        if (w >= room)
-            break;
-        if (!measure)
-            out[w] = '?';
-        ++i;
-        ++w;
-    }
-    if (!measure)
-        out[w] = 0;
-    return w;
+    long const written = long(utf8::Encode(text, end, out, out + (targetSize - 1), policy).bytes);
+    out[written] = 0;
+    return written;
 }
 
 long CHANSI2Unicode(char const* text, long length, unsigned short* target, long targetSize, int,
                     void*) {
     long const n = Extent(text, length);
-    bool const measure = target == nullptr;
-    if (!measure && targetSize <= 0)
-        return 0;
-    long const room = measure ? 0x7FFFFFFFFFFFFFFFL : targetSize - 1;
     Byte const* const s = Bytes(text);
-    long i = 0, w = 0;
-    while (i < n) {
-        Byte const b0 = s[i];
-        if (b0 < 0x80) {
-            if (w >= room)
-                break;
-            if (!measure)
-                target[w] = b0;
-            ++i;
-            ++w;
-            // The rest of an ASCII run, eight bytes at a time.
-            while (i + 8 <= n && w + 8 <= room) {
-                std::uint64_t q;
-                std::memcpy(&q, s + i, 8);
-                if ((q & kHigh) != 0)
-                    break;
-                if (!measure)
-                    for (int k = 0; k < 8; ++k)
-                        target[w + k] = Byte(q >> (8 * k));
-                i += 8;
-                w += 8;
-            }
-            continue;
-        }
-        if (b0 >= 0xC2 && b0 <= 0xDF && i + 1 < n && IsCont(s[i + 1])) {
-            if (w >= room)
-                break;
-            if (!measure)
-                target[w] = static_cast<unsigned short>(((b0 & 0x1F) << 6) | (s[i + 1] & 0x3F));
-            i += 2;
-            ++w;
-            continue;
-        }
-        if (b0 >= 0xE1 && b0 <= 0xEF && b0 != 0xED && i + 2 < n && IsCont(s[i + 1]) &&
-            IsCont(s[i + 2])) {
-            if (w >= room)
-                break;
-            if (!measure)
-                target[w] = static_cast<unsigned short>(
-                    ((b0 & 0x0F) << 12) | ((s[i + 1] & 0x3F) << 6) | (s[i + 2] & 0x3F));
-            i += 3;
-            ++w;
-            continue;
-        }
-        UChar32 c;
-        long const len = Decode(s, i, n, c);
-        if (c >= kMalformed)
-            break;
-        int const units = c >= 0x10000 ? 2 : 1;
-        if (w + units > room)
-            break;
-        if (!measure) {
-            if (units == 1) {
-                target[w] = static_cast<unsigned short>(c);
-            } else {
-                target[w] = static_cast<unsigned short>(0xD800 + ((c - 0x10000) >> 10));
-                target[w + 1] = static_cast<unsigned short>(0xDC00 + ((c - 0x10000) & 0x3FF));
-            }
-        }
-        w += units;
-        i += len;
+    if (target == nullptr) {
+        Byte const* stop;
+        return n == 0 ? 0 : long(utf8::Count<utf8::StrictStop>(s, s + n, &stop));
     }
-    if (!measure)
-        target[w] = 0;
-    return w;
+    if (targetSize <= 0)
+        return 0;
+    long const written =
+        n == 0 ? 0
+               : long(utf8::Decode<utf8::StrictStop>(s, s + n, target, std::size_t(targetSize - 1))
+                          .units);
+    target[written] = 0;
+    return written;
 }
 
 } // namespace Vela

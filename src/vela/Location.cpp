@@ -2,6 +2,7 @@
 #include <vela/Location.h>
 
 #include "detail/Allocate.h"
+#include "detail/Utf8Codec.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -20,44 +21,15 @@ unsigned long const kMaxName = 255;
 char const kEmpty[] = "";
 char const kUnit[] = "vela/Location";
 
+namespace utf8 = Vela::detail::utf8;
+
 // Whether `s` is well-formed UTF-8: shortest forms only, no surrogates, nothing
 // beyond U+10FFFF.
-bool IsWellFormedUtf8(unsigned char const* s, unsigned long n) {
-    unsigned long i = 0;
-    while (i < n) {
-        unsigned char const c = s[i];
-        if (c < 0x80) {
-            ++i;
-            continue;
-        }
-        unsigned long extra;
-        std::uint32_t cp;
-        if (c >= 0xC2 && c <= 0xDF) {
-            extra = 1;
-            cp = c & 0x1F;
-        } else if (c >= 0xE0 && c <= 0xEF) {
-            extra = 2;
-            cp = c & 0x0F;
-        } else if (c >= 0xF0 && c <= 0xF4) {
-            extra = 3;
-            cp = c & 0x07;
-        } else {
-            return false;
-        }
-        if (n - i <= extra)
-            return false;
-        for (unsigned long k = 1; k <= extra; ++k) {
-            unsigned char const t = s[i + k];
-            if ((t & 0xC0) != 0x80)
-                return false;
-            cp = (cp << 6) | (t & 0x3F);
-        }
-        if ((extra == 2 && cp < 0x800) || (extra == 3 && cp < 0x10000) || cp > 0x10FFFF ||
-            (cp >= 0xD800 && cp <= 0xDFFF))
-            return false;
-        i += extra + 1;
-    }
-    return true;
+bool IsWellFormedUtf8(char const* s, unsigned long n) {
+    utf8::Byte const* const p = utf8::Bytes(s);
+    utf8::Byte const* stop = p;
+    utf8::Count<utf8::StrictStop>(p, p + n, &stop);
+    return stop == p + n;
 }
 
 } // namespace
@@ -68,7 +40,7 @@ Location::Location(char const* utf8Path) : m_path(nullptr), m_length(0), m_wellF
     if (utf8Path == nullptr)
         return;
     unsigned long const n = static_cast<unsigned long>(std::strlen(utf8Path));
-    Assign(utf8Path, n, IsWellFormedUtf8(reinterpret_cast<unsigned char const*>(utf8Path), n));
+    Assign(utf8Path, n, IsWellFormedUtf8(utf8Path, n));
 }
 
 Location::Location(unsigned short const* utf16Path)
@@ -80,36 +52,13 @@ Location::Location(unsigned short const* utf16Path)
     while (utf16Path[units] != 0)
         ++units;
     char* out = static_cast<char*>(Vela::detail::AllocateOrRaise(units * 3 + 1, kUnit, __LINE__));
-    bool wellFormed = true;
-    unsigned long n = 0;
-    for (unsigned long i = 0; i < units; ++i) {
-        std::uint32_t cp = utf16Path[i];
-        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < units && utf16Path[i + 1] >= 0xDC00 &&
-            utf16Path[i + 1] <= 0xDFFF) {
-            cp = 0x10000 + ((cp - 0xD800) << 10) + (utf16Path[i + 1] - 0xDC00u);
-            ++i;
-        } else if (cp >= 0xD800 && cp <= 0xDFFF) {
-            // An unpaired surrogate has no UTF-8 form; keep a replacement so the
-            // path stays readable in messages, and mark the location illegal.
-            wellFormed = false;
-            cp = 0xFFFD;
-        }
-        if (cp < 0x80) {
-            out[n++] = static_cast<char>(cp);
-        } else if (cp < 0x800) {
-            out[n++] = static_cast<char>(0xC0 | (cp >> 6));
-            out[n++] = static_cast<char>(0x80 | (cp & 0x3F));
-        } else if (cp < 0x10000) {
-            out[n++] = static_cast<char>(0xE0 | (cp >> 12));
-            out[n++] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            out[n++] = static_cast<char>(0x80 | (cp & 0x3F));
-        } else {
-            out[n++] = static_cast<char>(0xF0 | (cp >> 18));
-            out[n++] = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-            out[n++] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            out[n++] = static_cast<char>(0x80 | (cp & 0x3F));
-        }
-    }
+    // An unpaired surrogate has no UTF-8 form; a replacement keeps the path readable
+    // in messages, and the location is illegal.
+    utf8::Replace policy;
+    auto* const bytes = reinterpret_cast<utf8::Byte*>(out);
+    unsigned long const n =
+        utf8::Encode(utf16Path, utf16Path + units, bytes, bytes + units * 3, policy).bytes;
+    bool const wellFormed = !policy.replaced;
     out[n] = '\0';
     m_path = out;
     m_length = n;

@@ -2,6 +2,8 @@
 // EOL; case folding and classification come from ICU.
 #include <vela/Ucs.h>
 
+#include "detail/Utf8Codec.h"
+
 #include <unicode/uchar.h>
 
 #include <cstdint>
@@ -120,10 +122,7 @@ struct Lower {
 unsigned long ucslen(unsigned short const* s) {
     if (s == nullptr)
         return 0;
-    unsigned short const* p = s;
-    while (*p != 0)
-        ++p;
-    return static_cast<unsigned long>(p - s);
+    return static_cast<unsigned long>(detail::utf8::FindZero<false>(s, nullptr) - s);
 }
 
 int ucscmp(unsigned short const* a, unsigned short const* b) {

@@ -2,6 +2,8 @@
 // the C library via a small ASCII buffer; text arguments are copied or converted here.
 #include <vela/Ucs.h>
 
+#include "detail/Utf8Codec.h"
+
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -9,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 // printf and scanf over UTF-16 text. Numbers go through the C library (formatted into,
 // or parsed from, a small ASCII buffer); text arguments are copied or converted here.
@@ -16,7 +19,9 @@ namespace Vela {
 
 namespace {
 
+namespace utf8 = detail::utf8;
 using Unit = unsigned short;
+using Byte = utf8::Byte;
 
 enum Length { kNone, kHH, kH, kL, kLL, kZ, kJ, kT, kBigL };
 
@@ -88,44 +93,15 @@ void PutPadded(Output& out, Spec const& spec, Unit const* s, unsigned long n) {
 
 // UTF-8 to UTF-16, malformed bytes becoming U+FFFD; at most `limit` units, never
 // splitting a surrogate pair.
-std::u16string FromUtf8(char const* s, unsigned long limit) {
-    std::u16string out;
-    auto const* p = reinterpret_cast<unsigned char const*>(s);
-    while (*p != 0 && out.size() < limit) {
-        unsigned char const b0 = *p;
-        std::uint32_t c = 0xFFFD;
-        int len = 1;
-        if (b0 < 0x80) {
-            c = b0;
-        } else if (b0 >= 0xC2 && b0 <= 0xDF) {
-            if ((p[1] & 0xC0) == 0x80) {
-                c = ((b0 & 0x1Fu) << 6) | (p[1] & 0x3Fu);
-                len = 2;
-            }
-        } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-            unsigned char const lo = b0 == 0xE0 ? 0xA0 : 0x80, hi = b0 == 0xED ? 0x9F : 0xBF;
-            if (p[1] >= lo && p[1] <= hi && (p[2] & 0xC0) == 0x80) {
-                c = ((b0 & 0x0Fu) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3Fu);
-                len = 3;
-            }
-        } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-            unsigned char const lo = b0 == 0xF0 ? 0x90 : 0x80, hi = b0 == 0xF4 ? 0x8F : 0xBF;
-            if (p[1] >= lo && p[1] <= hi && (p[2] & 0xC0) == 0x80 && (p[3] & 0xC0) == 0x80) {
-                c = ((b0 & 0x07u) << 18) | ((p[1] & 0x3Fu) << 12) | ((p[2] & 0x3Fu) << 6) |
-                    (p[3] & 0x3Fu);
-                len = 4;
-            }
-        }
-        if (c >= 0x10000) {
-            if (out.size() + 2 > limit)
-                break;
-            out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-            out += static_cast<char16_t>(c);
-        }
-        p += len;
-    }
+std::vector<Unit> FromUtf8(char const* s, unsigned long limit) {
+    // A unit takes at most 3 bytes, so 3 more than 3 per unit always hold the
+    // character the limit falls in; only that much of the text is read.
+    std::size_t const bytes =
+        limit > (~std::size_t(0) - 3) / 3 ? std::strlen(s) : strnlen(s, 3 * limit + 3);
+    // Each byte gives at most one unit.
+    std::vector<Unit> out(bytes < limit ? bytes : limit);
+    Byte const* const p = utf8::Bytes(s);
+    out.resize(utf8::Decode<utf8::StrictReplace>(p, p + bytes, out.data(), out.size()).units);
     return out;
 }
 
@@ -369,9 +345,8 @@ int Format(Unit* buffer, unsigned long count, Unit const* format, va_list& args)
                     unsigned long const n = limit < 6 ? limit : 6;
                     PutPadded(out, spec, kNull, n);
                 } else {
-                    std::u16string const wide = FromUtf8(s, limit);
-                    PutPadded(out, spec, reinterpret_cast<Unit const*>(wide.data()),
-                              static_cast<unsigned long>(wide.size()));
+                    std::vector<Unit> const wide = FromUtf8(s, limit);
+                    PutPadded(out, spec, wide.data(), static_cast<unsigned long>(wide.size()));
                 }
             } else {
                 Unit const* s = va_arg(args, Unit const*);
@@ -456,30 +431,11 @@ private:
 };
 
 void AppendUtf8(std::string& out, Unit const* s, unsigned long n) {
-    for (unsigned long i = 0; i < n; ++i) {
-        std::uint32_t c = s[i];
-        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < n && s[i + 1] >= 0xDC00 && s[i + 1] <= 0xDFFF) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (s[i + 1] - 0xDC00u);
-            ++i;
-        } else if (c >= 0xD800 && c <= 0xDFFF) {
-            c = '?';
-        }
-        if (c < 0x80) {
-            out += char(c);
-        } else if (c < 0x800) {
-            out += char(0xC0 | (c >> 6));
-            out += char(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += char(0xE0 | (c >> 12));
-            out += char(0x80 | ((c >> 6) & 0x3F));
-            out += char(0x80 | (c & 0x3F));
-        } else {
-            out += char(0xF0 | (c >> 18));
-            out += char(0x80 | ((c >> 12) & 0x3F));
-            out += char(0x80 | ((c >> 6) & 0x3F));
-            out += char(0x80 | (c & 0x3F));
-        }
-    }
+    std::size_t const start = out.size();
+    out.resize(start + utf8::CountBytes<utf8::Question>(s, s + n));
+    utf8::Question policy;
+    auto* const target = reinterpret_cast<Byte*>(&out[0]);
+    utf8::Encode(s, s + n, target + start, target + out.size(), policy);
 }
 
 // Stores a run of units [s, s + n) for %s, %c and %[: UTF-16 by default, UTF-8 with h.

@@ -6,6 +6,7 @@
 #include <vela/Chars.h>
 #include <vela/Ucs.h>
 
+#include "../../vela/detail/Utf8Codec.h"
 #include "StringCore.h"
 
 #include <cctype>
@@ -19,6 +20,8 @@ namespace lumo {
 namespace base {
 
 namespace {
+
+namespace utf8 = Vela::detail::utf8;
 
 unsigned short Widen(char c) {
     return static_cast<unsigned short>(static_cast<short>(static_cast<signed char>(c)));
@@ -156,15 +159,19 @@ CString::CString(unsigned short const* text) : m_text(nullptr) {
 CString::CString(unsigned short const* text, unsigned long n) : m_text(nullptr) {
     if (text == nullptr)
         return;
-    unsigned long units = 0;
-    while (units < n && units < 0x7FFFFFFFul && text[units] != 0)
-        ++units;
-    long const needed = units == 0 ? 0 : Vela::CHUnicode2ANSI(text, long(units), nullptr, 0);
-    if (needed <= 0)
+    // The text ends at its first 0 unit; unpaired surrogates become '?', as in the
+    // 8-bit routines.
+    unsigned short const* const end =
+        utf8::FindZero(text, text + (n < 0x7FFFFFFFul ? n : 0x7FFFFFFFul));
+    std::uint64_t const needed = utf8::CountBytes<utf8::Question>(text, end);
+    if (needed == 0)
         return;
-    char* fresh = Core::NewBuffer(std::uint64_t(needed) + 1);
-    long written = Vela::CHUnicode2ANSI(text, long(units), fresh, needed + 1);
-    Core::SetTextLength(fresh, written < 0 ? 0 : written > needed ? needed : written);
+    std::size_t const units = std::size_t(end - text);
+    char* fresh = Core::NewBuffer(needed + 1);
+    utf8::Question policy;
+    auto* const out = reinterpret_cast<utf8::Byte*>(fresh);
+    std::size_t const written = utf8::Encode(text, text + units, out, out + needed, policy).bytes;
+    Core::SetTextLength(fresh, written);
     m_text = fresh;
 }
 

@@ -1,10 +1,11 @@
-// CUnicodeString: the UTF-16 traits that instantiate StringCore, and the measured UTF-8
-// to UTF-16 conversions in both directions with SSE2 fast paths over ASCII runs.
+// CUnicodeString: the UTF-16 traits that instantiate StringCore, and its UTF-8
+// conversions (measure, then convert into a buffer of the exact size) through the codec.
 #include <lumo/base/UnicodeString.h>
 
 #include <vela/Chars.h>
 #include <vela/Ucs.h>
 
+#include "../../vela/detail/Utf8Codec.h"
 #include "StringCore.h"
 
 #include <cstdarg>
@@ -12,18 +13,14 @@
 #include <cstdint>
 #include <cstring>
 
-#if LUMO_HAVE_SSE2
-#include <emmintrin.h>
-#define LUMO_USTRING_SSE2 1
-#endif
-
 namespace lumo {
 namespace base {
 
 namespace {
 
+namespace utf8 = Vela::detail::utf8;
 using Unit = unsigned short;
-using Byte = std::uint8_t;
+using Byte = utf8::Byte;
 
 // What CUnicodeString's storage and shared algorithms (StringCore.h) need to know of
 // UTF-16 units.
@@ -75,17 +72,20 @@ using Core = StringCore<Traits>;
 Unit const kEmpty[1] = {0};
 
 // The string becomes the UTF-16 form of at most n bytes of UTF-8 text (stopping at a
-// 0 byte).
+// 0 byte and, strictly, at the first malformed sequence).
 void AssignConverted(Unit*& text, char const* s, std::size_t n) {
     std::size_t const bytes = s == nullptr ? 0 : strnlen(s, n);
-    long const needed = bytes == 0 ? 0 : Vela::CHANSI2Unicode(s, long(bytes), nullptr, 0);
-    if (needed <= 0) {
+    Byte const* const begin = utf8::Bytes(s);
+    Byte const* stop = begin;
+    std::uint64_t const units =
+        bytes == 0 ? 0 : utf8::Count<utf8::StrictStop>(begin, begin + bytes, &stop);
+    if (units == 0) {
         Core::Assign(text, nullptr, 0);
         return;
     }
-    Unit* fresh = Core::NewBuffer(std::uint64_t(needed) + 1);
-    long const written = Vela::CHANSI2Unicode(s, long(bytes), fresh, needed + 1);
-    Core::SetTextLength(fresh, written < 0 ? 0 : written > needed ? needed : written);
+    Unit* fresh = Core::NewBuffer(units + 1);
+    utf8::DecodeValid(begin, stop, fresh);
+    Core::SetTextLength(fresh, units);
     Core::Adopt(text, fresh);
 }
 
@@ -159,423 +159,12 @@ void TrimText(Unit*& text, Unit const* set, bool right) {
     Core::CutAt(text, cut, right);
 }
 
-// ---------------------------------------------------------------------------------
-// UTF-8 <-> UTF-16. Both directions measure first and then convert into a buffer of
-// the exact size. ASCII runs go 16 units at a time (SSE2) or 8 (portable words).
-
-bool IsContinuation(Byte b) {
-    return (b & 0xC0) == 0x80;
-}
-
-// The end of the ASCII run that starts at p.
-Byte const* SkipAscii(Byte const* p, Byte const* end) {
-#if defined(LUMO_USTRING_SSE2)
-    while (end - p >= 16) {
-        int const mask = _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<__m128i const*>(p)));
-        if (mask != 0)
-            return p + __builtin_ctz(unsigned(mask));
-        p += 16;
-    }
-#endif
-    while (end - p >= 8) {
-        std::uint64_t word;
-        std::memcpy(&word, p, 8);
-        if ((word & 0x8080808080808080ull) != 0)
-            break;
-        p += 8;
-    }
-    while (p < end && *p < 0x80)
-        ++p;
-    return p;
-}
-
-// Units needed for the well-formed prefix of [p, end); `stop` receives where it ends.
-// Lead bytes C0-DF, E0-EF and F0-F7 need 1, 2 and 3 continuation bytes; anything
-// else (a stray continuation, F8-FF, a missing or cut continuation) stops the count.
-std::uint64_t CountUnitsScalar(Byte const* p, Byte const* end, Byte const** stop) {
-    std::uint64_t units = 0;
-    while (p < end) {
-        Byte const b = *p;
-        if (b < 0x80) {
-            Byte const* q = SkipAscii(p, end);
-            units += std::uint64_t(q - p);
-            p = q;
-            continue;
-        }
-        std::ptrdiff_t const rest = end - p;
-        if (b < 0xC0) {
-            break;
-        } else if (b < 0xE0) {
-            if (rest < 2 || !IsContinuation(p[1]))
-                break;
-            p += 2;
-            units += 1;
-        } else if (b < 0xF0) {
-            if (rest < 3 || !IsContinuation(p[1]) || !IsContinuation(p[2]))
-                break;
-            p += 3;
-            units += 1;
-        } else if (b < 0xF8) {
-            if (rest < 4 || !IsContinuation(p[1]) || !IsContinuation(p[2]) || !IsContinuation(p[3]))
-                break;
-            p += 4;
-            units += 2;
-        } else {
-            break;
-        }
-    }
-    *stop = p;
-    return units;
-}
-
-#if defined(LUMO_USTRING_SSE2)
-// Steps back from a block boundary to the start of a sequence that runs across it.
-// Everything before `p` is known to be well formed.
-Byte const* SequenceStart(Byte const* begin, Byte const* p, std::uint64_t& units) {
-    for (int back = 1; back <= 3 && p - back >= begin; ++back) {
-        Byte const b = p[-back];
-        if (!IsContinuation(b)) {
-            // A lead byte of a sequence longer than `back` bytes runs across p.
-            int const length = b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
-            if (length > back) {
-                units -= length == 4 ? 2 : 1;
-                return p - back;
-            }
-            return p;
-        }
-    }
-    return p;
-}
-#endif
-
-// As CountUnitsScalar. Whole blocks of 16 bytes are checked at once: a byte must be a
-// continuation exactly when one of the three bytes before it is a lead that asks for
-// it, and no byte may be F8-FF. A block that breaks the rule, and the tail, are left
-// to the exact loop, which finds where the well-formed prefix ends.
-std::uint64_t CountUnits(Byte const* begin, Byte const* end, Byte const** stop) {
-    Byte const* p = begin;
-    std::uint64_t units = 0;
-#if defined(LUMO_USTRING_SSE2)
-    if (end - begin >= 16) {
-        // Signed comparisons of b ^ 0x80 stand in for unsigned ones.
-        __m128i const flip = _mm_set1_epi8(char(0x80));
-        __m128i const contMask = _mm_set1_epi8(char(0xC0));
-        __m128i const contValue = _mm_set1_epi8(char(0x80));
-        __m128i const atLeastC0 = _mm_set1_epi8(char(0xBF ^ 0x80));
-        __m128i const atLeastE0 = _mm_set1_epi8(char(0xDF ^ 0x80));
-        __m128i const atLeastF0 = _mm_set1_epi8(char(0xEF ^ 0x80));
-        __m128i const atLeastF8 = _mm_set1_epi8(char(0xF7 ^ 0x80));
-        __m128i const one = _mm_set1_epi8(1);
-        __m128i const zero = _mm_setzero_si128();
-        // The first block looks back into zeros, which ask for no continuation.
-        alignas(16) Byte first[3 + 16] = {0, 0, 0};
-        std::memcpy(first + 3, begin, 16);
-        Byte const* block = first + 3;
-        Byte const* at = begin;
-        __m128i counts = zero; // units per byte lane, summed before they can overflow
-        int rounds = 0;
-        for (;;) {
-            auto load = [](Byte const* q) {
-                return _mm_loadu_si128(reinterpret_cast<__m128i const*>(q));
-            };
-            __m128i const v = load(block);
-            __m128i const f = _mm_xor_si128(v, flip);
-            __m128i const f1 = _mm_xor_si128(load(block - 1), flip);
-            __m128i const f2 = _mm_xor_si128(load(block - 2), flip);
-            __m128i const f3 = _mm_xor_si128(load(block - 3), flip);
-            __m128i const isCont = _mm_cmpeq_epi8(_mm_and_si128(v, contMask), contValue);
-            __m128i const wanted = _mm_or_si128(
-                _mm_cmpgt_epi8(f1, atLeastC0),
-                _mm_or_si128(_mm_cmpgt_epi8(f2, atLeastE0), _mm_cmpgt_epi8(f3, atLeastF0)));
-            __m128i const bad =
-                _mm_or_si128(_mm_xor_si128(isCont, wanted), _mm_cmpgt_epi8(f, atLeastF8));
-            if (_mm_movemask_epi8(bad) != 0)
-                break;
-            // One unit per byte that is not a continuation, one more per 4-byte lead.
-            counts = _mm_add_epi8(
-                counts, _mm_sub_epi8(_mm_andnot_si128(isCont, one), _mm_cmpgt_epi8(f, atLeastF0)));
-            if (++rounds == 127) {
-                __m128i const sums = _mm_sad_epu8(counts, zero);
-                units += std::uint32_t(_mm_cvtsi128_si32(sums)) +
-                         std::uint32_t(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
-                counts = zero;
-                rounds = 0;
-            }
-            at += 16;
-            if (end - at < 16)
-                break;
-            block = at;
-        }
-        __m128i const sums = _mm_sad_epu8(counts, zero);
-        units += std::uint32_t(_mm_cvtsi128_si32(sums)) +
-                 std::uint32_t(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
-        p = SequenceStart(begin, at, units);
-    }
-#endif
-    return units + CountUnitsScalar(p, end, stop);
-}
-
-// Decodes the well-formed [p, end) (as measured by CountUnits) into out.
-void DecodeUnits(Byte const* p, Byte const* end, Unit* out) {
-    while (p < end) {
-        std::uint32_t const lead = *p;
-        if (lead < 0x80) {
-#if defined(LUMO_USTRING_SSE2)
-            __m128i const zero = _mm_setzero_si128();
-            while (end - p >= 16) {
-                __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
-                if (_mm_movemask_epi8(v) != 0)
-                    break;
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(v, zero));
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(v, zero));
-                p += 16;
-                out += 16;
-            }
-#endif
-            while (p < end && *p < 0x80)
-                *out++ = *p++;
-        } else if (lead < 0xE0) {
-            *out++ = static_cast<Unit>(((lead & 0x1F) << 6) | (p[1] & 0x3F));
-            p += 2;
-        } else if (lead < 0xF0) {
-            *out++ =
-                static_cast<Unit>(((lead & 0x0F) << 12) | ((p[1] & 0x3Fu) << 6) | (p[2] & 0x3F));
-            p += 3;
-        } else {
-            std::uint32_t const c = ((lead & 0x07) << 18) | ((p[1] & 0x3Fu) << 12) |
-                                    ((p[2] & 0x3Fu) << 6) | (p[3] & 0x3F);
-            // Plain 32-bit arithmetic: a value outside the supplementary planes (an
-            // overlong or too large form, accepted as it comes) still gives two units.
-            std::uint32_t const offset = c - 0x10000u;
-            out[0] = static_cast<Unit>(0xD800u + (offset >> 10));
-            out[1] = static_cast<Unit>(0xDC00u + (offset & 0x3FF));
-            out += 2;
-            p += 4;
-        }
-    }
-}
-
-bool IsHighSurrogate(std::uint32_t u) {
-    return (u & 0xFC00) == 0xD800;
-}
-bool IsLowSurrogate(std::uint32_t u) {
-    return (u & 0xFC00) == 0xDC00;
-}
-
-// Bytes of the UTF-8 form of [p, end): 1, 2 or 3 per unit, 4 per surrogate pair (an
-// unpaired surrogate takes the 3 bytes of its own value).
-std::uint64_t CountBytes(Unit const* p, Unit const* end) {
-    std::uint64_t bytes = 0;
-#if defined(LUMO_USTRING_SSE2)
-    // Per unit: 1 + (u >= 0x80) + (u >= 0x800), less 2 for a high surrogate that a low
-    // one follows. The extras add up in 16-bit lanes, flushed before they overflow.
-    __m128i const zero = _mm_setzero_si128();
-    __m128i const above7F = _mm_set1_epi16(short(0xFF80));
-    __m128i const above7FF = _mm_set1_epi16(short(0xF800));
-    __m128i const surrogateBits = _mm_set1_epi16(short(0xFC00));
-    __m128i const high = _mm_set1_epi16(short(0xD800));
-    __m128i const low = _mm_set1_epi16(short(0xDC00));
-    __m128i const ones = _mm_set1_epi16(1);
-    __m128i extra = zero;
-    int rounds = 0;
-    while (end - p >= 9) {
-        __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
-        __m128i const next = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p + 1));
-        __m128i const small = _mm_cmpeq_epi16(_mm_and_si128(v, above7F), zero);
-        __m128i const medium = _mm_cmpeq_epi16(_mm_and_si128(v, above7FF), zero);
-        __m128i const pair =
-            _mm_and_si128(_mm_cmpeq_epi16(_mm_and_si128(v, surrogateBits), high),
-                          _mm_cmpeq_epi16(_mm_and_si128(next, surrogateBits), low));
-        // small and medium are -1 where true: 2 + small + medium is the extra, less 2
-        // for a pair's high half.
-        extra = _mm_add_epi16(extra, _mm_add_epi16(small, medium));
-        extra = _mm_add_epi16(extra, _mm_add_epi16(pair, pair));
-        bytes += 8 + 16;
-        p += 8;
-        if (++rounds == 4096) {
-            __m128i const sums = _mm_madd_epi16(extra, ones);
-            alignas(16) std::int32_t lanes[4];
-            _mm_store_si128(reinterpret_cast<__m128i*>(lanes), sums);
-            bytes += std::int64_t(lanes[0]) + lanes[1] + lanes[2] + lanes[3];
-            extra = zero;
-            rounds = 0;
-        }
-    }
-    __m128i const sums = _mm_madd_epi16(extra, ones);
-    alignas(16) std::int32_t lanes[4];
-    _mm_store_si128(reinterpret_cast<__m128i*>(lanes), sums);
-    bytes += std::int64_t(lanes[0]) + lanes[1] + lanes[2] + lanes[3];
-#endif
-    while (p < end) {
-        std::uint32_t const u = *p++;
-        if (u < 0x80) {
-            bytes += 1;
-        } else if (u < 0x800) {
-            bytes += 2;
-        } else if (IsHighSurrogate(u) && p < end && IsLowSurrogate(*p)) {
-            bytes += 4;
-            ++p;
-        } else {
-            bytes += 3;
-        }
-    }
-    return bytes;
-}
-
-// Encodes the unit at p (never ASCII) without checking for room; returns the units
-// used (2 for a surrogate pair).
-inline int EncodeOne(Unit const* p, Unit const* end, Byte*& out) {
-    std::uint32_t const u = *p;
-    if (u < 0x800) {
-        out[0] = static_cast<Byte>(0xC0 | (u >> 6));
-        out[1] = static_cast<Byte>(0x80 | (u & 0x3F));
-        out += 2;
-        return 1;
-    }
-    if (IsHighSurrogate(u) && end - p >= 2 && IsLowSurrogate(p[1])) {
-        std::uint32_t const c = 0x10000 + ((u - 0xD800) << 10) + (p[1] - 0xDC00u);
-        out[0] = static_cast<Byte>(0xF0 | (c >> 18));
-        out[1] = static_cast<Byte>(0x80 | ((c >> 12) & 0x3F));
-        out[2] = static_cast<Byte>(0x80 | ((c >> 6) & 0x3F));
-        out[3] = static_cast<Byte>(0x80 | (c & 0x3F));
-        out += 4;
-        return 2;
-    }
-    out[0] = static_cast<Byte>(0xE0 | (u >> 12));
-    out[1] = static_cast<Byte>(0x80 | ((u >> 6) & 0x3F));
-    out[2] = static_cast<Byte>(0x80 | (u & 0x3F));
-    out += 3;
-    return 1;
-}
-
-// Bytes of the sequence for the unit at p.
-inline std::ptrdiff_t EncodedSize(Unit const* p, Unit const* end) {
-    std::uint32_t const u = *p;
-    if (u < 0x80)
-        return 1;
-    if (u < 0x800)
-        return 2;
-    return IsHighSurrogate(u) && end - p >= 2 && IsLowSurrogate(p[1]) ? 4 : 3;
-}
-
-// Block helpers for a target with room to spare: they may store a few bytes more
-// than they advance over, to be written over by what follows.
-#if LUMO_LITTLE_ENDIAN
-inline void EncodeShort(std::uint32_t u, Byte*& out) {
-    // Selected by mask rather than by a branch: in Latin text the two forms alternate
-    // unpredictably.
-    std::uint32_t const wide = (u + 0xFF80u) >> 16 & 1u; // u >= 0x80
-    std::uint32_t const mask = 0u - wide;
-    std::uint32_t const twoBytes = (0xC0 | (u >> 6)) | ((0x80 | (u & 0x3F)) << 8);
-    std::uint16_t const value = static_cast<std::uint16_t>((twoBytes & mask) | (u & ~mask));
-    std::memcpy(out, &value, 2);
-    out += 1 + wide;
-}
-inline void EncodeThree(std::uint32_t u, Byte*& out) {
-    std::uint32_t const three =
-        (0xE0 | (u >> 12)) | ((0x80 | ((u >> 6) & 0x3F)) << 8) | ((0x80 | (u & 0x3F)) << 16);
-    std::memcpy(out, &three, 4);
-    out += 3;
-}
-#else
-inline void EncodeShort(std::uint32_t u, Byte*& out) {
-    if (u < 0x80) {
-        *out++ = static_cast<Byte>(u);
-    } else {
-        out[0] = static_cast<Byte>(0xC0 | (u >> 6));
-        out[1] = static_cast<Byte>(0x80 | (u & 0x3F));
-        out += 2;
-    }
-}
-inline void EncodeThree(std::uint32_t u, Byte*& out) {
-    out[0] = static_cast<Byte>(0xE0 | (u >> 12));
-    out[1] = static_cast<Byte>(0x80 | ((u >> 6) & 0x3F));
-    out[2] = static_cast<Byte>(0x80 | (u & 0x3F));
-    out += 3;
-}
-#endif
-
-// Encodes [p, end) into [target, targetEnd), whole sequences only; returns the bytes
-// written.
-std::size_t EncodeBytes(Unit const* p, Unit const* end, char* target, char* targetEnd) {
-    Byte* out = reinterpret_cast<Byte*>(target);
-    Byte* const outEnd = reinterpret_cast<Byte*>(targetEnd);
-    // 16 units at a time while the target has room for their longest form (3 bytes a
-    // unit, one pair running past the block, one spare byte): no room checks inside.
-    std::ptrdiff_t const blockRoom = 16 * 3 + 4 + 1;
-#if defined(LUMO_USTRING_SSE2)
-    __m128i const nonAscii = _mm_set1_epi16(short(0xFF80));
-    __m128i const aboveTwoBytes = _mm_set1_epi16(short(0xF800));
-    __m128i const surrogates = _mm_set1_epi16(short(0xD800));
-    __m128i const zero = _mm_setzero_si128();
-    auto lanes = [](__m128i a, __m128i b) { // one bit per unit of the block
-        return unsigned(_mm_movemask_epi8(_mm_packs_epi16(a, b)));
-    };
-    while (end - p >= 16 && outEnd - out >= blockRoom) {
-        __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
-        __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p + 8));
-        // The ASCII units narrowed in one store; bytes for the others are written over
-        // right after (the room check above covers the whole store).
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(a, b));
-        unsigned const ascii = lanes(_mm_cmpeq_epi16(_mm_and_si128(a, nonAscii), zero),
-                                     _mm_cmpeq_epi16(_mm_and_si128(b, nonAscii), zero));
-        if (ascii == 0xFFFF) {
-            p += 16;
-            out += 16;
-            continue;
-        }
-        __m128i const highA = _mm_and_si128(a, aboveTwoBytes);
-        __m128i const highB = _mm_and_si128(b, aboveTwoBytes);
-        __m128i const shortA = _mm_cmpeq_epi16(highA, zero);
-        __m128i const shortB = _mm_cmpeq_epi16(highB, zero);
-        if (lanes(shortA, shortB) == 0xFFFF) {
-            // Latin, Greek, Cyrillic...: one or two bytes a unit, without branches.
-            for (int k = 0; k < 16; ++k)
-                EncodeShort(p[k], out);
-            p += 16;
-            continue;
-        }
-        if (lanes(_mm_or_si128(shortA, _mm_cmpeq_epi16(highA, surrogates)),
-                  _mm_or_si128(shortB, _mm_cmpeq_epi16(highB, surrogates))) == 0) {
-            // CJK and the like: three bytes a unit.
-            for (int k = 0; k < 16; ++k)
-                EncodeThree(p[k], out);
-            p += 16;
-            continue;
-        }
-        unsigned const lead = unsigned(__builtin_ctz(~ascii));
-        Unit const* const stop = p + 16;
-        p += lead;
-        out += lead;
-        while (p < stop) {
-            if (*p < 0x80)
-                *out++ = static_cast<Byte>(*p++);
-            else
-                p += EncodeOne(p, end, out);
-        }
-    }
-#else
-    while (end - p >= 16 && outEnd - out >= blockRoom) {
-        Unit const* const stop = p + 16;
-        while (p < stop) {
-            if (*p < 0x80)
-                *out++ = static_cast<Byte>(*p++);
-            else
-                p += EncodeOne(p, end, out);
-        }
-    }
-#endif
-    // The rest, one sequence at a time, as long as it fits.
-    while (p < end) {
-        std::ptrdiff_t const size = EncodedSize(p, end);
-        if (outEnd - out < size)
-            break;
-        if (size == 1)
-            *out++ = static_cast<Byte>(*p++);
-        else
-            p += EncodeOne(p, end, out);
-    }
-    return static_cast<std::size_t>(out - reinterpret_cast<Byte*>(target));
+// The UTF-8 form of n units in `size` bytes, whole sequences only; an unpaired
+// surrogate keeps its own value, so that FromUTF8 gives the same units back.
+std::size_t EncodeTo(Unit const* text, std::size_t n, char* target, std::size_t size) {
+    utf8::OwnValue policy;
+    Byte* const out = reinterpret_cast<Byte*>(target);
+    return utf8::Encode(text, text + n, out, out + size, policy).bytes;
 }
 
 } // namespace
@@ -1004,11 +593,11 @@ CUnicodeString CUnicodeString::FromUTF8(char const* text, long length) {
     std::size_t const n = length < 0 ? std::strlen(text) : static_cast<std::size_t>(length);
     Byte const* const begin = reinterpret_cast<Byte const*>(text);
     Byte const* stop = begin;
-    std::uint64_t const units = CountUnits(begin, begin + n, &stop);
+    std::uint64_t const units = utf8::Count<utf8::LenientStop>(begin, begin + n, &stop);
     if (units == 0)
         return result;
     result.m_text = Core::NewBuffer(units + 1);
-    DecodeUnits(begin, stop, result.m_text);
+    utf8::DecodeValid(begin, stop, result.m_text);
     Core::SetTextLength(result.m_text, units);
     return result;
 }
@@ -1018,9 +607,9 @@ CString CUnicodeString::ToUTF8() const {
     std::uint32_t const length = Core::LengthOf(m_text);
     if (length == 0)
         return result;
-    std::uint64_t const bytes = CountBytes(m_text, m_text + length);
+    std::uint64_t const bytes = utf8::CountBytes<utf8::OwnValue>(m_text, m_text + length);
     char* target = result.GetBuffer(static_cast<unsigned long>(bytes));
-    std::size_t const written = EncodeBytes(m_text, m_text + length, target, target + bytes);
+    std::size_t const written = EncodeTo(m_text, length, target, bytes);
     result.SetLength(static_cast<unsigned long>(written));
     return result;
 }
@@ -1028,11 +617,10 @@ CString CUnicodeString::ToUTF8() const {
 long CUnicodeString::ToUTF8(char* target, long size) const {
     std::uint32_t const length = Core::LengthOf(m_text);
     if (target == nullptr)
-        return static_cast<long>(CountBytes(m_text, m_text + length));
+        return static_cast<long>(utf8::CountBytes<utf8::OwnValue>(m_text, m_text + length));
     if (size <= 0)
         return 0;
-    std::size_t const written =
-        EncodeBytes(m_text, m_text + length, target, target + static_cast<std::size_t>(size));
+    std::size_t const written = EncodeTo(m_text, length, target, static_cast<std::size_t>(size));
     if (written < static_cast<std::size_t>(size))
         target[written] = '\0';
     return static_cast<long>(written);

@@ -5,6 +5,8 @@
 #include <lumo/base/Exception.h>
 #include <lumo/io/IOException.h>
 
+#include "../../vela/detail/Utf8Codec.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +17,8 @@ namespace io {
 
 namespace {
 
+namespace utf8 = Vela::detail::utf8;
+
 char const kUnit[] = "lumo/io/PrintWriter";
 
 // Formatted numbers fit here; only "%f" of a huge value needs the heap.
@@ -23,51 +27,6 @@ unsigned long const kScratchUnits = 256;
 unsigned short const kLineEnd[] = {0x000D, 0x000A, 0};
 unsigned short const kTrue[] = {'t', 'r', 'u', 'e'};
 unsigned short const kFalse[] = {'f', 'a', 'l', 's', 'e'};
-
-// Decodes one UTF-8 sequence at s (n > 0 bytes left); returns its length and the
-// code point, or length 1 and U+FFFD for a malformed byte.
-unsigned long DecodeUtf8(unsigned char const* s, unsigned long n, unsigned long* cp) {
-    unsigned char const c = s[0];
-    unsigned long extra;
-    unsigned long value;
-    unsigned long minimum;
-    if (c < 0x80) {
-        *cp = c;
-        return 1;
-    } else if (c >= 0xC2 && c <= 0xDF) {
-        extra = 1;
-        value = c & 0x1F;
-        minimum = 0x80;
-    } else if (c >= 0xE0 && c <= 0xEF) {
-        extra = 2;
-        value = c & 0x0F;
-        minimum = 0x800;
-    } else if (c >= 0xF0 && c <= 0xF4) {
-        extra = 3;
-        value = c & 0x07;
-        minimum = 0x10000;
-    } else {
-        *cp = 0xFFFD;
-        return 1;
-    }
-    if (n <= extra) {
-        *cp = 0xFFFD;
-        return 1;
-    }
-    for (unsigned long k = 1; k <= extra; ++k) {
-        if ((s[k] & 0xC0) != 0x80) {
-            *cp = 0xFFFD;
-            return 1;
-        }
-        value = (value << 6) | (s[k] & 0x3F);
-    }
-    if (value < minimum || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) {
-        *cp = 0xFFFD;
-        return 1;
-    }
-    *cp = value;
-    return extra + 1;
-}
 
 } // namespace
 
@@ -140,27 +99,17 @@ void CPrintWriter::PrintNumber(char const* format, ...) {
 
 void CPrintWriter::PrintUtf8(char const* text, unsigned long length) {
     CheckOpen();
+    // Malformed bytes become U+FFFD, one per byte; the units go out a scratch buffer
+    // at a time.
     unsigned short units[kScratchUnits];
-    unsigned long n = 0;
-    unsigned char const* s = reinterpret_cast<unsigned char const*>(text);
-    unsigned long i = 0;
-    while (i < length) {
-        // Room for a surrogate pair.
-        if (n + 2 > kScratchUnits) {
-            m_writer->Write(units, 0, n);
-            n = 0;
-        }
-        unsigned long cp;
-        i += DecodeUtf8(s + i, length - i, &cp);
-        if (cp >= 0x10000) {
-            units[n++] = static_cast<unsigned short>(0xD800 + ((cp - 0x10000) >> 10));
-            units[n++] = static_cast<unsigned short>(0xDC00 + ((cp - 0x10000) & 0x3FF));
-        } else {
-            units[n++] = static_cast<unsigned short>(cp);
-        }
+    auto const* p = utf8::Bytes(text);
+    auto const* const end = p + length;
+    while (p < end) {
+        utf8::DecodeResult const step =
+            utf8::Decode<utf8::StrictReplace>(p, end, units, kScratchUnits);
+        m_writer->Write(units, 0, static_cast<unsigned long>(step.units));
+        p += step.bytes;
     }
-    if (n > 0)
-        m_writer->Write(units, 0, n);
 }
 
 void CPrintWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+#include "../../vela/detail/Utf8Codec.h"
+
 namespace lumo {
 namespace io {
 
@@ -14,21 +16,26 @@ namespace {
 
 char const kUnit[] = "lumo/io/WCharToCharConverter";
 
-bool IsHighSurrogate(unsigned int c) {
-    return c >= 0xD800 && c <= 0xDBFF;
-}
+namespace utf8 = Vela::detail::utf8;
 
-// Bytes of the sequence for unit c in the main loop (a high surrogate followed by
-// another unit becomes one "?").
-unsigned long SequenceLength(unsigned int c) {
-    if (c < 0x80)
-        return 1;
-    if (c < 0x800)
-        return 2;
-    if (!IsHighSurrogate(c))
-        return 3;
-    return 1;
-}
+// The converter's own rule for a surrogate met in the text: a high surrogate takes the
+// unit after it, whatever that is, and the two become one "?" (a pair is joined only
+// across calls, through the pending surrogate); a high surrogate that ends the text
+// stops the conversion, to wait for its low half; a low surrogate gets the 3 bytes of
+// its own value.
+struct HighTakesNext {
+    static constexpr bool kPairs = false;
+    static constexpr int kUnpairedBytes = 3;
+    utf8::Utf16Step Surrogate(unsigned short const* p, unsigned short const* end,
+                              utf8::Byte* four) const {
+        if (!utf8::IsHighSurrogate(*p))
+            return utf8::Utf16Step{1, utf8::EncodeOne(*p, four)};
+        if (end - p < 2)
+            return utf8::Utf16Step{0, 0};
+        four[0] = '?';
+        return utf8::Utf16Step{2, 1};
+    }
+};
 
 } // namespace
 
@@ -76,17 +83,10 @@ long CWCharToCharUTF8::Convert(unsigned short const* src, unsigned long srcOff,
     unsigned short const pendingOnEntry = m_pendingSurrogate;
 
     if (m_pendingSurrogate != NO_PENDING_SURROGATE) {
-        unsigned int const low = *s;
-        if (low >= 0xDC00 && low <= 0xDFFF) {
+        if (utf8::IsLowSurrogate(*s)) {
             if (limit - d < 4)
                 return -1;
-            std::uint32_t const cp =
-                (static_cast<std::uint32_t>(m_pendingSurrogate) - 0xD7F7) * 0x400 + low;
-            d[0] = static_cast<unsigned char>(0xF0 | ((cp >> 18) & 0x07));
-            d[1] = static_cast<unsigned char>(0x80 | ((cp >> 12) & 0x3F));
-            d[2] = static_cast<unsigned char>(0x80 | ((cp >> 6) & 0x3F));
-            d[3] = static_cast<unsigned char>(0x80 | (low & 0x3F));
-            d += 4;
+            d += utf8::EncodeOne(utf8::Combine(m_pendingSurrogate, *s), d);
             ++s;
             m_pendingSurrogate = NO_PENDING_SURROGATE;
         } else {
@@ -97,49 +97,17 @@ long CWCharToCharUTF8::Convert(unsigned short const* src, unsigned long srcOff,
         }
     }
 
-    while (s < end) {
-        // Every unit of the main loop needs at most 3 bytes, so a stretch of
-        // room / 3 units runs without checking the room unit by unit.
-        std::size_t safe = static_cast<std::size_t>(limit - d) / 3;
-        if (safe > static_cast<std::size_t>(end - s))
-            safe = static_cast<std::size_t>(end - s);
-        if (safe == 0) {
-            unsigned int const c = *s;
-            bool const lastHigh = IsHighSurrogate(c) && s + 1 == end;
-            if (!lastHigh && SequenceLength(c) > static_cast<std::size_t>(limit - d)) {
-                m_pendingSurrogate = pendingOnEntry;
-                return -1;
-            }
-            safe = 1;
-        }
-        unsigned short const* const stop = s + safe;
-        while (s < stop) {
-            unsigned int const c = *s;
-            if (c < 0x80) {
-                *d++ = static_cast<unsigned char>(c);
-                ++s;
-            } else if (c < 0x800) {
-                d[0] = static_cast<unsigned char>(0xC0 | ((c >> 6) & 0x1F));
-                d[1] = static_cast<unsigned char>(0x80 | (c & 0x3F));
-                d += 2;
-                ++s;
-            } else if (!IsHighSurrogate(c)) {
-                d[0] = static_cast<unsigned char>(0xE0 | ((c >> 12) & 0x0F));
-                d[1] = static_cast<unsigned char>(0x80 | ((c >> 6) & 0x3F));
-                d[2] = static_cast<unsigned char>(0x80 | (c & 0x3F));
-                d += 3;
-                ++s;
-            } else if (s + 1 == end) {
-                // Its low half may open the next call.
-                m_pendingSurrogate = static_cast<unsigned short>(c);
-                return static_cast<long>(d - start);
-            } else {
-                // The low-half test (at least 0xDC00 and at most 0xDBFF) is never
-                // met, so the unit after a high surrogate is always taken with it.
-                *d++ = '?';
-                s += 2;
-            }
-        }
+    HighTakesNext policy;
+    utf8::EncodeResult const done = utf8::Encode(s, end, d, limit, policy);
+    s += done.units;
+    d += done.bytes;
+    if (s + 1 == end && utf8::IsHighSurrogate(*s)) {
+        // Its low half may open the next call.
+        m_pendingSurrogate = *s;
+    } else if (s != end) {
+        // The rest does not fit: nothing of this call counts.
+        m_pendingSurrogate = pendingOnEntry;
+        return -1;
     }
     return static_cast<long>(d - start);
 }

@@ -8,6 +8,8 @@
 #include <lumo/util/Capacity.h>
 #include <lumo/util/NoSuchElementException.h>
 
+#include "../../../vela/detail/Utf8Codec.h"
+
 #include <unicode/uchar.h>
 
 #include <cstdlib>
@@ -37,50 +39,22 @@ inline std::uint32_t Mix(std::uint32_t h) {
     return h ^ (h >> 16);
 }
 
-inline bool IsCont(unsigned char b) {
-    return (b & 0xC0) == 0x80;
-}
-
 // The case-insensitive comparison of 8-bit texts decodes strict UTF-8 (a malformed
 // byte stands for itself, apart from every character) and compares simple case
 // folds. Hashing the same sequence of folded characters gives keys that compare
 // equal the same hash.
-std::uint32_t const kMalformed = 0x110000;
-
 std::uint32_t NextFolded(unsigned char const*& s) {
     unsigned char const b0 = s[0];
     if (b0 < 0x80) {
         ++s;
         return b0 >= 'A' && b0 <= 'Z' ? b0 + 32u : b0;
     }
-    UChar32 c = -1;
-    int length = 1;
-    // Each test stops at the text's terminator, which is no continuation byte.
-    if (b0 >= 0xC2 && b0 <= 0xDF) {
-        if (IsCont(s[1])) {
-            c = (UChar32(b0 & 0x1F) << 6) | (s[1] & 0x3F);
-            length = 2;
-        }
-    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-        unsigned char const lo = b0 == 0xE0 ? 0xA0 : 0x80;
-        unsigned char const hi = b0 == 0xED ? 0x9F : 0xBF;
-        if (s[1] >= lo && s[1] <= hi && IsCont(s[2])) {
-            c = (UChar32(b0 & 0x0F) << 12) | (UChar32(s[1] & 0x3F) << 6) | (s[2] & 0x3F);
-            length = 3;
-        }
-    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-        unsigned char const lo = b0 == 0xF0 ? 0x90 : 0x80;
-        unsigned char const hi = b0 == 0xF4 ? 0x8F : 0xBF;
-        if (s[1] >= lo && s[1] <= hi && IsCont(s[2]) && IsCont(s[3])) {
-            c = (UChar32(b0 & 0x07) << 18) | (UChar32(s[1] & 0x3F) << 12) |
-                (UChar32(s[2] & 0x3F) << 6) | (s[3] & 0x3F);
-            length = 4;
-        }
-    }
-    s += length;
-    if (c < 0)
-        return kMalformed + b0;
-    return static_cast<std::uint32_t>(u_foldCase(c, U_FOLD_CASE_DEFAULT));
+    // The decoder stops at the text's terminator, which is no continuation byte.
+    std::uint32_t c;
+    s += Vela::detail::utf8::DecodeOne(s, 4, c);
+    if (c >= Vela::detail::utf8::kMalformed)
+        return c;
+    return static_cast<std::uint32_t>(u_foldCase(UChar32(c), U_FOLD_CASE_DEFAULT));
 }
 
 std::uint64_t const kOnes = 0x0101010101010101ull;

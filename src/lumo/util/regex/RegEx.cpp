@@ -8,6 +8,7 @@
 #include <vela/Chars.h>
 #include <vela/Ucs.h>
 
+#include "../../../vela/detail/Utf8Codec.h"
 #include "../../base/detail/XercesSupport.h"
 #include "detail/EngineObjects.h"
 #include "detail/MessageList.h"
@@ -27,6 +28,8 @@ namespace util {
 namespace regex {
 
 namespace {
+
+namespace utf8 = Vela::detail::utf8;
 char const kUnit[] = "lumo/util/regex/RegEx";
 
 // The engine's parse-error codes and the message-list entry of the same meaning. The
@@ -177,17 +180,14 @@ private:
             std::size_t size = static_cast<std::size_t>(Vela::CHGetNextCharPtr(p) - p);
             if (size == 0 || i + size > m_length)
                 size = 1; // a character cut by the end of the range
-            unsigned short units[3] = {0, 0, 0};
-            long n = 1;
-            if (static_cast<unsigned char>(*p) < 0x80)
-                units[0] = static_cast<unsigned char>(*p);
-            else
-                n = Vela::CHANSI2Unicode(p, static_cast<long>(size), units, 3);
-            if (n <= 0) {
-                units[0] = 0xFFFD;
-                n = 1;
-            }
-            for (long k = 0; k < n; ++k) {
+            // A malformed byte is one U+FFFD.
+            std::uint32_t c;
+            int const length = utf8::DecodeOne(utf8::Bytes(p), size, c);
+            if (c >= utf8::kMalformed)
+                c = utf8::kReplacement;
+            unsigned short units[2] = {0, 0};
+            int const n = utf8::PutUnits(c, length, units);
+            for (int k = 0; k < n; ++k) {
                 m_units.push_back(static_cast<char16_t>(units[k]));
                 m_starts.push_back(static_cast<std::uint32_t>(i));
             }
