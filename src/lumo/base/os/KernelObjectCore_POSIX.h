@@ -12,6 +12,7 @@
 #include <sys/types.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <string>
 
@@ -172,6 +173,19 @@ void Satisfy(Object* o);
 void DropRef(Object* o);
 void AbandonOwned(ThreadRecord* r);
 Object* CheckHandle(Handle h);
+
+/// The object of a handle as its kind: null with EBADF for a null handle, with EINVAL
+/// for another kind of object or when the caller's other arguments are not `valid`.
+template <class T> T* ObjectOf(Handle handle, Kind kind, bool valid = true) {
+    Object* o = CheckHandle(handle);
+    if (o == nullptr)
+        return nullptr;
+    if (o->kind != kind || !valid) {
+        SetError(EINVAL);
+        return nullptr;
+    }
+    return static_cast<T*>(o);
+}
 
 } // namespace core
 

@@ -735,14 +735,9 @@ bool CloseObject(Handle handle) {
 }
 
 bool ReleaseMutexObject(Handle handle) {
-    Object* o = CheckHandle(handle);
-    if (o == nullptr)
+    auto* m = ObjectOf<MutexObject>(handle, Kind::Mutex);
+    if (m == nullptr)
         return false;
-    if (o->kind != Kind::Mutex) {
-        SetError(EINVAL);
-        return false;
-    }
-    auto* m = static_cast<MutexObject*>(o);
     ThreadRecord* r = t_record;
     auto const self = reinterpret_cast<std::uintptr_t>(r);
     if (r == nullptr || (m->word.load(std::memory_order_acquire) & ~MutexSlow) != self) {
@@ -779,33 +774,24 @@ bool ReleaseMutexObject(Handle handle) {
     return true;
 }
 
-bool SetEventObject(Handle handle) {
-    Object* o = CheckHandle(handle);
-    if (o == nullptr)
+// Sets or clears an event; a set one completes the waits it lets proceed.
+static bool SignalEvent(Handle handle, bool signalled) {
+    auto* e = ObjectOf<EventObject>(handle, Kind::Event);
+    if (e == nullptr)
         return false;
-    if (o->kind != Kind::Event) {
-        SetError(EINVAL);
-        return false;
-    }
-    LockGlobal();
-    static_cast<EventObject*>(o)->signalled = true;
-    Satisfy(o);
-    UnlockGlobal();
+    GlobalLockHold hold;
+    e->signalled = signalled;
+    if (signalled)
+        Satisfy(e);
     return true;
 }
 
+bool SetEventObject(Handle handle) {
+    return SignalEvent(handle, true);
+}
+
 bool ResetEventObject(Handle handle) {
-    Object* o = CheckHandle(handle);
-    if (o == nullptr)
-        return false;
-    if (o->kind != Kind::Event) {
-        SetError(EINVAL);
-        return false;
-    }
-    LockGlobal();
-    static_cast<EventObject*>(o)->signalled = false;
-    UnlockGlobal();
-    return true;
+    return SignalEvent(handle, false);
 }
 
 bool ReleaseSemaphoreObject(Handle handle, long count, long* previous) {

@@ -141,19 +141,6 @@ Handle NewThread(ThreadRoutine routine, void* argument, bool suspended, Handle* 
 
 namespace {
 
-// The thread object of a handle: null with EBADF for a null handle, with EINVAL for
-// another kind of object or when the caller's arguments are not `valid`.
-ThreadObject* ThreadOf(Handle handle, bool valid) {
-    Object* o = CheckHandle(handle);
-    if (o == nullptr)
-        return nullptr;
-    if (o->kind != Kind::Thread || !valid) {
-        SetError(EINVAL);
-        return nullptr;
-    }
-    return static_cast<ThreadObject*>(o);
-}
-
 // Holds a thread object's own lock for a scope, once the thread has started (its id
 // is known from then on).
 class StartedThreadHold {
@@ -174,7 +161,7 @@ private:
 } // namespace
 
 bool ResumeThreadObject(Handle thread) {
-    ThreadObject* t = ThreadOf(thread, true);
+    ThreadObject* t = ObjectOf<ThreadObject>(thread, Kind::Thread);
     if (t == nullptr)
         return false;
     pthread_mutex_lock(&t->lock);
@@ -187,7 +174,7 @@ bool ResumeThreadObject(Handle thread) {
 bool SetThreadPriorityLevel(Handle thread, long level) {
     bool valid = false;
     long const nice = NiceOf(level, &valid);
-    ThreadObject* t = ThreadOf(thread, valid);
+    ThreadObject* t = ObjectOf<ThreadObject>(thread, Kind::Thread, valid);
     if (t == nullptr)
         return false;
     StartedThreadHold hold(t);
@@ -201,7 +188,7 @@ bool SetThreadPriorityLevel(Handle thread, long level) {
 }
 
 bool GetThreadPriorityLevel(Handle thread, long* level) {
-    ThreadObject* t = ThreadOf(thread, level != nullptr);
+    ThreadObject* t = ObjectOf<ThreadObject>(thread, Kind::Thread, level != nullptr);
     if (t == nullptr)
         return false;
     StartedThreadHold hold(t);
@@ -219,7 +206,7 @@ bool GetThreadPriorityLevel(Handle thread, long* level) {
 }
 
 bool TerminateThreadObject(Handle thread, unsigned long /*exitCode*/) {
-    ThreadObject* t = ThreadOf(thread, true);
+    ThreadObject* t = ObjectOf<ThreadObject>(thread, Kind::Thread);
     if (t == nullptr)
         return false;
     bool ended;
