@@ -26,6 +26,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -185,28 +186,36 @@ double LumoBulk(unsigned long long total) {
     });
 }
 
+// Runs both sides each iteration, alternating which goes first so that neither keeps
+// the warmer turn, and reports `units` per iteration as a rate of each side (counter
+// names "lumo_<unit>/s" and "raw_<unit>/s") and their ratio.
+template <class Raw, class Lumo>
+void RunSideBySide(benchmark::State& state, double units, char const* unit, Raw raw, Lumo ours) {
+    double rawTime = 0, lumoTime = 0;
+    bool rawFirst = true;
+    for (auto _ : state) {
+        double const r0 = rawFirst ? raw() : 0;
+        double const t = ours();
+        double const r1 = rawFirst ? 0 : raw();
+        rawTime += r0 + r1;
+        lumoTime += t;
+        rawFirst = !rawFirst;
+        state.SetIterationTime(t);
+    }
+    double const total = units * static_cast<double>(state.iterations());
+    state.counters[std::string("lumo_") + unit + "/s"] = total / lumoTime;
+    state.counters[std::string("raw_") + unit + "/s"] = total / rawTime;
+    state.counters["ratio"] = rawTime / lumoTime;
+}
+
 void Socket_BulkTransfer64KiB(benchmark::State& state) {
     lumo::Initialize();
     unsigned long long const total =
         Setting("LUMO_BENCH_SOCKET_BYTES", 1ull << 30) / kChunk * kChunk;
-    double raw = 0, lumo = 0;
-    bool rawFirst = true;
-    for (auto _ : state) {
-        // The order alternates, so that neither side keeps the warmer turn.
-        double const r0 = rawFirst ? RawBulk(total) : 0;
-        double const t = LumoBulk(total);
-        double const r1 = rawFirst ? 0 : RawBulk(total);
-        raw += r0 + r1;
-        lumo += t;
-        rawFirst = !rawFirst;
-        state.SetIterationTime(t);
-    }
-    double const gib = static_cast<double>(total) * static_cast<double>(state.iterations()) /
-                       (1024.0 * 1024.0 * 1024.0);
-    state.counters["lumo_GiB/s"] = gib / lumo;
-    state.counters["raw_GiB/s"] = gib / raw;
-    state.counters["ratio"] = raw / lumo;
-    state.counters["GiB"] = static_cast<double>(total) / (1024.0 * 1024.0 * 1024.0);
+    double const gib = static_cast<double>(total) / (1024.0 * 1024.0 * 1024.0);
+    RunSideBySide(
+        state, gib, "GiB", [&] { return RawBulk(total); }, [&] { return LumoBulk(total); });
+    state.counters["GiB"] = gib;
     lumo::Terminate();
 }
 BENCHMARK(Socket_BulkTransfer64KiB)->Iterations(4)->UseManualTime()->Unit(benchmark::kMillisecond);
@@ -267,22 +276,9 @@ double LumoPingPong(unsigned long long rounds) {
 void Socket_PingPong1Byte(benchmark::State& state) {
     lumo::Initialize();
     unsigned long long const rounds = Setting("LUMO_BENCH_SOCKET_ROUNDS", 100000);
-    double raw = 0, lumo = 0;
-    bool rawFirst = true;
-    for (auto _ : state) {
-        // The order alternates, so that neither side keeps the warmer turn.
-        double const r0 = rawFirst ? RawPingPong(rounds) : 0;
-        double const t = LumoPingPong(rounds);
-        double const r1 = rawFirst ? 0 : RawPingPong(rounds);
-        raw += r0 + r1;
-        lumo += t;
-        rawFirst = !rawFirst;
-        state.SetIterationTime(t);
-    }
-    double const total = static_cast<double>(rounds) * static_cast<double>(state.iterations());
-    state.counters["lumo_trips/s"] = total / lumo;
-    state.counters["raw_trips/s"] = total / raw;
-    state.counters["ratio"] = raw / lumo;
+    RunSideBySide(
+        state, static_cast<double>(rounds), "trips", [&] { return RawPingPong(rounds); },
+        [&] { return LumoPingPong(rounds); });
     lumo::Terminate();
 }
 BENCHMARK(Socket_PingPong1Byte)->Iterations(4)->UseManualTime()->Unit(benchmark::kMillisecond);
@@ -376,22 +372,9 @@ void Socket_ConcurrentConnections(benchmark::State& state) {
     lumo::Initialize();
     RaiseDescriptorLimit();
     unsigned long long const n = Setting("LUMO_BENCH_SOCKET_CONNECTIONS", 1000);
-    double raw = 0, lumo = 0;
-    bool rawFirst = true;
-    for (auto _ : state) {
-        // The order alternates, so that neither side keeps the warmer turn.
-        double const r0 = rawFirst ? RawConnections(n) : 0;
-        double const t = LumoConnections(n);
-        double const r1 = rawFirst ? 0 : RawConnections(n);
-        raw += r0 + r1;
-        lumo += t;
-        rawFirst = !rawFirst;
-        state.SetIterationTime(t);
-    }
-    double const total = static_cast<double>(n) * static_cast<double>(state.iterations());
-    state.counters["lumo_conn/s"] = total / lumo;
-    state.counters["raw_conn/s"] = total / raw;
-    state.counters["ratio"] = raw / lumo;
+    RunSideBySide(
+        state, static_cast<double>(n), "conn", [&] { return RawConnections(n); },
+        [&] { return LumoConnections(n); });
     lumo::Terminate();
 }
 BENCHMARK(Socket_ConcurrentConnections)
