@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages lumo needs to build, test and benchmark, if missing.
+# Optional groups named as arguments add the tools of one job: docs (the API
+# reference), fuzz (the fuzz targets' compiler), package (Debian package checks).
 set -euo pipefail
 
 packages=(
@@ -8,6 +10,17 @@ packages=(
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     libxml2-utils python3 libxml2-dev libpcre2-dev
 )
+for group in "$@"; do
+    case "$group" in
+    docs) packages+=(doxygen) ;;
+    fuzz) packages+=(clang llvm) ;;
+    package) packages+=(dpkg-dev lintian file) ;;
+    *)
+        echo "setup.sh: unknown group '$group'" >&2
+        exit 2
+        ;;
+    esac
+done
 
 missing=()
 for p in "${packages[@]}"; do
