@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Installs the Debian packages lumo needs to build, test and benchmark, if missing.
 # Optional groups named as arguments add the tools of one job: docs (the API
-# reference), fuzz (the fuzz targets' compiler), package (Debian package checks).
+# reference), fuzz (the fuzz targets' compiler), package (the Debian package check).
 set -euo pipefail
 
 packages=(
-    g++ cmake ninja-build pkg-config
+    g++ cmake ninja-build pkg-config dpkg-dev file
     libxerces-c-dev libicu-dev libssl-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     libxml2-utils python3 libxml2-dev libpcre2-dev
@@ -14,7 +14,7 @@ for group in "$@"; do
     case "$group" in
     docs) packages+=(doxygen) ;;
     fuzz) packages+=(clang llvm) ;;
-    package) packages+=(dpkg-dev lintian file) ;;
+    package) packages+=(lintian) ;;
     *)
         echo "setup.sh: unknown group '$group'" >&2
         exit 2

@@ -5,6 +5,20 @@
 
 #include <vela/Config.h>
 
+/// The library's version, major.minor.patch; the build reads its project version from
+/// these lines, so the headers, the shared library's name and the packages agree.
+#define LUMO_VERSION_MAJOR 0
+#define LUMO_VERSION_MINOR 1
+#define LUMO_VERSION_PATCH 0
+/// Spells a version number as text (after expanding it), for LUMO_VERSION.
+#define LUMO_VERSION_TEXT(n) LUMO_VERSION_TEXT_OF(n)
+/// Spells its argument as text, unexpanded; LUMO_VERSION_TEXT's second step.
+#define LUMO_VERSION_TEXT_OF(n) #n
+/// The same version as text, e.g. "0.1.0".
+#define LUMO_VERSION                                                                               \
+    LUMO_VERSION_TEXT(LUMO_VERSION_MAJOR)                                                          \
+    "." LUMO_VERSION_TEXT(LUMO_VERSION_MINOR) "." LUMO_VERSION_TEXT(LUMO_VERSION_PATCH)
+
 // Every public class and free function carries LUMO_API; everything else in the
 // shared library stays hidden.
 #if defined(_WIN32)

@@ -13,6 +13,10 @@ LUMO_API long Initialize();
 /// Counts a client's end; the last end shuts the XML parser and the file layer down.
 /// Returns the count.
 LUMO_API long Terminate();
+/// The version the loaded library was built as, "major.minor.patch" (LUMO_VERSION of
+/// its own headers); compare it with LUMO_VERSION to detect a mismatched library.
+/// Needs no start.
+LUMO_API char const* GetVersion();
 
 } // namespace lumo
 

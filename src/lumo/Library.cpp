@@ -27,6 +27,10 @@ long Initialize() {
     return g_clients;
 }
 
+char const* GetVersion() {
+    return LUMO_VERSION;
+}
+
 long Terminate() {
     if (g_clients == 0)
         return 0;

@@ -1,5 +1,6 @@
-// A client program built against the installed lumo package (find_package): it starts
-// the library, finds a class record, throws and catches an exception, and stops it.
+// A client program built against the installed lumo package (find_package or pkg-config):
+// it checks the versions agree, starts the library, finds a class record, throws and
+// catches an exception, and stops it.
 #include <lumo/Lumo.h>
 
 #include <cstdio>
@@ -7,6 +8,12 @@
 
 int main() {
     using namespace lumo::base;
+    if (std::strcmp(lumo::GetVersion(), LUMO_VERSION) != 0)
+        return 4;
+#ifdef LUMO_PACKAGE_VERSION
+    if (std::strcmp(LUMO_PACKAGE_VERSION, LUMO_VERSION) != 0)
+        return 5;
+#endif
     if (lumo::Initialize() != 1)
         return 1;
     CClass const* cls = CClass::FindClass("lumo::base::CException");
@@ -20,6 +27,6 @@ int main() {
             rc = 0;
     }
     lumo::Terminate();
-    std::printf("consumer ok\n");
+    std::printf("consumer ok, lumo %s\n", lumo::GetVersion());
     return rc;
 }
