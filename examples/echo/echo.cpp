@@ -15,19 +15,16 @@ using namespace lumo::net;
 
 namespace {
 
-int const kLines = 4;                     // lines the server echoes before it exits
-unsigned long const kTimeoutMs = 5000;    // for accept, reads and joins
-unsigned long const kMaxLineLength = 256; // longer lines are cut
+int const kLines = 4;                  // lines the server echoes before it exits
+unsigned long const kTimeoutMs = 5000; // for accept, reads and joins
 
-// Reads one line without its '\n'; false when the peer closed first.
+// Reads one line (at most 256 bytes) without its '\n'; false when the peer closed first.
 bool ReadLine(CInputStream* in, std::string& line) {
     line.clear();
-    while (line.size() < kMaxLineLength) {
+    for (int n = 0; n < 256; ++n) {
         long const c = in->Read(); // waits at most the socket's timeout
-        if (c == CInputStream::EOS)
-            return false;
-        if (c == '\n')
-            return true;
+        if (c == CInputStream::EOS || c == '\n')
+            return c == '\n';
         line += static_cast<char>(c);
     }
     return true;
@@ -41,9 +38,9 @@ void WriteLine(COutputStream* out, std::string const& line) {
 class CEchoServer : public CThread {
 public:
     explicit CEchoServer(CServerSocket& listener) : m_listener(listener) {}
-    int echoed = 0;
     void Run() override {
         try {
+            // The connection closes when `peer`, its last holder, goes out of scope.
             CRef<CSocket> peer = m_listener.Accept(kTimeoutMs);
             peer->SetTimeout(kTimeoutMs);
             std::string line;
@@ -51,14 +48,12 @@ public:
                 WriteLine(peer->GetOutputStream(), line);
                 ++echoed;
             }
-            peer->Close();
         } catch (CException const& e) {
             std::printf("server: %s\n", e.GetClass()->GetName());
         }
     }
-
-private:
     CServerSocket& m_listener;
+    int echoed = 0; // read by main after Join
 };
 
 } // namespace
@@ -84,7 +79,7 @@ int main() {
     } catch (CException const& e) {
         std::printf("client: %s\n", e.GetClass()->GetName());
     }
-    if (!server.Join(kTimeoutMs)) {
+    if (!server.Join(3 * kTimeoutMs)) {
         std::printf("the server thread did not finish\n");
         std::fflush(stdout);
         std::_Exit(1);

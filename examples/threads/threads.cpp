@@ -55,24 +55,18 @@ public:
             m_queue.Put(i * i);
         m_queue.Put(-1); // tells the consumer that nothing more comes
     }
-
-private:
     CBoundedQueue& m_queue;
 };
 
 class CConsumer : public CThread {
 public:
     explicit CConsumer(CBoundedQueue& queue) : m_queue(queue) {}
-    long total = 0;
     void Run() override {
-        for (long item; (item = m_queue.Take()) != -1;) {
+        for (long item; (item = m_queue.Take()) != -1; total += item)
             std::printf("consumed %ld\n", item);
-            total += item;
-        }
     }
-
-private:
     CBoundedQueue& m_queue;
+    long total = 0; // read by main after Join
 };
 
 } // namespace
@@ -84,8 +78,7 @@ int main() {
     CProducer producer(queue);
     consumer.Start();
     producer.Start();
-    // Join with a time limit, so that a hang ends the program with an error instead of
-    // blocking forever (the thread objects must not be destroyed while still running).
+    // Join with a time limit: a hang ends the program with an error, not a stuck run.
     if (!producer.Join(10000) || !consumer.Join(10000)) {
         std::printf("timed out\n");
         std::fflush(stdout);
