@@ -68,7 +68,7 @@ int main() {
             std::printf("a 70000-byte string: %s\n", e.GetErrorDescription());
         }
     } catch (CException const& e) {
-        std::printf("failed: %s\n", e.GetErrorDescription());
+        std::printf("failed: %s\n", e.GetClass()->GetName());
         return 1;
     }
     lumo::Terminate();

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 using namespace lumo::base;
@@ -69,7 +68,7 @@ int main() {
         }
         reader.Close();
     } catch (CException const& e) {
-        std::printf("failed: %s\n", e.GetErrorDescription());
+        std::printf("failed: %s\n", e.GetClass()->GetName());
         status = 1;
     }
 

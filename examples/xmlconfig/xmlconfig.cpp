@@ -73,7 +73,7 @@ int main() {
         }
         reader.Close();
     } catch (CException const& e) {
-        std::printf("failed: %s %s\n", e.GetErrorDescription(), e.GetMessage());
+        std::printf("failed: %s\n", e.GetClass()->GetName());
         status = 1;
     }
     std::remove(path.c_str());
