@@ -36,7 +36,7 @@ VELA_API unsigned short* ucslwr(unsigned short* s);
 VELA_API unsigned short* ucsrev(unsigned short* s);
 
 /// White space: the Unicode White_Space property (u_isUWhiteSpace), which includes
-/// ' ', \t, \n, \v, \f, \r, U+0085, U+00A0, U+2028, U+3000 and the like.
+/// ' ', `\t`, `\n`, `\v`, `\f`, `\r`, U+0085, U+00A0, U+2028, U+3000 and the like.
 VELA_API bool isuspace(unsigned short c);
 /// Decimal digits: '0'-'9' and the other Unicode decimal digits (general category Nd,
 /// e.g. U+0663, U+FF15); not superscripts or other numerals.

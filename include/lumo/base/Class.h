@@ -16,32 +16,47 @@ class CClassManager;
 /// process-wide class registry for as long as it lives.
 class LUMO_API CClass {
 public:
+    /// A factory that returns a new default instance, or null when out of memory.
     typedef CObject* (*Constructor)();
 
+    /// Registers the record with the process-wide registry. Names are kept, not copied, and must
+    /// outlive the record; null base names mean no such base, a null factory means the class cannot
+    /// be instantiated.
     CClass(char const* qualifiedName, char const* baseName1, char const* baseName2,
            char const* baseName3, unsigned long size, Constructor constructor);
     ~CClass();
 
+    /// The fully qualified name, e.g. "lumo::io::CInputStream".
     char const* GetQualifiedName() const { return m_qualifiedName; }
+    /// The qualified name of the first, second or third base class; null when there is none.
+    ///@{
     char const* GetQualifiedBaseClassName1() const { return m_baseName1; }
     char const* GetQualifiedBaseClassName2() const { return m_baseName2; }
     char const* GetQualifiedBaseClassName3() const { return m_baseName3; }
+    ///@}
+    /// The instance size in bytes.
     unsigned long GetSize() const { return m_size; }
+    /// The factory; null for an interface or an abstract class.
     Constructor GetConstructor() const { return m_constructor; }
 
     /// The part of the qualified name after its last ':'; points into the qualified name.
     char const* GetName() const;
 
     /// Base records, looked up by name on first use and cached once found.
+    ///@{
     CClass const* GetBaseClass1() const;
     CClass const* GetBaseClass2() const;
     CClass const* GetBaseClass3() const;
+    ///@}
 
+    /// True when this record is `cls` or one of its bases (searched through all three base names);
+    /// false for null.
     bool IsInstanceOf(CClass const* cls) const;
     /// A new default instance owned by the caller; throws CInstantiationException
     /// for a record without factory.
     CObject* CreateNewInstance() const;
 
+    /// The registered record of that qualified name; null for a null, empty or unknown name.
     static CClass const* FindClass(char const* name);
 
 private:

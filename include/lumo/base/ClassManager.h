@@ -18,8 +18,11 @@ class CObject;
 class LUMO_API IClassManager {
 public:
     virtual ~IClassManager() {}
+    /// Adds `cls` at the head of the list; null is ignored.
     virtual void RegisterClass(CClass* cls) = 0;
+    /// Removes `cls` from the list; null and records not in the list are ignored.
     virtual void UnregisterClass(CClass* cls) = 0;
+    /// The newest record of that qualified name; null for a null, empty or unknown name.
     virtual CClass* FindClass(char const* name) = 0;
     /// Throws CClassNotFoundException when no record bears the name.
     virtual CObject* CreateInstance(char const* name) = 0;
@@ -35,13 +38,17 @@ public:
     CClassManager();
     ~CClassManager() override;
 
+    ///@{
     void RegisterClass(CClass* cls) override;
     void UnregisterClass(CClass* cls) override;
     CClass* FindClass(char const* name) override;
+    ///@}
     CObject* CreateInstance(char const* name) override;
     CObject* CreateInstance(CClass const* cls) override;
 
+    /// The number of registered records.
     unsigned long GetCount() const { return m_count; }
+    /// True while lookups still go through the hash table (before the first registration).
     bool IsHashing() const { return m_hashing != 0; }
 
     /// The single registry, made on first use.

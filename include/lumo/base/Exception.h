@@ -21,12 +21,19 @@ public:
     /// the message is copied.
     CException(char const* file, unsigned long line, char const* errorDescription,
                char const* message);
+    /// Copies the location and description as they are and the message as a new copy; a copy that
+    /// runs out of memory leaves the message null.
+    ///@{
     CException(CException const& other);
     CException& operator=(CException const& other);
+    ///@}
     ~CException() override;
 
+    /// The source unit that raised the exception, e.g. "lumo/base/String"; may be null.
     char const* GetSourceFile() const { return m_file; }
+    /// The line of the raise site; 0 when unknown.
     unsigned long GetSourceLine() const { return m_line; }
+    /// The fixed sentence that describes the kind of failure, e.g. "Stream closed."; may be null.
     char const* GetErrorDescription() const { return m_description; }
     /// Null when there is no message.
     char const* GetMessage() const { return m_message; }
@@ -72,15 +79,25 @@ private:
 namespace lumo {
 namespace base {
 
+/// An index outside the valid range of an array, vector or string.
 LUMO_EXCEPTION_0(CArrayIndexOutOfBoundsException, CException);
+/// A value that is not of the class asked for.
 LUMO_EXCEPTION_0(CClassCastException, CException);
+/// An allocation that failed; no description, so building it never allocates.
 LUMO_EXCEPTION_0(CMemoryException, CException);
+/// A null object where one is required.
 LUMO_EXCEPTION_0(CNullReferenceException, CException);
+/// A bad argument, most often to a constructor; the description names it.
 LUMO_EXCEPTION_1(CIllegalArgumentException, CException);
+/// Two values that cannot be compared with each other.
 LUMO_EXCEPTION_2(CIllegalComparisonException, CException);
+/// An operation called in a state that does not allow it.
 LUMO_EXCEPTION_2(CIllegalStateException, CException);
+/// A text that does not hold a number of the expected form.
 LUMO_EXCEPTION_2(CNumberFormatException, CException);
+/// A lock, condition, semaphore or thread operation that failed.
 LUMO_EXCEPTION_2(CSynchronizationException, CException);
+/// A wait that ran out of time.
 LUMO_EXCEPTION_2(CTimeoutException, CSynchronizationException);
 
 } // namespace base

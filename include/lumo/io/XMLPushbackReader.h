@@ -103,7 +103,7 @@ public:
     /// element text." (an empty element cannot be pushed back through it).
     void UnreadElementText(unsigned short const* text);
 
-    /// Push back the whole element <name>value</name>: bool as "true" or "false",
+    /// Push back the whole element `<name>value</name>`: bool as "true" or "false",
     /// short "%hd", long "%ld", float "%g", double "%lg", a string as it is (null or
     /// empty: CXMLException "Invalid element text.", checked after the names). Names
     /// are checked as for UnreadStartElement, then that the reader is open. Three

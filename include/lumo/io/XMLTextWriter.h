@@ -29,7 +29,7 @@ class CXMLTextWriterContextStack;
 /// indentation. A start tag stays open ("<name" and its attributes) until the next
 /// content, child or end: WriteEndElement then prints the short form "/>". An
 /// element written with its value (WriteElementString and the typed element writes)
-/// takes one line: <name>value</name>.
+/// takes one line: `<name>value</name>`.
 ///
 /// Text and attribute values are escaped in one pass: "&" "<" ">" "'" and the
 /// quotation mark become &amp; &lt; &gt; &apos; &quot;. Comments, CDATA sections
@@ -162,7 +162,7 @@ public:
     void WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                             double value) override;
     void WriteElementDouble(unsigned short const* name, double value) override;
-    /// A null value gives an empty element in the long form, <name></name>.
+    /// A null value gives an empty element in the long form, `<name></name>`.
     void WriteElementString(unsigned short const* local, unsigned short const* uri,
                             unsigned short const* value) override;
     void WriteElementString(unsigned short const* name, unsigned short const* value) override;
