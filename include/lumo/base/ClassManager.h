@@ -38,11 +38,9 @@ public:
     CClassManager();
     ~CClassManager() override;
 
-    ///@{
     void RegisterClass(CClass* cls) override;
     void UnregisterClass(CClass* cls) override;
     CClass* FindClass(char const* name) override;
-    ///@}
     CObject* CreateInstance(char const* name) override;
     CObject* CreateInstance(CClass const* cls) override;
 

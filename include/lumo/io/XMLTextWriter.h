@@ -218,13 +218,16 @@ public:
     void Close() override;
 
     /// Content as numbers through the print writer: "%d", "%d", "%hu", "%d", "%u".
+    ///@{
     void WriteChar(char value);
     void WriteUnsignedChar(unsigned char value);
     void WriteUnsignedShort(unsigned short value);
     void WriteInt(int value);
     void WriteUnsignedInt(unsigned int value);
+    ///@}
     /// Elements and attributes with a number: char "%d", unsigned char "%u",
     /// unsigned short "%hu", 64-bit "%lld" and "%llu".
+    ///@{
     void WriteElementChar(unsigned short const* local, unsigned short const* uri, char value);
     void WriteElementChar(unsigned short const* name, char value);
     void WriteElementUnsignedChar(unsigned short const* local, unsigned short const* uri,
@@ -251,8 +254,10 @@ public:
     void WriteAttrUnsignedInt64(unsigned short const* local, unsigned short const* uri,
                                 unsigned long long value);
     void WriteAttrUnsignedInt64(unsigned short const* name, unsigned long long value);
+    ///@}
 
     /// Content: the same as WriteBool ... WriteDouble and WriteString.
+    ///@{
     void Write(bool value) { WriteBool(value); }
     void Write(short value) { WriteShort(value); }
     void Write(long value) { WriteLong(value); }
@@ -260,6 +265,7 @@ public:
     void Write(float value) { WriteFloat(value); }
     void Write(double value) { WriteDouble(value); }
     void Write(unsigned short const* text) { WriteString(text); }
+    ///@}
 
 private:
     class CCallScope;
