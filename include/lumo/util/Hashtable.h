@@ -402,10 +402,8 @@ private:
 };
 
 /// The same walk handing out the values.
-///@{
 template <class K, class V, class Traits>
 class HashtableElementEnumeration : public IEnumeration<V> {
-///@}
 public:
     /// Starts at the first bucket of `table`, which must outlive the enumeration and stay unchanged
     /// during the walk.
