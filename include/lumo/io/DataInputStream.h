@@ -63,7 +63,7 @@ public:
     /// A 32-bit big-endian byte count, then that many UTF-8 bytes; CMemoryException when the text
     /// cannot be held.
     virtual base::CUnicodeString ReadString();
-    /// Lets `object` read itself from here (its ReadObject with this stream).
+    /// Lets `object` read itself from here (its Deserialize with this stream).
     virtual void ReadObject(ISerializable& object);
 
     /// The typed read of the same type (a char is ReadByte, an unsigned char ReadSByte); returns

@@ -60,7 +60,7 @@ public:
     /// A null or empty text writes nothing at all, not even a count (unlike an empty
     /// CUnicodeString): a reader expecting a string there reads the next value's bytes.
     virtual void WriteString(unsigned short const* value);
-    /// Lets `object` write itself here (its WriteObject with this stream).
+    /// Lets `object` write itself here (its Serialize with this stream).
     virtual void WriteObject(ISerializable const& object);
 
     /// The typed write of the same type (a char is WriteByte, an unsigned char WriteUByte); returns
