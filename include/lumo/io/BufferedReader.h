@@ -18,6 +18,7 @@ public:
     /// `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
     /// reader."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedReader(CReader* reader, unsigned long size);
+    /// Shares `reader`; failures as for the raw-pointer form.
     CBufferedReader(base::CRef<CReader> const& reader, unsigned long size);
     ~CBufferedReader() override;
 

@@ -20,6 +20,7 @@ public:
     /// `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
     /// reader."; size 0: "Invalid pushback buffer size."; no memory: CMemoryException.
     CPushbackReader(CReader* reader, unsigned long size);
+    /// Shares `reader`; failures as for the raw-pointer form.
     CPushbackReader(base::CRef<CReader> const& reader, unsigned long size);
     ~CPushbackReader() override;
 
@@ -41,9 +42,11 @@ public:
 
     /// CIOException "Pushback buffer is full." when there is no room (for a block:
     /// room for all of it); nothing is given back then.
+    ///@{
     void Unread(unsigned short c);
     void Unread(unsigned short const* buf, unsigned long len);
     void Unread(unsigned short const* buf, unsigned long off, unsigned long len);
+    ///@}
 
 private:
     void Init(unsigned long size);
