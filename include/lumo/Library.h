@@ -5,6 +5,7 @@
 
 #include <lumo/Config.h>
 
+/// Everything the library offers: its start and stop here, the layers in the nested namespaces.
 namespace lumo {
 
 /// Counts a client's start; the first start brings up the file layer and the XML

@@ -62,6 +62,7 @@ public:
     CNull& operator=(CNull const&) { return *this; }
 };
 
+/// The library-wide null marker.
 LUMO_API extern CNull const null;
 
 } // namespace base

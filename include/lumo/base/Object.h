@@ -9,6 +9,8 @@
 #include <cstdint>
 
 namespace lumo {
+/// The object model, exceptions, strings and buffers, binary data, locks, conditions, semaphores
+/// and threads.
 namespace base {
 
 /// Root of every library class: run-time class record, identity hash and equality,

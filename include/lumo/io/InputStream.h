@@ -6,6 +6,8 @@
 #include <lumo/base/Object.h>
 
 namespace lumo {
+/// Byte streams and their filters, data streams, UTF-16 readers and writers, encoders, print
+/// streams, file streams, and the XML readers and writers.
 namespace io {
 
 /// Abstract source of bytes. The single-byte Read() returns the byte sign-extended

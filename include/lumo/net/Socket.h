@@ -11,6 +11,7 @@ namespace io {
 class CInputStream;
 class COutputStream;
 } // namespace io
+/// IPv4 addresses and name lookup, TCP client and server sockets and their implementations.
 namespace net {
 
 class CServerSocket;

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 namespace lumo {
+/// Containers of objects, values and strings, their enumerations, and tokenizers.
 namespace util {
 
 /// One pass over the elements of a container. The elements stay the container's;

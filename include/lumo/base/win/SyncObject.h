@@ -8,6 +8,8 @@
 
 namespace lumo {
 namespace base {
+/// The Windows-style synchronization objects and the platform sides of threads, thread-local slots
+/// and semaphores; present on every platform.
 namespace win {
 
 /// Base of the Windows-style synchronization objects: an optional name and the

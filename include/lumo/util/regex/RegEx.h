@@ -8,6 +8,7 @@
 
 namespace lumo {
 namespace util {
+/// Regular expressions and their matches.
 namespace regex {
 
 namespace detail {
