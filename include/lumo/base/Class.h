@@ -1,5 +1,6 @@
-// CClass, the run-time record of a class (qualified name, base names, size, factory),
-// and the LUMO_DECLARE_CLASS / LUMO_DEFINE_CLASS macros that give a class its record.
+/// @file
+/// CClass, the run-time record of a class (qualified name, base names, size, factory),
+/// and the LUMO_DECLARE_CLASS / LUMO_DEFINE_CLASS macros that give a class its record.
 #ifndef LUMO_BASE_CLASS_H
 #define LUMO_BASE_CLASS_H
 
@@ -81,19 +82,21 @@ private:
 } // namespace base
 } // namespace lumo
 
-// Declares a class's record m_class<Name> and its GetClass override. Leaves the
-// class body in public access.
+/// Declares a class's record m_class<Name> and its GetClass override; write it first
+/// in the class body of `Name`. Leaves the class body in public access.
 #define LUMO_DECLARE_CLASS(Name)                                                                   \
 public:                                                                                            \
     static ::lumo::base::CClass m_class##Name;                                                     \
     ::lumo::base::CClass const* GetClass() const override
 
-// Defines the record and GetClass of a class with one base and no factory, the form
-// every library class uses. Write it in the class's namespace.
+/// Defines the record and GetClass of a class with one base and no factory, the form
+/// every library class uses. Write it in the class's namespace; the names are kept, not
+/// copied (string literals).
 #define LUMO_DEFINE_CLASS(Name, qualifiedName, baseName)                                           \
     LUMO_DEFINE_CLASS_EX(Name, qualifiedName, baseName, nullptr, nullptr, nullptr)
 
-// The full form: up to three base names and a factory (or nullptr).
+/// The full form: up to three base names (nullptr for none) and a factory (nullptr: the
+/// class cannot be instantiated through its record).
 #define LUMO_DEFINE_CLASS_EX(Name, qualifiedName, base1, base2, base3, factory)                    \
     ::lumo::base::CClass Name::m_class##Name LUMO_INIT_PRIORITY(LUMO_CLASS_RECORD_PRIORITY)(       \
         qualifiedName, base1, base2, base3, sizeof(Name), factory);                                \

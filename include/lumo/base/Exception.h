@@ -1,5 +1,6 @@
-// CException, root of every failure the library throws (source, line, description,
-// message), the macros that declare its subclasses, and the base layer's common ones.
+/// @file
+/// CException, root of every failure the library throws (source, line, description,
+/// message), the macros that declare its subclasses, and the base layer's common ones.
 #ifndef LUMO_BASE_EXCEPTION_H
 #define LUMO_BASE_EXCEPTION_H
 
@@ -57,17 +58,21 @@ private:
 
 // Exception classes come in three constructor shapes after (file, line): nothing,
 // a description, or a description and a message.
+/// Declares exception class `Name`, derived from `Base`, whose constructor takes only
+/// the raise site (file, line). Its record must be defined with LUMO_DEFINE_CLASS.
 #define LUMO_EXCEPTION_0(Name, Base)                                                               \
     class LUMO_API Name : public Base {                                                            \
         LUMO_DECLARE_CLASS(Name);                                                                  \
         Name(char const* file, unsigned long line) : Base(file, line, nullptr, nullptr) {}         \
     }
+/// As LUMO_EXCEPTION_0, with a constructor taking (file, line, errorDescription).
 #define LUMO_EXCEPTION_1(Name, Base)                                                               \
     class LUMO_API Name : public Base {                                                            \
         LUMO_DECLARE_CLASS(Name);                                                                  \
         Name(char const* file, unsigned long line, char const* errorDescription)                   \
             : Base(file, line, errorDescription, nullptr) {}                                       \
     }
+/// As LUMO_EXCEPTION_0, with a constructor taking (file, line, errorDescription, message).
 #define LUMO_EXCEPTION_2(Name, Base)                                                               \
     class LUMO_API Name : public Base {                                                            \
         LUMO_DECLARE_CLASS(Name);                                                                  \
