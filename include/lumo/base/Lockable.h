@@ -16,7 +16,7 @@ public:
     virtual void Acquire() = 0;
     /// Takes the lock when it is free; true when taken.
     virtual bool TryAcquire(unsigned long timeout) = 0;
-    /// Gives the lock back; only its holder may release it.
+    /// Gives back what Acquire or a successful TryAcquire took.
     virtual void Release() = 0;
 };
 
@@ -28,7 +28,7 @@ public:
     virtual void Acquire() = 0;
     /// Takes the lock when it is free within `timeout` milliseconds; true when taken.
     virtual bool TryAcquire(unsigned long timeout) = 0;
-    /// Gives the lock back; only its holder may release it.
+    /// Gives back what Acquire or a successful TryAcquire took.
     virtual void Release() = 0;
 };
 

@@ -95,9 +95,9 @@ protected:
     /// Reads a string of `count` UTF-8 bytes.
     base::CUnicodeString ReadUTF8(unsigned long count);
 
-    /// The borrowed wrapped stream; null for the CRef form.
+    /// The wrapped stream in either form; null after Close.
     CInputStream* m_in;
-    /// The shared wrapped stream; null for the raw-pointer form.
+    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
     base::CRef<CInputStream> m_inRef;
 
 private:

@@ -84,9 +84,9 @@ protected:
     /// Throws CIOException "Stream closed." after Close.
     void CheckOpen() const;
 
-    /// The borrowed wrapped stream; null for the CRef form.
+    /// The wrapped stream in either form; null after Close.
     COutputStream* m_out;
-    /// The shared wrapped stream; null for the raw-pointer form.
+    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
     base::CRef<COutputStream> m_outRef;
 
 private:

@@ -78,9 +78,10 @@ protected:
     /// Writes the line separator, then flushes the wrapped stream with autoflush.
     void WriteNewLine();
 
-    /// The borrowed wrapped stream; null for the CRef form and for streams that print elsewhere.
+    /// The wrapped stream in either form; null after Close and for streams that print
+    /// elsewhere.
     COutputStream* m_out;
-    /// The shared wrapped stream; null for the raw-pointer form.
+    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
     base::CRef<COutputStream> m_outRef;
     /// Whether each Println flushes the wrapped stream.
     bool m_autoFlush;
