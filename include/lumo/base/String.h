@@ -185,8 +185,8 @@ public:
     unsigned long Remove(char c);
     ///@}
 
-    /// Unicode simple case mapping, character by character; the length may change where a mapping
-    /// changes the UTF-8 size.
+    /// Unicode simple case mapping, character by character. The text never grows (a character
+    /// whose mapping needs more bytes stays as it is) but may shrink.
     ///@{
     void MakeUpper();
     void MakeLower();

@@ -203,8 +203,8 @@ public:
     }
     ///@}
 
-    ///@{
     /// An index beyond the length is cut to it; return the new length.
+    ///@{
     unsigned long Insert(unsigned long index, unsigned short c);
     unsigned long Insert(unsigned long index, char c);
     template <typename T, typename = OtherUnit<T>> unsigned long Insert(unsigned long index, T c) {

@@ -41,12 +41,12 @@ public:
     /// The negation of ==.
     bool operator!=(CObjectVector const& other) const { return !(*this == other); }
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     base::CObject* GetElementAt(unsigned long index) const;
     base::CObject* operator[](unsigned long index) const { return GetElementAt(index); }
     ///@}
-    /// CNoSuchElementException when empty.
+    /// The first / last element; CNoSuchElementException when empty.
     ///@{
     base::CObject* GetFirstElement() const;
     base::CObject* GetLastElement() const;

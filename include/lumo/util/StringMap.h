@@ -62,7 +62,7 @@ public:
     long GetIndexOf(char const* value) const;
     ///@}
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The key / value at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     base::CString& GetKeyAt(unsigned long index);
     base::CString const& GetKeyAt(unsigned long index) const;

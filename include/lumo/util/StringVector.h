@@ -39,14 +39,14 @@ public:
     /// nothing.
     void SetElementAt(char const* text, unsigned long index);
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     base::CString& GetElementAt(unsigned long index);
     base::CString const& GetElementAt(unsigned long index) const;
     base::CString& operator[](unsigned long index) { return GetElementAt(index); }
     base::CString const& operator[](unsigned long index) const { return GetElementAt(index); }
     ///@}
-    /// CNoSuchElementException when empty.
+    /// The first / last element; CNoSuchElementException when empty.
     ///@{
     base::CString& GetFirstElement();
     base::CString const& GetFirstElement() const;

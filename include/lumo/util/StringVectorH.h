@@ -55,13 +55,13 @@ public:
     /// Replaces string `index` with `text`; CArrayIndexOutOfBoundsException for an index >= size.
     void SetElementAt(unsigned long index, base::CString const& text);
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     base::CString GetElementAt(unsigned long index) const;
     void GetElementAt(unsigned long index, base::CString& text) const;
     base::CString operator[](unsigned long index) const { return GetElementAt(index); }
     ///@}
-    /// CNoSuchElementException when empty.
+    /// The first / last element; CNoSuchElementException when empty.
     ///@{
     base::CString GetFirstElement() const;
     void GetFirstElement(base::CString& text) const;

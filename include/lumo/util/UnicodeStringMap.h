@@ -59,7 +59,7 @@ public:
     long GetIndexOf(unsigned short const* value) const;
     ///@}
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The key / value at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     base::CUnicodeString& GetKeyAt(unsigned long index);
     base::CUnicodeString const& GetKeyAt(unsigned long index) const;

@@ -39,7 +39,7 @@ public:
     /// nothing.
     void SetElementAt(unsigned short const* text, unsigned long index);
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     base::CUnicodeString& GetElementAt(unsigned long index);
     base::CUnicodeString const& GetElementAt(unsigned long index) const;
@@ -48,7 +48,7 @@ public:
         return GetElementAt(index);
     }
     ///@}
-    /// CNoSuchElementException when empty.
+    /// The first / last element; CNoSuchElementException when empty.
     ///@{
     base::CUnicodeString& GetFirstElement();
     base::CUnicodeString const& GetFirstElement() const;

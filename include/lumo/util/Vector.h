@@ -61,7 +61,7 @@ public:
     /// The negation of ==.
     bool operator!=(Vector const& other) const { return !(*this == other); }
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
     ///@{
     T& GetElementAt(unsigned long index) { return m_store.Data()[CheckIndex(index, __LINE__)]; }
     T const& GetElementAt(unsigned long index) const {
@@ -71,7 +71,7 @@ public:
     T const& operator[](unsigned long index) const { return GetElementAt(index); }
     ///@}
 
-    /// CNoSuchElementException when empty.
+    /// The first / last element; CNoSuchElementException when empty.
     ///@{
     T& GetFirstElement() { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
     T const& GetFirstElement() const { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
