@@ -12,11 +12,11 @@ namespace Vela {
 /// One string resource: its type, identifier and the strings indexed from 0.
 struct RSStringTable {
     /// The resource type, e.g. "STRS".
-    char const* type;           // e.g. "STRS"
+    char const* type;
     /// The resource identifier, e.g. 18000.
-    unsigned long id;           // e.g. 18000
+    unsigned long id;
     /// The strings, indexed from 0.
-    char const* const* strings; // indexed from 0
+    char const* const* strings;
     /// The number of strings.
     unsigned long count;
 };
