@@ -53,8 +53,9 @@ public:
     /// True when this record is `cls` or one of its bases (searched through all three base names);
     /// false for null.
     bool IsInstanceOf(CClass const* cls) const;
-    /// A new default instance owned by the caller; throws CInstantiationException
-    /// for a record without factory.
+    /// A new default instance owned by the caller. A record without factory throws
+    /// CInstantiationException "Attempt to instantiate an interface or an abstract
+    /// class."; a factory that returns null, CMemoryException.
     CObject* CreateNewInstance() const;
 
     /// The registered record of that qualified name; null for a null, empty or unknown name.

@@ -24,7 +24,8 @@ public:
     virtual void UnregisterClass(CClass* cls) = 0;
     /// The newest record of that qualified name; null for a null, empty or unknown name.
     virtual CClass* FindClass(char const* name) = 0;
-    /// Throws CClassNotFoundException when no record bears the name.
+    /// A new default instance of the named class (see CClass::CreateNewInstance). No
+    /// record of that name: CClassNotFoundException "The specified class is not found.".
     virtual CObject* CreateInstance(char const* name) = 0;
     /// Null for a null record.
     virtual CObject* CreateInstance(CClass const* cls) = 0;

@@ -10,7 +10,8 @@ namespace lumo {
 namespace io {
 
 /// Reads the wrapped reader in blocks of the buffer's size. The raw-pointer form
-/// borrows the reader, the CRef form shares it; Close closes it.
+/// borrows the reader, the CRef form shares it; Close closes it. Use after Close
+/// throws CIOException "Reader closed.".
 class LUMO_API CBufferedReader : public CReader {
     LUMO_DECLARE_CLASS(CBufferedReader);
 

@@ -12,7 +12,7 @@ namespace io {
 /// A reader that can give units back. The pushback buffer fills from its end:
 /// units given back one by one are read again last-first, a block given back is
 /// read again in its own order. The raw-pointer form borrows the reader, the CRef
-/// form shares it.
+/// form shares it. Use after Close throws CIOException "Reader closed.".
 class LUMO_API CPushbackReader : public CReader {
     LUMO_DECLARE_CLASS(CPushbackReader);
 

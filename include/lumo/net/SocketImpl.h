@@ -95,7 +95,8 @@ public:
     /// Starts listening with at most `backlog` waiting connections (the system may round it).
     virtual void Listen(unsigned long backlog) = 0;
 
-    /// The remote address and port; empty and 0 until connected.
+    /// The remote address (a copy) and port; empty and 0 until connected. A copy
+    /// that cannot be allocated throws CException "Memory full.".
     base::CRef<CInetAddress> GetInetAddress() const;
     /// The remote port; 0 until connected.
     unsigned short GetPort() const { return m_port; }

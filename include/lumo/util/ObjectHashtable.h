@@ -19,7 +19,9 @@ class ObjectHashtableCursor;
 /// A chained hash map from object keys to object values, keyed by the keys'
 /// GetHashCode and Equals. Each entry keeps its key's hash, so growing never asks a
 /// key again and lookups compare hashes before calling Equals. When `owns` is set
-/// the table deletes the keys and values it drops.
+/// the table deletes the keys and values it drops. A null key throws
+/// CIllegalArgumentException "Invalid key object.", a null value "Invalid value
+/// object.".
 class LUMO_API CObjectHashtable {
 public:
     /// A capacity below 12 becomes 101 (larger ones are taken as given); a load

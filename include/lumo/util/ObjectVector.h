@@ -89,7 +89,8 @@ public:
     void TrimToSize();
 
     /// Sorts the slots with the C runtime's qsort; `compare` receives pointers to
-    /// two slots (base::CObject* const*).
+    /// two slots (base::CObject* const*). A null function throws
+    /// CIllegalArgumentException "Invalid compare function.".
     void Sort(int (*compare)(void const*, void const*));
 
 private:
