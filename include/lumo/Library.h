@@ -5,13 +5,16 @@
 
 #include <lumo/Config.h>
 
+/// Everything the library offers: its start and stop here, the layers in the nested namespaces.
 namespace lumo {
 
 /// Counts a client's start; the first start brings up the file layer and the XML
-/// parser (XML classes and regular expressions work from then on). Returns the count.
+/// parser (XML classes and regular expressions work from then on). Returns the count,
+/// which stops at 0x7FFFFFFF. CIllegalStateException "Failed to start the XML parser."
+/// when the parser cannot start.
 LUMO_API long Initialize();
 /// Counts a client's end; the last end shuts the XML parser and the file layer down.
-/// Returns the count.
+/// Returns the count; a call without a matching Initialize does nothing and returns 0.
 LUMO_API long Terminate();
 /// The version the loaded library was built as, "major.minor.patch" (LUMO_VERSION of
 /// its own headers); compare it with LUMO_VERSION to detect a mismatched library.

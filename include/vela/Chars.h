@@ -33,10 +33,12 @@ VELA_API int CHCompareTexts(char const* a, long lengthA, char const* b, long len
 /// 0xFF80-0xFFFF are single bytes widened with sign extension and match that byte
 /// wherever it stands (also inside a sequence); other values match the decoded character
 /// only (never bytes inside another character). 0 and surrogates never match.
+///@{
 VELA_API char const* CHSearchCharLeft(char const* text, long length, unsigned short ch,
                                       int charCode = 0);
 VELA_API char const* CHSearchCharRight(char const* text, long length, unsigned short ch,
                                        int charCode = 0);
+///@}
 
 /// The first occurrence of `pattern` within the text, starting on a character
 /// boundary and made of whole characters, or null. Case type 1 compares code points,
@@ -53,8 +55,10 @@ VELA_API char const* CHGetNextCharPtr(char const* p, int charCode = 0);
 /// whose mapping would need more bytes is left as it is, so the text never grows; when
 /// it shrinks (U+0130 to "i", for one), a 0 byte is written at its new end. Malformed
 /// bytes stay. Returns the new length.
+///@{
 VELA_API long CHtoUpper(char* text, long length, int charCode = 0);
 VELA_API long CHtoLower(char* text, long length, int charCode = 0);
+///@}
 
 /// Copies `source` into `target` (of `targetSize` bytes, terminator included) without
 /// splitting a character; returns the bytes copied, terminator excluded. A null or

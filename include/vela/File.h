@@ -22,17 +22,24 @@ public:
     /// Read from the start; write from the start, truncating what was there; or
     /// write at the end (every write goes to the end as it is then).
     enum OpenMode { MODE_READ = 0, MODE_WRITE = 2, MODE_APPEND = 4 };
+    /// Where Seek counts from.
     enum SeekOrigin { SEEK_FROM_START = 0, SEEK_FROM_CURRENT = 1, SEEK_FROM_END = 2 };
 
+    /// A closed file for `location` (copied; see GetStatus) with the policy Open follows when the
+    /// file does not exist.
     File(Location const& location, NotFoundPolicy policy);
     ~File() override;
 
+    /// Not copyable: the object owns its platform handle.
+    ///@{
     File(File const&) = delete;
     File& operator=(File const&) = delete;
+    ///@}
 
     /// RESULT_OK, or why the object could not be prepared (RESULT_OUT_OF_MEMORY when
     /// the location could not be copied); every other call then fails with it.
     Result GetStatus() const noexcept { return m_status; }
+    /// The location given at construction.
     Location const& GetLocation() const noexcept { return m_location; }
     /// The system's error number of the last failed platform call, 0 if none.
     int GetSystemError() const noexcept { return m_systemError; }
@@ -42,6 +49,7 @@ public:
     Result Open(OpenMode mode);
     /// The handle is released even when the platform reports an error.
     Result Close();
+    /// True between a successful Open and Close.
     bool IsOpen() const noexcept { return m_handle != kInvalidHandle; }
 
     Result Read(void* buffer, unsigned long size, unsigned long* done) override;
@@ -51,7 +59,9 @@ public:
 
     /// Bytes between the position and the end of the data.
     Result GetAvailable(std::uint64_t* count);
+    /// The data's length in bytes, into `*length`.
     Result GetDataLength(std::uint64_t* length);
+    /// Moves to `position` bytes from the start.
     Result SetPosition(std::uint64_t position);
     /// Moves relative to `origin`; a position before the start is refused with
     /// RESULT_INVALID_ARGUMENT. `*position` (when given) receives the new position.

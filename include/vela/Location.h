@@ -16,13 +16,22 @@ public:
     Location() noexcept;
     /// A null path gives an empty location.
     Location(char const* utf8Path);
+    /// A UTF-16 path, converted to UTF-8; null gives an empty location, an unpaired surrogate an
+    /// illegal one.
     Location(unsigned short const* utf16Path);
+    /// Copy or take over the path.
+    ///@{
     Location(Location const& other);
     Location(Location&& other) noexcept;
+    ///@}
+    /// Replace the path with a copy of the other's, or take it over.
+    ///@{
     Location& operator=(Location const& other);
     Location& operator=(Location&& other) noexcept;
+    ///@}
     ~Location();
 
+    /// True when the path is empty.
     bool IsEmpty() const noexcept { return m_length == 0; }
     /// Non-empty, well-formed text within the platform's limits on path and name
     /// lengths. Whether the file exists is not asked.
@@ -30,6 +39,7 @@ public:
 
     /// The path in UTF-8; never null (an empty text for an empty location).
     char const* GetPath() const noexcept;
+    /// The path's length in UTF-8 bytes.
     unsigned long GetLength() const noexcept { return m_length; }
 
 private:

@@ -42,8 +42,11 @@ public:
 /// range is always accepted).
 class VELA_API bnManager {
 public:
+    /// True for a range at a non-null address, and for any range of size 0.
+    ///@{
     static bool IsReadable(void const* address, unsigned long size);
     static bool IsWritable(void* address, unsigned long size);
+    ///@}
 };
 
 /// What the layer does when it cannot obtain memory for an object it must build (a
@@ -51,6 +54,8 @@ public:
 /// library above installs one that throws its memory exception); with none set it
 /// throws std::bad_alloc. `unit` and `line` name the place of the failure.
 typedef void (*MemoryFailureHandler)(char const* unit, long line);
+/// Installs the handler called when the layer cannot get memory it must have; null restores the
+/// std::bad_alloc default.
 VELA_API void SetMemoryFailureHandler(MemoryFailureHandler handler);
 
 } // namespace Vela

@@ -9,20 +9,29 @@
 /// by type, identifier and index, the active module first.
 namespace Vela {
 
+/// One string resource: its type, identifier and the strings indexed from 0.
 struct RSStringTable {
-    char const* type;           // e.g. "STRS"
-    unsigned long id;           // e.g. 18000
-    char const* const* strings; // indexed from 0
+    /// The resource type, e.g. "STRS".
+    char const* type;
+    /// The resource identifier, e.g. 18000.
+    unsigned long id;
+    /// The strings, indexed from 0.
+    char const* const* strings;
+    /// The number of strings.
     unsigned long count;
 };
 
 /// What a module handle points at: its name and its string tables.
 struct RSModuleInfo {
+    /// The module's name.
     char const* name;
+    /// The module's string tables.
     RSStringTable const* tables;
+    /// The number of tables.
     unsigned long tableCount;
 };
 
+/// A module as registered: a pointer to its description, which must outlive the registration.
 typedef RSModuleInfo const* RSModuleHandle;
 
 /// Registers a module; returns its identifier (> 0), or 0 when the handle is null.

@@ -20,23 +20,29 @@ VELA_API int ucscmp(unsigned short const* a, unsigned short const* b);
 /// folded as the supplementary character they form; no full folding: "ß" != "ss").
 VELA_API int ucsicmp(unsigned short const* a, unsigned short const* b);
 /// As ucscmp / ucsicmp over at most `n` units of each text.
+///@{
 VELA_API int ucsncmp(unsigned short const* a, unsigned short const* b, unsigned long n);
 VELA_API int ucsnicmp(unsigned short const* a, unsigned short const* b, unsigned long n);
+///@}
 /// The first / last unit equal to `c`, or null; as with strchr, c = 0 finds the
 /// terminator.
+///@{
 VELA_API unsigned short const* ucschr(unsigned short const* s, unsigned short c);
 VELA_API unsigned short const* ucsrchr(unsigned short const* s, unsigned short c);
+///@}
 /// The first occurrence of `sub` (unit by unit), or null; an empty or null `sub` gives s.
 VELA_API unsigned short const* ucsstr(unsigned short const* s, unsigned short const* sub);
 /// In place; return `s`. Case mapping is Unicode simple mapping unit by unit: only BMP
 /// characters change; surrogates (and characters whose mapping lies outside the BMP)
 /// stay as they are. The reverse works unit by unit, so surrogate pairs end up swapped.
+///@{
 VELA_API unsigned short* ucsupr(unsigned short* s);
 VELA_API unsigned short* ucslwr(unsigned short* s);
 VELA_API unsigned short* ucsrev(unsigned short* s);
+///@}
 
 /// White space: the Unicode White_Space property (u_isUWhiteSpace), which includes
-/// ' ', \t, \n, \v, \f, \r, U+0085, U+00A0, U+2028, U+3000 and the like.
+/// ' ', `\t`, `\n`, `\v`, `\f`, `\r`, U+0085, U+00A0, U+2028, U+3000 and the like.
 VELA_API bool isuspace(unsigned short c);
 /// Decimal digits: '0'-'9' and the other Unicode decimal digits (general category Nd,
 /// e.g. U+0663, U+FF15); not superscripts or other numerals.
@@ -60,10 +66,12 @@ VELA_API bool isudigit(unsigned short c);
 /// fitted (never ending in the first half of a surrogate pair) and a terminator. count 0,
 /// a null buffer or a null format give -1 and write nothing. `args` is not consumed
 /// (the routine works on a copy), so the caller may pass it again.
+///@{
 VELA_API int vsnuprintf(unsigned short* buffer, unsigned long count, unsigned short const* format,
                         va_list args);
 VELA_API int snuprintf(unsigned short* buffer, unsigned long count, unsigned short const* format,
                        ...);
+///@}
 
 /// scanf over UTF-16 text, as C's sscanf: white space in the format skips any white
 /// space (isuspace), other characters must match, %% matches '%'. Conversions, with

@@ -8,9 +8,12 @@
 namespace lumo {
 namespace base {
 
-/// Indivisible operations on a 32-bit value held in a long; full barriers.
+/// Indivisible operations on a 32-bit value held in a long; full barriers. Increment and
+/// decrement wrap at 32 bits and return the new value.
+///@{
 LUMO_API long AtomicIncrement(long volatile& target);
 LUMO_API long AtomicDecrement(long volatile& target);
+///@}
 /// Stores newValue only when target equals expected; true when the store happened.
 LUMO_API bool AtomicCompareAndSwap(long volatile& target, long newValue, long expected);
 

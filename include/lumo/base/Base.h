@@ -14,6 +14,10 @@ namespace base {
 /// CMemoryException naming the allocation site when the heap is exhausted.
 class LUMO_API CBase {
 public:
+    /// Allocate `size` bytes from the C heap; the forms with `file` and `line` name that site in
+    /// the CMemoryException thrown when the heap is exhausted (the others name "lumo/base/Base").
+    /// The placement forms return `place` and never throw.
+    ///@{
     static void* operator new(std::size_t size);
     static void* operator new[](std::size_t size);
     static void* operator new(std::size_t size, char const* file, int line);
@@ -22,7 +26,10 @@ public:
     static void* operator new[](std::size_t size, void* place) noexcept;
     static void* operator new(std::size_t size, void* place, char const* file, int line) noexcept;
     static void* operator new[](std::size_t size, void* place, char const* file, int line) noexcept;
+    ///@}
 
+    /// Return the block to the C heap; null is ignored. The placement forms do nothing.
+    ///@{
     static void operator delete(void* p) noexcept;
     static void operator delete[](void* p) noexcept;
     static void operator delete(void* p, char const* file, int line) noexcept;
@@ -31,6 +38,7 @@ public:
     static void operator delete[](void* p, void* place) noexcept;
     static void operator delete(void* p, void* place, char const* file, int line) noexcept;
     static void operator delete[](void* p, void* place, char const* file, int line) noexcept;
+    ///@}
 
 private:
     [[noreturn]] static void ThrowMemoryException(char const* file, int line);
@@ -50,9 +58,11 @@ public:
 /// Marker type of the library-wide constant `null`.
 class LUMO_API CNull {
 public:
+    /// Assigning the null marker does nothing.
     CNull& operator=(CNull const&) { return *this; }
 };
 
+/// The library-wide null marker.
 LUMO_API extern CNull const null;
 
 } // namespace base

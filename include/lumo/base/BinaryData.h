@@ -26,13 +26,19 @@ public:
     /// A copy of `length` bytes at `data`; a null `data` with a non-zero length throws
     /// CIllegalArgumentException "Illegal data pointer.".
     CBinaryData(char const* data, unsigned long length);
+    /// A copy of the other block's bytes; CMemoryException when they cannot be allocated.
     CBinaryData(CBinaryData const& other);
+    /// Replaces the bytes with a copy of the other block's; on CMemoryException the block keeps its
+    /// old bytes.
     CBinaryData& operator=(CBinaryData const& other);
     ~CBinaryData();
 
     /// Null when the length is 0.
+    ///@{
     char* GetData() { return m_data; }
     char const* GetData() const { return m_data; }
+    ///@}
+    /// The number of bytes.
     unsigned long GetDataLength() const { return m_length; }
 
     /// Lowers the length, keeping the memory; 0 frees it. A length above the present
@@ -42,25 +48,35 @@ public:
     /// -1, 0 or 1: a shorter block is smaller whatever its bytes; blocks of equal
     /// length compare as unsigned bytes.
     int Compare(CBinaryData const& other) const;
+    /// Equal when Compare gives 0: same length and same bytes.
+    ///@{
     bool operator==(CBinaryData const& other) const { return Compare(other) == 0; }
     bool operator!=(CBinaryData const& other) const { return Compare(other) != 0; }
+    ///@}
 
+    /// The block as binhex text (two upper-case digits per byte); an empty block gives an empty
+    /// text.
+    ///@{
     CString ToBinHexString() const;
     CUnicodeString ToBinHexUnicodeString() const;
     void ToBinHexString(CString& out) const;
     void ToBinHexUnicodeString(CUnicodeString& out) const;
+    ///@}
 
     /// Replace the bytes with the decoded text. The old bytes are freed first, so a
     /// malformed text leaves the block empty. An empty text throws
     /// CIllegalArgumentException "Invalid value buffer.".
+    ///@{
     void FromBinHexString(char const* text);
     void FromBinHexString(char const* text, unsigned long length);
     void FromBinHexUnicodeString(unsigned short const* text);
     void FromBinHexUnicodeString(unsigned short const* text, unsigned long length);
+    ///@}
 
     /// Encoders over raw bytes. A null or unreadable `data` throws
     /// CIllegalArgumentException "Illegal data pointer."; a length of 0 gives an empty
     /// text.
+    ///@{
     static void ToBase64String(char const* data, unsigned long length, CString& out);
     static CString ToBase64String(char const* data, unsigned long length);
     static void ToBase64UnicodeString(char const* data, unsigned long length, CUnicodeString& out);
@@ -69,6 +85,7 @@ public:
     static CString ToBinHexString(char const* data, unsigned long length);
     static void ToBinHexUnicodeString(char const* data, unsigned long length, CUnicodeString& out);
     static CUnicodeString ToBinHexUnicodeString(char const* data, unsigned long length);
+    ///@}
 
     /// Base64 decoders. The text length must be a multiple of 4 ("Invalid base64
     /// encoded binary data."); padding is accepted in any group; any character outside
@@ -86,6 +103,7 @@ public:
     /// CIllegalArgumentException "Invalid value buffer." for a null (or, without a
     /// length, empty) text and "Invalid value buffer length." for a length of 0. On
     /// failure the outputs are null and 0.
+    ///@{
     static void ParseBinHexString(CString const& text, char*& data, unsigned long& length);
     static void ParseBinHexString(char const* text, char*& data, unsigned long& length);
     static void ParseBinHexString(char const* text, unsigned long textLength, char*& data,
@@ -96,6 +114,7 @@ public:
                                          unsigned long& length);
     static void ParseBinHexUnicodeString(unsigned short const* text, unsigned long textLength,
                                          char*& data, unsigned long& length);
+    ///@}
 
 private:
     void Replace(char* data, unsigned long length) noexcept;

@@ -18,10 +18,14 @@ class CObject;
 class LUMO_API IClassManager {
 public:
     virtual ~IClassManager() {}
+    /// Adds `cls` at the head of the list; null is ignored.
     virtual void RegisterClass(CClass* cls) = 0;
+    /// Removes `cls` from the list; null and records not in the list are ignored.
     virtual void UnregisterClass(CClass* cls) = 0;
+    /// The newest record of that qualified name; null for a null, empty or unknown name.
     virtual CClass* FindClass(char const* name) = 0;
-    /// Throws CClassNotFoundException when no record bears the name.
+    /// A new default instance of the named class (see CClass::CreateNewInstance). No
+    /// record of that name: CClassNotFoundException "The specified class is not found.".
     virtual CObject* CreateInstance(char const* name) = 0;
     /// Null for a null record.
     virtual CObject* CreateInstance(CClass const* cls) = 0;
@@ -41,7 +45,9 @@ public:
     CObject* CreateInstance(char const* name) override;
     CObject* CreateInstance(CClass const* cls) override;
 
+    /// The number of registered records.
     unsigned long GetCount() const { return m_count; }
+    /// True while lookups still go through the hash table (before the first registration).
     bool IsHashing() const { return m_hashing != 0; }
 
     /// The single registry, made on first use.

@@ -14,9 +14,12 @@ class LUMO_API CClassNotFoundException : public CException {
     LUMO_DECLARE_CLASS(CClassNotFoundException);
 
 public:
+    /// Keeps a copy of `className` (null gives the empty name); a copy that runs out of memory
+    /// leaves the name empty.
     CClassNotFoundException(char const* file, unsigned long line, char const* errorDescription,
                             char const* message, char const* className);
 
+    /// The class name that was asked for.
     CString const& GetClassName() const { return m_className; }
 
 private:
@@ -28,9 +31,12 @@ class LUMO_API CInstantiationException : public CException {
     LUMO_DECLARE_CLASS(CInstantiationException);
 
 public:
+    /// Keeps a copy of `className` (null gives the empty name); a copy that runs out of memory
+    /// leaves the name empty.
     CInstantiationException(char const* file, unsigned long line, char const* errorDescription,
                             char const* message, char const* className);
 
+    /// The qualified name of the class that has no factory.
     CString const& GetClassName() const { return m_className; }
 
 private:

@@ -17,8 +17,11 @@ public:
 
 protected:
     IComparable() {}
+    /// Copying an interface copies nothing.
+    ///@{
     IComparable(IComparable const&) {}
     IComparable& operator=(IComparable const&) { return *this; }
+    ///@}
 };
 
 } // namespace base

@@ -46,11 +46,16 @@ public:
     /// Wakes one waiter / every current waiter; the caller normally holds the lock.
     /// CSynchronizationException "Failed to release the underlying queue semaphore."
     /// (or a gate failure as for Wait).
+    ///@{
     void Notify();
     void NotifyAll();
+    ///@}
 
+    /// Not copyable: the object is the condition.
+    ///@{
     CCondition(CCondition const&) = delete;
     CCondition& operator=(CCondition const&) = delete;
+    ///@}
 
 private:
     friend class detail::CConditionImpl;

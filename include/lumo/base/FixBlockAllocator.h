@@ -16,6 +16,8 @@ struct CProcessPools;
 /// spin lock, so a pool may be used from any thread.
 class LUMO_API CFixBlockAllocator {
 public:
+    /// An empty pool of `blockSize`-byte blocks that refills `refillCount` blocks at a time; no
+    /// memory is taken yet.
     CFixBlockAllocator(unsigned long blockSize, unsigned long refillCount);
     ~CFixBlockAllocator();
 
@@ -31,20 +33,29 @@ public:
     /// stays counted as used by the pool until the cache hands it back, which it does
     /// when it overflows and when its thread ends. Short-lived strings made and
     /// dropped on one thread so cost no lock at all.
+    ///@{
     void* AllocateCached();
     void FreeCached(void* block);
+    ///@}
 
+    /// The size of every block in bytes.
     unsigned long GetBlockSize() const { return m_blockSize; }
+    /// The number of blocks taken from the heap at each refill.
     unsigned long GetRefillCount() const { return m_refillCount; }
+    /// Blocks handed out and not returned, and blocks waiting in the free list.
+    ///@{
     unsigned long GetUsedCount() const;
     unsigned long GetFreeCount() const;
+    ///@}
 
     /// The process-wide pools behind CString (blocks of 76, 140, 268, 524 and 1036
     /// bytes) and CUnicodeString (140, 268, 524, 1036 and 2060 bytes), by class 0-4;
     /// another class throws CArrayIndexOutOfBoundsException. They live (and are never
     /// destroyed) for the whole process.
+    ///@{
     static CFixBlockAllocator& StringPool(int sizeClass);
     static CFixBlockAllocator& UnicodeStringPool(int sizeClass);
+    ///@}
 
 private:
     friend struct CProcessPools;

@@ -18,9 +18,12 @@ public:
     /// A null or empty format raises CIllegalArgumentException ("Invalid format string.").
     CFormattedString(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
 
+    /// The formatted text: as a plain text (never null), as the string, and its length in bytes.
+    ///@{
     operator char const*() const noexcept { return m_string; }
     CString const& GetString() const noexcept { return m_string; }
     unsigned long GetLength() const noexcept { return m_string.GetLength(); }
+    ///@}
 
 private:
     CString m_string;
@@ -32,9 +35,12 @@ public:
     /// A null or empty format raises CIllegalArgumentException ("Invalid format string.").
     CFormattedUnicodeString(unsigned short const* format, ...);
 
+    /// The formatted text: as a plain text (never null), as the string, and its length in units.
+    ///@{
     operator unsigned short const*() const noexcept { return m_string; }
     CUnicodeString const& GetString() const noexcept { return m_string; }
     unsigned long GetLength() const noexcept { return m_string.GetLength(); }
+    ///@}
 
 private:
     CUnicodeString m_string;

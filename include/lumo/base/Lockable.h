@@ -16,6 +16,7 @@ public:
     virtual void Acquire() = 0;
     /// Takes the lock when it is free; true when taken.
     virtual bool TryAcquire(unsigned long timeout) = 0;
+    /// Gives back what Acquire or a successful TryAcquire took.
     virtual void Release() = 0;
 };
 
@@ -23,8 +24,11 @@ public:
 class LUMO_API ILockable_ : public CBase {
 public:
     virtual ~ILockable_();
+    /// Waits as long as needed to take the lock.
     virtual void Acquire() = 0;
+    /// Takes the lock when it is free within `timeout` milliseconds; true when taken.
     virtual bool TryAcquire(unsigned long timeout) = 0;
+    /// Gives back what Acquire or a successful TryAcquire took.
     virtual void Release() = 0;
 };
 
@@ -34,6 +38,7 @@ public:
     virtual ~IWaitable();
     /// True when woken, false on time-out.
     virtual bool Wait(unsigned long timeout) = 0;
+    /// Waits without a time limit until woken.
     virtual void Wait() = 0;
 };
 

@@ -27,10 +27,14 @@ public:
     /// without one never destroys its object.
     RefCountedPtr(void* object, bool owner, Deleter deleter = nullptr);
 
+    /// The held object; never null.
     void* GetObject() const { return m_object; }
+    /// True when the record destroys its object when the count falls to 0.
     bool IsOwner() const { return m_owner; }
+    /// The number of CRef values sharing the record.
     std::uint32_t GetCount() const { return m_count; }
 
+    /// Raises the count by one.
     void AddRef() { ++m_count; }
     /// Releases one holding of `record` (null is ignored): the count is lowered unless
     /// already 0; at 0 an owned object is destroyed (an exception from its destructor
@@ -43,18 +47,21 @@ public:
     /// record for a new object cannot be allocated).
     static void DestroyObject(void* object, Deleter deleter) noexcept;
 
+    /// The deleter a CRef uses for an object handed over as a T*.
     template <class T> static void DeleteObject(void* object) { delete static_cast<T*>(object); }
 
     /// Records come from a pool of their own with a per-thread cache, since a CRef
     /// is made and dropped for every object handed over. A failed allocation throws
     /// CMemoryException (lumo/base/Base, line 150; the given unit and line for the
     /// second form).
+    ///@{
     static void* operator new(std::size_t size);
     static void* operator new(std::size_t size, char const* file, int line);
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* block, std::size_t size) noexcept;
     static void operator delete(void* block, char const* file, int line) noexcept;
     static void operator delete(void*, void*) noexcept {}
+    ///@}
 
 private:
     RefCountedPtr(RefCountedPtr const&);
@@ -72,9 +79,11 @@ private:
 /// its record must be used by one thread at a time.
 template <class T> class CRef {
 public:
+    /// The type of the held object.
     typedef T ElementType;
 
     CRef() noexcept : m_record(nullptr), m_object(nullptr) {}
+    /// An empty CRef.
     CRef(std::nullptr_t) noexcept : m_record(nullptr), m_object(nullptr) {}
 
     /// Owns `p` (null gives an empty CRef). If the record cannot be allocated, `p` is
@@ -83,6 +92,7 @@ public:
     /// Holds `p`; destroys it at the end only when `owner` is true.
     CRef(T* p, bool owner) : m_record(MakeRecord(p, owner, 185)), m_object(p) {}
 
+    /// Shares the record of `other`, raising its count; an empty `other` gives an empty CRef.
     CRef(CRef const& other) noexcept : m_record(other.m_record), m_object(other.m_object) {
         if (m_record != nullptr)
             m_record->AddRef();
@@ -98,11 +108,14 @@ public:
         other.m_record = nullptr;
         other.m_object = nullptr;
     }
+    /// Takes the holding of a CRef to a type whose pointer converts to T*; `other` is left empty.
+    ///@{
     template <class U, class = typename std::enable_if<std::is_convertible<U*, T*>::value>::type>
     CRef(CRef<U>&& other) noexcept : m_record(other.m_record), m_object(other.m_object) {
         other.m_record = nullptr;
         other.m_object = nullptr;
     }
+    ///@}
 
     ~CRef() { RefCountedPtr::Release(m_record); }
 
@@ -114,11 +127,16 @@ public:
         Assign(other.m_record, other.m_object);
         return *this;
     }
+    /// Shares the record of a CRef to a type whose pointer converts to T*, as the copy assignment
+    /// does.
+    ///@{
     template <class U, class = typename std::enable_if<std::is_convertible<U*, T*>::value>::type>
     CRef& operator=(CRef<U> const& other) noexcept {
         Assign(other.m_record, other.m_object);
         return *this;
     }
+    ///@}
+    /// Takes the holding of `other`, which is left empty, and releases the old one.
     CRef& operator=(CRef&& other) noexcept {
         if (this != &other) {
             RefCountedPtr* old = m_record;
@@ -144,6 +162,7 @@ public:
         RefCountedPtr::Release(old);
         return *this;
     }
+    /// Empties the CRef, releasing its holding.
     CRef& operator=(std::nullptr_t) noexcept {
         RefCountedPtr* old = m_record;
         m_record = nullptr;
@@ -158,6 +177,7 @@ public:
             RefCountedPtr::ThrowNullReference();
         return m_object;
     }
+    /// The object; CNullReferenceException (lumo/base/Ref, line 437) when empty.
     T& operator*() const {
         if (m_object == nullptr)
             RefCountedPtr::ThrowNullReference();
@@ -166,7 +186,9 @@ public:
 
     /// The object or null; never throws.
     T* Get() const noexcept { return m_object; }
+    /// True when the CRef holds no object.
     bool IsNull() const noexcept { return m_object == nullptr; }
+    /// True when the CRef holds an object.
     explicit operator bool() const noexcept { return m_object != nullptr; }
 
     /// Number of CRef values sharing the record; 0 when empty.
@@ -178,6 +200,7 @@ public:
 
     /// A CRef of another type sharing this record: U* from T* by static_cast, or by
     /// dynamic_cast (empty when the object is no U).
+    ///@{
     template <class U> CRef<U> StaticCast() const noexcept {
         return CRef<U>(m_record, static_cast<U*>(m_object));
     }
@@ -185,6 +208,7 @@ public:
         U* object = dynamic_cast<U*>(m_object);
         return object != nullptr ? CRef<U>(m_record, object) : CRef<U>();
     }
+    ///@}
 
 private:
     template <class U> friend class CRef;
@@ -226,6 +250,8 @@ private:
     T* m_object;
 };
 
+/// CRef values compare by the address of the object they hold; an empty CRef equals null.
+///@{
 template <class T, class U> bool operator==(CRef<T> const& a, CRef<U> const& b) noexcept {
     return a.Get() == b.Get();
 }
@@ -256,6 +282,7 @@ template <class T> bool operator==(std::nullptr_t, CRef<T> const& b) noexcept {
 template <class T> bool operator!=(std::nullptr_t, CRef<T> const& b) noexcept {
     return !b.IsNull();
 }
+///@}
 /// An order by object address, for ordered containers.
 template <class T> bool operator<(CRef<T> const& a, CRef<T> const& b) noexcept {
     return std::less<T*>()(a.Get(), b.Get());

@@ -13,6 +13,7 @@ namespace base {
 class LUMO_API IRunnable : public CBase {
 public:
     virtual ~IRunnable();
+    /// The work; runs on the thread that calls it.
     virtual void Run() = 0;
 };
 
@@ -31,6 +32,7 @@ public:
 
     /// runnable->Run().
     void Run() override;
+    /// The runnable the thread runs.
     CRef<IRunnable> const& GetRunnable() const { return m_runnable; }
 
 private:

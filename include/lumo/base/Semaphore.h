@@ -19,8 +19,11 @@ public:
     virtual bool IsNamed() const = 0;
     /// Shared with other processes.
     virtual bool IsShared() const = 0;
+    /// Takes one from the count, waiting while it is 0.
     virtual void Acquire() = 0;
+    /// As Acquire, waiting at most `timeout` milliseconds; false on time-out.
     virtual bool TryAcquire(unsigned long timeout) = 0;
+    /// Gives one back to the count.
     virtual void Release() = 0;
 };
 
@@ -50,7 +53,9 @@ public:
     CSemaphore(char const* name, unsigned long initialCount);
     ~CSemaphore() override;
 
+    /// True for a semaphore made with a name.
     bool IsNamed() const;
+    /// True for a semaphore shared with other processes (the named ones).
     bool IsShared() const;
 
     /// Waits without limit. CSynchronizationException "Failed to acquire the
@@ -62,8 +67,11 @@ public:
     /// would pass the maximum.
     void Release() override;
 
+    /// Not copyable: the object is the semaphore.
+    ///@{
     CSemaphore(CSemaphore const&) = delete;
     CSemaphore& operator=(CSemaphore const&) = delete;
+    ///@}
 
 private:
     CSemaphoreImpl* m_impl;

@@ -27,6 +27,7 @@ public:
     /// A copy manages the same handle variable with the same count; a copy of a
     /// manager without a handle has none either.
     CSimpleLockManager(CSimpleLockManager const& other);
+    /// Manages the other manager's handle variable with its count.
     CSimpleLockManager& operator=(CSimpleLockManager const& other);
     virtual ~CSimpleLockManager();
 
@@ -35,6 +36,7 @@ public:
     /// The count lowered by 1 unless it is 0; the count.
     virtual unsigned long Unlock() const;
 
+    /// The present nesting count.
     unsigned long GetLockCount() const { return m_count; }
 
     /// The handle value held by the managed variable (null when none is managed).

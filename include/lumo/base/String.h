@@ -30,6 +30,7 @@ class CStringH;
 /// sharers count with plain increments.
 class LUMO_API CString {
 public:
+    /// An empty string without storage; never allocates.
     CString() noexcept : m_text(nullptr) {}
     /// Null gives an empty string.
     CString(char const* s);
@@ -40,29 +41,40 @@ public:
     CString(char const* s, unsigned long n);
     /// UTF-16 input, converted to the multibyte code; the second form reads at most n
     /// units and stops at a 0 unit.
+    ///@{
     CString(unsigned short const* text);
     CString(unsigned short const* text, unsigned long n);
+    ///@}
+    /// A copy of the handle string's text.
     CString(CStringH const& other);
     /// Shares the source's buffer; an empty source (or one that must not be shared)
     /// gives a string without storage.
     CString(CString const& other) noexcept : m_text(Share(other.m_text)) {}
+    /// Takes the source's buffer; the source is left empty.
     CString(CString&& other) noexcept : m_text(other.m_text) { other.m_text = nullptr; }
     ~CString() {
         if (m_text != nullptr)
             Release(m_text);
     }
 
+    /// Shares the source's buffer as the copy constructor does; the old buffer is released.
     CString& operator=(CString const& other);
+    /// Takes the source's buffer; the source is left empty.
     CString& operator=(CString&& other) noexcept;
+    /// A copy of the zero-terminated text; null empties the string.
     CString& operator=(char const* s);
+    /// The UTF-16 text converted to the multibyte code; null empties the string.
     CString& operator=(unsigned short const* text);
+    /// A copy of the handle string's text.
     CString& operator=(CStringH const& other);
     /// As CString(s, n), length rule included.
     void Set(char const* s, unsigned long n);
 
+    /// The number of bytes, terminator excluded.
     unsigned long GetLength() const noexcept { return m_text == nullptr ? 0 : Words(m_text)[1]; }
     /// Bytes the buffer holds, terminator included (0 without storage).
     unsigned long GetCapacity() const noexcept { return m_text == nullptr ? 0 : Words(m_text)[0]; }
+    /// True when the string has no storage or length 0.
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     /// Never null: an empty string gives a constant empty text.
     operator char const*() const noexcept { return m_text == nullptr ? EmptyText() : m_text; }
@@ -70,6 +82,8 @@ public:
     /// The byte at i; i up to the length is read from the text (the length itself gives
     /// the terminator), beyond it the result is 0.
     char GetAt(unsigned long i) const noexcept { return i < GetLength() ? m_text[i] : '\0'; }
+    /// The byte at i as GetAt gives it; a negative index gives 0.
+    ///@{
     template <typename Index, typename = std::enable_if_t<std::is_integral<Index>::value>>
     char operator[](Index i) const noexcept {
         if constexpr (std::is_signed<Index>::value) {
@@ -78,6 +92,7 @@ public:
         }
         return GetAt(static_cast<unsigned long>(i));
     }
+    ///@}
     /// Replaces the byte at i (i below the length; other indexes are ignored).
     void SetAt(unsigned long i, char c);
 
@@ -98,13 +113,16 @@ public:
     /// <0, 0, >0. An empty string gives -1 against any non-null text (even an empty
     /// one) and 0 against null; a non-empty string gives 1 against a null or empty
     /// text. An empty CString operand counts as null.
+    ///@{
     int Compare(char const* s) const;
     int Compare(CString const& s) const;
     int CompareIgnoreCase(char const* s) const;
     int CompareIgnoreCase(CString const& s) const;
+    ///@}
 
     /// Byte indexes of the first (last) match at or after `start`, or -1; a char is
     /// sign-extended to 16 bits and matched as the platform's character routines do.
+    ///@{
     long Find(char c, unsigned long start = 0) const;
     long Find(char const* s, unsigned long start = 0) const;
     long Find(CString const& s, unsigned long start = 0) const;
@@ -115,7 +133,9 @@ public:
     long ReverseFind(CString const& s, unsigned long start = 0) const;
     long ReverseFindIgnoreCase(char const* s, unsigned long start = 0) const;
     long ReverseFindIgnoreCase(CString const& s, unsigned long start = 0) const;
+    ///@}
     /// An empty text starts and ends every string; a null one none.
+    ///@{
     bool StartsWith(char const* s) const;
     bool StartsWith(CString const& s) const;
     bool StartsWithIgnoreCase(char const* s) const;
@@ -124,42 +144,59 @@ public:
     bool EndsWith(CString const& s) const;
     bool EndsWithIgnoreCase(char const* s) const;
     bool EndsWithIgnoreCase(CString const& s) const;
+    ///@}
 
     /// Bytes from `start` up to, not including, `end` (cut to the length); empty when
     /// start >= length or start >= end. A piece that is the whole text shares it.
+    ///@{
     CString SubString(unsigned long start) const;
     CString SubString(unsigned long start, unsigned long end) const;
     CString Mid(unsigned long start) const { return SubString(start); }
     /// A count of 0 or below gives an empty result.
     CString Mid(unsigned long start, long count) const;
+    /// The first n bytes; the whole string for n at or beyond the length.
     CString Left(unsigned long n) const;
     /// For n below the length, the n bytes that end one byte before the last one
     /// (Right(2) of "abcde" is "cd"); the whole string for larger n.
     CString Right(unsigned long n) const;
+    ///@}
 
+    /// Appends the text or the character and returns this string; a null or empty text appends
+    /// nothing.
+    ///@{
     CString& operator+=(CString const& s);
     CString& operator+=(char const* s);
     CString& operator+=(char c);
+    ///@}
 
     /// An index beyond the length is cut to it; return the new length.
+    ///@{
     unsigned long Insert(unsigned long index, char c);
     unsigned long Insert(unsigned long index, char const* s);
+    ///@}
     /// Removes `count` bytes at `index` (a count running past the end stops there);
     /// returns the length before the deletion. Nothing happens for count 0 or an
     /// index at or beyond the length.
     unsigned long Delete(unsigned long index, unsigned long count = 1);
     /// Return the number of replacements / removals. A null `replacement` removes.
+    ///@{
     unsigned long Replace(char oldChar, char newChar);
     unsigned long Replace(char const* old, char const* replacement);
     unsigned long Remove(char c);
+    ///@}
 
+    /// Unicode simple case mapping, character by character. The text never grows (a character
+    /// whose mapping needs more bytes stays as it is) but may shrink.
+    ///@{
     void MakeUpper();
     void MakeLower();
+    ///@}
     /// Reverses the characters; a multibyte character stays whole.
     void MakeReverse();
 
     /// Remove leading / trailing white space (C isspace), or a run of the character,
     /// or of any character of the set.
+    ///@{
     void TrimLeft();
     void TrimRight();
     void TrimLeft(char c);
@@ -168,12 +205,15 @@ public:
     void TrimRight(char const* set);
     void TrimLeft(CString const& set);
     void TrimRight(CString const& set);
+    ///@}
 
     /// printf into a 1024-byte work buffer. Only a result of exactly size - 1 bytes
     /// takes another round with 1024 more bytes; a longer text is cut to what fitted.
     /// A null format empties the string.
+    ///@{
     void Format(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
     void FormatV(char const* format, va_list args);
+    ///@}
 
 private:
     /// Header words in front of the text: capacity, length, sharers.
@@ -198,6 +238,9 @@ private:
     char* m_text;
 };
 
+/// Equality is exact, byte by byte; ordering by the platform's case-sensitive comparison. An empty
+/// operand (null, no text or length 0) equals another empty one and sorts before a non-empty one.
+///@{
 LUMO_API bool operator==(CString const& a, CString const& b);
 LUMO_API bool operator==(CString const& a, char const* b);
 LUMO_API bool operator==(char const* a, CString const& b);
@@ -216,10 +259,14 @@ LUMO_API bool operator>(char const* a, CString const& b);
 LUMO_API bool operator>=(CString const& a, CString const& b);
 LUMO_API bool operator>=(CString const& a, char const* b);
 LUMO_API bool operator>=(char const* a, CString const& b);
+///@}
 
+/// A new string holding `a` followed by `b`; a null text adds nothing.
+///@{
 LUMO_API CString operator+(CString const& a, CString const& b);
 LUMO_API CString operator+(CString const& a, char const* b);
 LUMO_API CString operator+(char const* a, CString const& b);
+///@}
 
 } // namespace base
 } // namespace lumo

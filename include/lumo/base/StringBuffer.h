@@ -35,22 +35,29 @@ public:
     CStringBuffer(unsigned long capacity, unsigned long increment);
     /// Copies the text and the increment.
     CStringBuffer(CStringBuffer const& other);
+    /// Takes the other buffer's array; the other is left without storage.
     CStringBuffer(CStringBuffer&& other) noexcept;
     ~CStringBuffer();
 
     /// Assignments replace the text; the increment stays.
+    ///@{
     CStringBuffer& operator=(CStringBuffer const& other);
     CStringBuffer& operator=(CStringBuffer&& other) noexcept;
     CStringBuffer& operator=(char const* text);
     CStringBuffer& operator=(unsigned short const* text);
     CStringBuffer& operator=(CString const& text);
     CStringBuffer& operator=(CUnicodeString const& text);
+    ///@}
 
+    /// Append the text (converted when it is in the other width); null appends nothing. Return this
+    /// buffer.
+    ///@{
     CStringBuffer& operator+=(CStringBuffer const& other);
     CStringBuffer& operator+=(char const* text);
     CStringBuffer& operator+=(unsigned short const* text);
     CStringBuffer& operator+=(CString const& text);
     CStringBuffer& operator+=(CUnicodeString const& text);
+    ///@}
 
     /// The array, for writing; a buffer without storage first gets some, so the
     /// result is never null.
@@ -62,6 +69,7 @@ public:
 
     /// Characters up to the terminator (the capacity if the array holds none).
     unsigned long GetSize() const;
+    /// True when the text is empty (or there is no storage).
     bool IsEmpty() const;
     /// Sets the first character to 0; the storage stays.
     void Empty();
@@ -74,6 +82,7 @@ public:
 
     /// Values below 8 are raised to 8.
     void SetCapacityIncrement(unsigned long increment);
+    /// The capacity increment (at least 8).
     unsigned long GetCapacityIncrement() const { return m_array.Increment(); }
 
 private:
@@ -84,37 +93,62 @@ private:
 /// (conversion stops at the first malformed sequence).
 class LUMO_API CUnicodeStringBuffer {
 public:
+    /// As CStringBuffer's: no storage yet, or storage for `capacity` units (rounded), all zero.
+    ///@{
     explicit CUnicodeStringBuffer(unsigned long increment = 64);
     CUnicodeStringBuffer(unsigned long capacity, unsigned long increment);
+    ///@}
+    /// Copy the text and the increment, or take the other buffer's array.
+    ///@{
     CUnicodeStringBuffer(CUnicodeStringBuffer const& other);
     CUnicodeStringBuffer(CUnicodeStringBuffer&& other) noexcept;
+    ///@}
     ~CUnicodeStringBuffer();
 
+    /// Assignments replace the text (8-bit texts are converted from UTF-8); the increment stays.
+    ///@{
     CUnicodeStringBuffer& operator=(CUnicodeStringBuffer const& other);
     CUnicodeStringBuffer& operator=(CUnicodeStringBuffer&& other) noexcept;
     CUnicodeStringBuffer& operator=(unsigned short const* text);
     CUnicodeStringBuffer& operator=(char const* text);
     CUnicodeStringBuffer& operator=(CString const& text);
     CUnicodeStringBuffer& operator=(CUnicodeString const& text);
+    ///@}
 
+    /// Append the text (8-bit texts converted from UTF-8); null appends nothing. Return this
+    /// buffer.
+    ///@{
     CUnicodeStringBuffer& operator+=(CUnicodeStringBuffer const& other);
     CUnicodeStringBuffer& operator+=(unsigned short const* text);
     CUnicodeStringBuffer& operator+=(char const* text);
     CUnicodeStringBuffer& operator+=(CString const& text);
     CUnicodeStringBuffer& operator+=(CUnicodeString const& text);
+    ///@}
 
+    /// The array, for writing; a buffer without storage first gets some, so the result is never
+    /// null.
     operator unsigned short*();
+    /// The text; an empty text for a buffer without storage.
     operator unsigned short const*() const;
+    /// Makes room for n units (at least 1, for a terminator) and returns the array.
     unsigned short* GetBuffer(unsigned long n);
 
+    /// Units up to the terminator (the capacity if the array holds none).
     unsigned long GetSize() const;
+    /// True when the text is empty (or there is no storage).
     bool IsEmpty() const;
+    /// Sets the first unit to 0; the storage stays.
     void Empty();
+    /// Grows the array to hold n units (rounded), keeping its contents.
     void EnsureCapacity(unsigned long n);
+    /// Shrinks the array to the rounded size of the text and its terminator.
     void TrimToSize();
+    /// Units the array holds (0 without storage).
     unsigned long GetCapacity() const { return m_array.Capacity(); }
 
+    /// Values below 8 are raised to 8.
     void SetCapacityIncrement(unsigned long increment);
+    /// The capacity increment (at least 8).
     unsigned long GetCapacityIncrement() const { return m_array.Increment(); }
 
 private:

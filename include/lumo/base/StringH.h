@@ -19,35 +19,48 @@ class CString;
 /// operation raises CMemoryException and the string keeps its handle and contents.
 class LUMO_API CStringH {
 public:
+    /// An empty string without a handle.
     CStringH() noexcept : m_handle(nullptr), m_capacity(0), m_length(0), m_locks(0) {}
     /// A null text is stored as an empty one.
     CStringH(char const* s);
+    /// A copy of the text in a new handle.
     CStringH(CString const& s);
+    /// A copy of the other string's text in a handle of its own.
     CStringH(CStringH const& other);
     ~CStringH();
 
+    /// Replace the text, keeping this string's handle where it is large enough; null stores an
+    /// empty text.
+    ///@{
     CStringH& operator=(char const* s);
     CStringH& operator=(CString const& s);
     CStringH& operator=(CStringH const& other);
+    ///@}
 
     /// The characters at the handle; null when there is no handle yet. After Empty()
     /// the text may still show characters: the length is what counts.
     operator char const*() const;
+    /// The length in bytes, terminator excluded.
     unsigned long GetLength() const noexcept { return m_length; }
+    /// True when the length is 0.
     bool IsEmpty() const noexcept { return m_length == 0; }
     /// With a handle and a length above 0: the first byte becomes the digit '0' (not
     /// the terminator) and the length 0. Otherwise nothing happens.
     void Empty();
 
     /// Return the new lock count; Unlock never goes below 0.
+    ///@{
     unsigned long Lock() const noexcept { return ++m_locks; }
     unsigned long Unlock() const noexcept { return m_locks == 0 ? 0 : --m_locks; }
+    ///@}
 
     /// Against a null or empty text: 1 when this string has a length, else 0;
     /// otherwise -1 when this string is empty, else the platform comparison (with case).
+    ///@{
     int Compare(char const* s) const;
     int Compare(CStringH const& s) const;
     int Compare(CString const& s) const;
+    ///@}
 
 private:
     int CompareText(char const* s, bool sEmpty) const;
@@ -60,6 +73,8 @@ private:
     mutable std::uint32_t m_locks;
 };
 
+/// Equal when both are empty (null, no text or length 0) or both hold the same bytes.
+///@{
 LUMO_API bool operator==(CStringH const& a, char const* b);
 LUMO_API bool operator==(CStringH const& a, CString const& b);
 LUMO_API bool operator==(CStringH const& a, CStringH const& b);
@@ -70,6 +85,7 @@ LUMO_API bool operator!=(CStringH const& a, CString const& b);
 LUMO_API bool operator!=(CStringH const& a, CStringH const& b);
 LUMO_API bool operator!=(char const* a, CStringH const& b);
 LUMO_API bool operator!=(CString const& a, CStringH const& b);
+///@}
 
 } // namespace base
 } // namespace lumo

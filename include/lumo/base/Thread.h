@@ -25,13 +25,19 @@ class CThread;
 class LUMO_API CThreadImpl : public CBase {
 public:
     virtual ~CThreadImpl();
+    /// The thread's priority level; CThread::Priority_Error_Return when it cannot be read.
     virtual long GetPriority() = 0;
+    /// Applies a priority level; CWinSystemErrorException when the system refuses it.
     virtual void SetPriority(long priority) = 0;
+    /// True from Start until the body has returned.
     virtual bool IsAlive() = 0;
     /// Runs thread->Run() on a new thread.
     virtual void Start(CThread* thread) = 0;
+    /// Waits up to `timeout` milliseconds for the thread to end; false on time-out.
     virtual bool Join(unsigned long timeout) = 0;
+    /// Waits without limit for the thread to end.
     virtual void Join() = 0;
+    /// Ends the thread (see CThread::Destroy for what POSIX allows).
     virtual void Destroy() = 0;
     /// Ends the calling thread.
     virtual void Exit(unsigned long code) = 0;
@@ -59,6 +65,8 @@ class LUMO_API CThread : public CObject {
     LUMO_DECLARE_CLASS(CThread);
 
 public:
+    /// Priority levels, the Windows thread priority values.
+    ///@{
     static constexpr long Priority_Idle = -15;
     static constexpr long Priority_Lowest = -2;
     static constexpr long Priority_Below_Normal = -1;
@@ -66,6 +74,7 @@ public:
     static constexpr long Priority_Above_Normal = 1;
     static constexpr long Priority_Highest = 2;
     static constexpr long Priority_Time_Critical = 15;
+    ///@}
     /// What GetPriority returns when the priority cannot be read.
     static constexpr long Priority_Error_Return = 0x7FFFFFFF;
 
@@ -85,8 +94,10 @@ public:
     /// CIllegalStateException "Thread hasn't been started yet." before Start;
     /// CWinSystemErrorException "Failed to join the thread." when the wait fails
     /// (EDEADLK for a thread joining itself without time limit).
+    ///@{
     virtual bool Join(unsigned long timeout);
     virtual void Join();
+    ///@}
     /// Sets the stop flag and wakes Wait; returns at once.
     virtual void Stop();
     /// Ends the thread. A thread that has ended is destroyed without complaint. POSIX
@@ -107,21 +118,28 @@ public:
     /// True from Start until the body has returned.
     bool IsAlive() const;
 
+    /// Whether the object deletes itself when Run returns.
     bool IsAutoDeleted() const { return m_autoDeleted.load(std::memory_order_acquire); }
+    /// Sets auto-deletion; set it before Start, since the object must not be touched once a
+    /// deleting thread may have ended.
     void SetAutoDeleted(bool autoDeleted) {
         m_autoDeleted.store(autoDeleted, std::memory_order_release);
     }
 
     /// Equal when they share their implementation, that is: the same thread object.
     bool operator==(CThread const& other) const { return m_impl == other.m_impl; }
+    /// True when they are different thread objects.
     bool operator!=(CThread const& other) const { return m_impl != other.m_impl; }
 
     /// The CThread whose body runs on the calling thread; null on a thread not started
     /// through CThread, or when thread support is not running.
     static CThread* GetCurrentThread();
 
+    /// Not copyable: the object is the thread.
+    ///@{
     CThread(CThread const&) = delete;
     CThread& operator=(CThread const&) = delete;
+    ///@}
 
 protected:
     /// No operating-system thread yet. CMemoryException, or the lock's and the

@@ -14,7 +14,9 @@ public:
     virtual ~CThreadLocalImpl();
     /// Allocates the slot; every thread's value starts null.
     virtual void Allocate() = 0;
+    /// The calling thread's value; null until it sets one.
     virtual void* GetValue() = 0;
+    /// Stores the calling thread's value.
     virtual void SetValue(void* value) = 0;
 };
 
@@ -28,11 +30,16 @@ public:
     ~CThreadLocal();
 
     /// The calling thread's value (null until it sets one).
+    ///@{
     void* Get() const;
     void Set(void* value);
+    ///@}
 
+    /// Not copyable: the object owns its slot.
+    ///@{
     CThreadLocal(CThreadLocal const&) = delete;
     CThreadLocal& operator=(CThreadLocal const&) = delete;
+    ///@}
 
 private:
     CThreadLocalImpl* m_impl;

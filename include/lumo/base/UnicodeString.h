@@ -39,6 +39,7 @@ class LUMO_API CUnicodeString {
                          !std::is_same<T, unsigned short>::value && !std::is_same<T, bool>::value>;
 
 public:
+    /// An empty string without storage; never allocates.
     CUnicodeString() noexcept : m_text(nullptr) {}
     /// Null gives an empty string.
     CUnicodeString(unsigned short const* s);
@@ -48,11 +49,14 @@ public:
     CUnicodeString(unsigned short const* s, unsigned long n);
     /// UTF-8 input, converted; the second form reads at most n bytes and stops at a 0
     /// byte. Conversion stops at the first malformed sequence.
+    ///@{
     CUnicodeString(char const* s);
     CUnicodeString(char const* s, unsigned long n);
+    ///@}
     /// Shares the source's buffer; an empty source (or one that must not be shared)
     /// gives a string without storage.
     CUnicodeString(CUnicodeString const& other) noexcept : m_text(Share(other.m_text)) {}
+    /// Takes the source's buffer; the source is left empty.
     CUnicodeString(CUnicodeString&& other) noexcept : m_text(other.m_text) {
         other.m_text = nullptr;
     }
@@ -61,17 +65,26 @@ public:
             Release(m_text);
     }
 
+    /// Shares the source's buffer as the copy constructor does; the old buffer is released.
     CUnicodeString& operator=(CUnicodeString const& other);
+    /// Takes the source's buffer; the source is left empty.
     CUnicodeString& operator=(CUnicodeString&& other) noexcept;
+    /// A copy of the zero-terminated text; null empties the string.
     CUnicodeString& operator=(unsigned short const* s);
+    /// The UTF-8 text converted; null empties the string. Conversion stops at the first malformed
+    /// sequence.
     CUnicodeString& operator=(char const* s);
     /// As CUnicodeString(s, n), length rule included.
+    ///@{
     void Set(unsigned short const* s, unsigned long n);
     void Set(char const* s, unsigned long n);
+    ///@}
 
+    /// The number of units, terminator excluded.
     unsigned long GetLength() const noexcept { return m_text == nullptr ? 0 : Words(m_text)[1]; }
     /// Units the buffer holds, terminator included (0 without storage).
     unsigned long GetCapacity() const noexcept { return m_text == nullptr ? 0 : Words(m_text)[0]; }
+    /// True when the string has no storage or length 0.
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     /// Never null: an empty string gives a constant empty text.
     operator unsigned short const*() const noexcept {
@@ -81,6 +94,8 @@ public:
     /// The unit at i; i up to the length is read from the text (the length itself
     /// gives the terminator), beyond it the result is 0.
     unsigned short GetAt(unsigned long i) const noexcept { return i < GetLength() ? m_text[i] : 0; }
+    /// The unit at i as GetAt does; a negative index gives 0.
+    ///@{
     template <typename Index, typename = std::enable_if_t<std::is_integral<Index>::value>>
     unsigned short operator[](Index i) const noexcept {
         if constexpr (std::is_signed<Index>::value) {
@@ -89,6 +104,7 @@ public:
         }
         return GetAt(static_cast<unsigned long>(i));
     }
+    ///@}
     /// Replaces the unit at i (i below the length; other indexes are ignored).
     void SetAt(unsigned long i, unsigned short c);
 
@@ -110,12 +126,15 @@ public:
     /// empty string gives -1 against any non-null text (even an empty one) and 0
     /// against null; a non-empty string gives 1 against a null or empty text. An
     /// empty CUnicodeString operand counts as null.
+    ///@{
     int Compare(unsigned short const* s) const;
     int Compare(CUnicodeString const& s) const;
     int CompareIgnoreCase(unsigned short const* s) const;
     int CompareIgnoreCase(CUnicodeString const& s) const;
+    ///@}
 
     /// Unit indexes of the first (last) match at or after `start`, or -1.
+    ///@{
     long Find(unsigned short c, unsigned long start = 0) const;
     long Find(char c, unsigned long start = 0) const;
     template <typename T, typename = OtherUnit<T>> long Find(T c, unsigned long start = 0) const {
@@ -139,7 +158,9 @@ public:
     long ReverseFindIgnoreCase(unsigned short const* s, unsigned long start = 0) const;
     long ReverseFindIgnoreCase(char const* s, unsigned long start = 0) const;
     long ReverseFindIgnoreCase(CUnicodeString const& s, unsigned long start = 0) const;
+    ///@}
     /// An empty text starts and ends every string; a null one none.
+    ///@{
     bool StartsWith(unsigned short const* s) const;
     bool StartsWith(char const* s) const;
     bool StartsWith(CUnicodeString const& s) const;
@@ -152,19 +173,26 @@ public:
     bool EndsWithIgnoreCase(unsigned short const* s) const;
     bool EndsWithIgnoreCase(char const* s) const;
     bool EndsWithIgnoreCase(CUnicodeString const& s) const;
+    ///@}
 
     /// Units from `start` up to, not including, `end` (cut to the length); empty when
     /// start >= length or start >= end. A piece that is the whole text shares it.
+    ///@{
     CUnicodeString SubString(unsigned long start) const;
     CUnicodeString SubString(unsigned long start, unsigned long end) const;
     CUnicodeString Mid(unsigned long start) const { return SubString(start); }
     /// A count of 0 or below gives an empty result.
     CUnicodeString Mid(unsigned long start, long count) const;
+    /// The first n units; the whole string for n at or beyond the length.
     CUnicodeString Left(unsigned long n) const;
     /// For n below the length, the n units that end one unit before the last one
     /// (Right(2) of "abcde" is "cd"); the whole string for larger n.
     CUnicodeString Right(unsigned long n) const;
+    ///@}
 
+    /// Appends the text, the UTF-8 text converted, or one unit (a char only when ASCII). Returns
+    /// this string. A null or empty text appends nothing.
+    ///@{
     CUnicodeString& operator+=(CUnicodeString const& s);
     CUnicodeString& operator+=(unsigned short const* s);
     CUnicodeString& operator+=(char const* s);
@@ -173,8 +201,10 @@ public:
     template <typename T, typename = OtherUnit<T>> CUnicodeString& operator+=(T c) {
         return *this += static_cast<unsigned short>(c);
     }
+    ///@}
 
     /// An index beyond the length is cut to it; return the new length.
+    ///@{
     unsigned long Insert(unsigned long index, unsigned short c);
     unsigned long Insert(unsigned long index, char c);
     template <typename T, typename = OtherUnit<T>> unsigned long Insert(unsigned long index, T c) {
@@ -182,11 +212,13 @@ public:
     }
     unsigned long Insert(unsigned long index, unsigned short const* s);
     unsigned long Insert(unsigned long index, char const* s);
+    ///@}
     /// Removes `count` units at `index` (a count running past the end stops there);
     /// returns the length before the deletion. Nothing happens for count 0 or an
     /// index at or beyond the length.
     unsigned long Delete(unsigned long index, unsigned long count = 1);
     /// Return the number of replacements / removals. A null `replacement` removes.
+    ///@{
     unsigned long Replace(unsigned short oldChar, unsigned short newChar);
     unsigned long Replace(char oldChar, char newChar);
     template <typename T, typename = OtherUnit<T>> unsigned long Replace(T oldChar, T newChar) {
@@ -199,15 +231,19 @@ public:
     template <typename T, typename = OtherUnit<T>> unsigned long Remove(T c) {
         return Remove(static_cast<unsigned short>(c));
     }
+    ///@}
 
     /// Simple case mapping, unit by unit.
+    ///@{
     void MakeUpper();
     void MakeLower();
+    ///@}
     /// Reverses the units; surrogate pairs are not kept together.
     void MakeReverse();
 
     /// Remove leading / trailing white space, or a run of the unit, or of any unit of
     /// the set.
+    ///@{
     void TrimLeft();
     void TrimRight();
     void TrimLeft(unsigned short c);
@@ -226,12 +262,15 @@ public:
     void TrimRight(char const* set);
     void TrimLeft(CUnicodeString const& set);
     void TrimRight(CUnicodeString const& set);
+    ///@}
 
     /// printf into a 1024-unit work buffer. Only a result of exactly size - 1 units
     /// takes another round with 1024 more units; a longer text is cut to what fitted.
     /// A null format empties the string.
+    ///@{
     void Format(unsigned short const* format, ...);
     void FormatV(unsigned short const* format, va_list args);
+    ///@}
 
     /// Decodes UTF-8. A negative length means the text runs to its 0 byte; with a
     /// length, 0 bytes inside it are decoded as units. Decoding stops quietly at the
@@ -276,6 +315,7 @@ private:
 
 /// Equality is exact, unit by unit; ordering by unit values. An empty operand (null,
 /// no text or length 0) equals another empty one and sorts before a non-empty one.
+///@{
 LUMO_API bool operator==(CUnicodeString const& a, CUnicodeString const& b);
 LUMO_API bool operator==(CUnicodeString const& a, unsigned short const* b);
 LUMO_API bool operator==(unsigned short const* a, CUnicodeString const& b);
@@ -294,10 +334,14 @@ LUMO_API bool operator>(unsigned short const* a, CUnicodeString const& b);
 LUMO_API bool operator>=(CUnicodeString const& a, CUnicodeString const& b);
 LUMO_API bool operator>=(CUnicodeString const& a, unsigned short const* b);
 LUMO_API bool operator>=(unsigned short const* a, CUnicodeString const& b);
+///@}
 
+/// A new string holding `a` followed by `b`; a null text adds nothing.
+///@{
 LUMO_API CUnicodeString operator+(CUnicodeString const& a, CUnicodeString const& b);
 LUMO_API CUnicodeString operator+(CUnicodeString const& a, unsigned short const* b);
 LUMO_API CUnicodeString operator+(unsigned short const* a, CUnicodeString const& b);
+///@}
 
 } // namespace base
 } // namespace lumo

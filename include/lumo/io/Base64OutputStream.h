@@ -18,6 +18,7 @@ class LUMO_API CBase64OutputStream : public COutputStream {
 public:
     /// A null stream throws CIllegalArgumentException "Invalid output stream.".
     CBase64OutputStream(COutputStream* out, unsigned long lineLength);
+    /// Shares `out`; a null reference throws CIllegalArgumentException "Invalid output stream.".
     CBase64OutputStream(base::CRef<COutputStream> const& out, unsigned long lineLength);
     ~CBase64OutputStream() override;
 
@@ -33,6 +34,8 @@ public:
     void Close() override;
 
 protected:
+    /// Writes encoded characters to the wrapped stream, breaking lines with CR LF at the line
+    /// length.
     void InternalWrite(char const* chars, unsigned long off, unsigned long len);
 
 private:

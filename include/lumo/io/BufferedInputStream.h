@@ -20,6 +20,7 @@ public:
     /// of 0 means 512 bytes; a buffer that cannot be allocated throws
     /// CMemoryException.
     CBufferedInputStream(CInputStream* in, unsigned long size);
+    /// Shares `in`; failures as for the raw-pointer form.
     CBufferedInputStream(base::CRef<CInputStream> const& in, unsigned long size);
     ~CBufferedInputStream() override;
 

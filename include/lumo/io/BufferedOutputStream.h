@@ -20,6 +20,7 @@ public:
     /// size of 0 throws "Invaid buffer size."; a buffer that cannot be allocated
     /// throws CMemoryException.
     CBufferedOutputStream(COutputStream* out, unsigned long size);
+    /// Shares `out`; failures as for the raw-pointer form.
     CBufferedOutputStream(base::CRef<COutputStream> const& out, unsigned long size);
     ~CBufferedOutputStream() override;
 
@@ -35,9 +36,15 @@ public:
     void Close() override;
 
 protected:
+    /// Checks the arguments and allocates a buffer of `size` bytes; the failures of the
+    /// constructors.
     void Init(unsigned long size);
+    /// One block write of the waiting bytes, if any; CIOException "Stream closed." after Close.
     void FlushBuffer();
+    /// Buffers the bytes, or writes them straight through after the waiting ones when they are at
+    /// least the buffer's size; CIOException "Stream closed." after Close.
     void InternalWrite(char const* buf, unsigned long off, unsigned long len);
+    /// Lets go of the wrapped stream and closes it; nothing when already closed.
     void InternalClose();
 
 private:

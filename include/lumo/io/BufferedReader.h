@@ -10,7 +10,8 @@ namespace lumo {
 namespace io {
 
 /// Reads the wrapped reader in blocks of the buffer's size. The raw-pointer form
-/// borrows the reader, the CRef form shares it; Close closes it.
+/// borrows the reader, the CRef form shares it; Close closes it. Use after Close
+/// throws CIOException "Reader closed.".
 class LUMO_API CBufferedReader : public CReader {
     LUMO_DECLARE_CLASS(CBufferedReader);
 
@@ -18,6 +19,7 @@ public:
     /// `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
     /// reader."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedReader(CReader* reader, unsigned long size);
+    /// Shares `reader`; failures as for the raw-pointer form.
     CBufferedReader(base::CRef<CReader> const& reader, unsigned long size);
     ~CBufferedReader() override;
 

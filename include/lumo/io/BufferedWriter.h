@@ -19,6 +19,7 @@ public:
     /// `size` in 16-bit units. A null writer: CIllegalArgumentException "Invalid
     /// writer."; size 0: "Invalid buffer size."; no memory: CMemoryException.
     CBufferedWriter(CWriter* writer, unsigned long size);
+    /// Shares `writer`; failures as for the raw-pointer form.
     CBufferedWriter(base::CRef<CWriter> const& writer, unsigned long size);
     ~CBufferedWriter() override;
 
@@ -43,7 +44,10 @@ public:
 protected:
     /// One block write of the waiting units, if any.
     void FlushBuffer();
+    /// Buffers the units, or writes them straight through after the waiting ones when they are at
+    /// least the buffer's size; CIOException "Writer closed." after Close.
     void InternalWrite(unsigned short const* buf, unsigned long off, unsigned long len);
+    /// Lets go of the wrapped writer and closes it; nothing when already closed.
     void InternalClose();
 
 private:

@@ -12,8 +12,12 @@ class LUMO_API CCRLFPrintStream : public CPrintStream {
     LUMO_DECLARE_CLASS(CCRLFPrintStream);
 
 public:
+    /// As CPrintStream's constructors (a null stream throws CIllegalArgumentException "Invalid
+    /// output stream."), with CR LF as the line separator.
+    ///@{
     CCRLFPrintStream(COutputStream* out, bool autoFlush);
     CCRLFPrintStream(base::CRef<COutputStream> const& out, bool autoFlush);
+    ///@}
     ~CCRLFPrintStream() override;
 };
 

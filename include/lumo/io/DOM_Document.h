@@ -44,6 +44,7 @@ public:
     bool operator==(DOM_Document const& other) const noexcept {
         return m_document == other.m_document;
     }
+    /// True when the handles hold different documents.
     bool operator!=(DOM_Document const& other) const noexcept { return !(*this == other); }
 
 private:

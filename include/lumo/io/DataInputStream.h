@@ -24,6 +24,7 @@ class LUMO_API CDataInputStream : public CInputStream {
 public:
     /// A null stream throws CIllegalArgumentException "Invalid input stream.".
     explicit CDataInputStream(CInputStream* in);
+    /// Shares `in`; a null reference throws CIllegalArgumentException "Invalid input stream.".
     explicit CDataInputStream(base::CRef<CInputStream> const& in);
     ~CDataInputStream() override;
 
@@ -42,17 +43,32 @@ public:
     virtual bool ReadBool();
     /// The low 8 bits of one Read(): signed for ReadByte, unsigned for ReadSByte (the
     /// names are the other way round from the types, and stay so).
+    ///@{
     virtual char ReadByte();
     virtual unsigned char ReadSByte();
+    ///@}
+    /// Two bytes, big-endian.
     virtual short ReadInt16();
+    /// Four bytes, big-endian, as a signed 32-bit value.
     virtual long ReadInt32();
+    /// Two bytes, big-endian.
     virtual unsigned short ReadUInt16();
+    /// Four bytes, big-endian.
     virtual unsigned long ReadUInt32();
+    /// The IEEE bytes in the host's byte order (4 and 8 bytes).
+    ///@{
     virtual float ReadFloat();
     virtual double ReadDouble();
+    ///@}
+    /// A 32-bit big-endian byte count, then that many UTF-8 bytes; CMemoryException when the text
+    /// cannot be held.
     virtual base::CUnicodeString ReadString();
+    /// Lets `object` read itself from here (its Deserialize with this stream).
     virtual void ReadObject(ISerializable& object);
 
+    /// The typed read of the same type (a char is ReadByte, an unsigned char ReadSByte); returns
+    /// this stream.
+    ///@{
     CDataInputStream& operator>>(bool& value);
     CDataInputStream& operator>>(char& value);
     CDataInputStream& operator>>(unsigned char& value);
@@ -64,18 +80,24 @@ public:
     CDataInputStream& operator>>(double& value);
     CDataInputStream& operator>>(base::CUnicodeString& value);
     CDataInputStream& operator>>(ISerializable& value);
+    ///@}
 
 protected:
+    /// Throws CIOException "Stream closed." after Close.
     void CheckOpen() const;
     /// Reads `count` bytes (fewer at the end) into `buf`, zeroing what is not read.
     void ReadRaw(unsigned char* buf, unsigned long count);
     /// Big-endian counts and integers.
+    ///@{
     std::uint16_t ReadBig16();
     std::uint32_t ReadBig32();
+    ///@}
     /// Reads a string of `count` UTF-8 bytes.
     base::CUnicodeString ReadUTF8(unsigned long count);
 
+    /// The wrapped stream in either form; null after Close.
     CInputStream* m_in;
+    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
     base::CRef<CInputStream> m_inRef;
 
 private:

@@ -21,6 +21,7 @@ class LUMO_API CDataOutputStream : public COutputStream {
 public:
     /// A null stream throws CIllegalArgumentException "Invalid output stream.".
     explicit CDataOutputStream(COutputStream* out);
+    /// Shares `out`; a null reference throws CIllegalArgumentException "Invalid output stream.".
     explicit CDataOutputStream(base::CRef<COutputStream> const& out);
     ~CDataOutputStream() override;
 
@@ -33,22 +34,38 @@ public:
     /// Closes the wrapped stream; a second Close does nothing.
     void Close() override;
 
+    /// One byte: 1 for true, 0 for false.
     virtual void WriteBool(bool value);
+    /// One byte.
+    ///@{
     virtual void WriteByte(char value);
     virtual void WriteUByte(unsigned char value);
+    ///@}
+    /// Two bytes, big-endian.
     virtual void WriteInt16(short value);
     /// The low 32 bits.
     virtual void WriteInt32(long value);
+    /// Two bytes, big-endian.
     virtual void WriteUInt16(unsigned short value);
+    /// The low 32 bits as four bytes, big-endian.
     virtual void WriteUInt32(unsigned long value);
+    /// The IEEE bytes in the host's byte order (4 and 8 bytes).
+    ///@{
     virtual void WriteFloat(float value);
     virtual void WriteDouble(double value);
+    ///@}
+    /// A 32-bit big-endian count of UTF-8 bytes, then the bytes; an empty string writes the count
+    /// 0.
     virtual void WriteString(base::CUnicodeString const& value);
     /// A null or empty text writes nothing at all, not even a count (unlike an empty
     /// CUnicodeString): a reader expecting a string there reads the next value's bytes.
     virtual void WriteString(unsigned short const* value);
+    /// Lets `object` write itself here (its Serialize with this stream).
     virtual void WriteObject(ISerializable const& object);
 
+    /// The typed write of the same type (a char is WriteByte, an unsigned char WriteUByte); returns
+    /// this stream.
+    ///@{
     CDataOutputStream& operator<<(bool value);
     CDataOutputStream& operator<<(char value);
     CDataOutputStream& operator<<(unsigned char value);
@@ -61,11 +78,15 @@ public:
     CDataOutputStream& operator<<(unsigned short const* value);
     CDataOutputStream& operator<<(base::CUnicodeString const& value);
     CDataOutputStream& operator<<(ISerializable const& value);
+    ///@}
 
 protected:
+    /// Throws CIOException "Stream closed." after Close.
     void CheckOpen() const;
 
+    /// The wrapped stream in either form; null after Close.
     COutputStream* m_out;
+    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
     base::CRef<COutputStream> m_outRef;
 
 private:

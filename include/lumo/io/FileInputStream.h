@@ -12,6 +12,9 @@ namespace io {
 
 /// Reads the bytes of a file, unbuffered (wrap it in a CBufferedInputStream for
 /// small reads). Every operation throws CIOException "Stream closed." once closed.
+/// Failed file calls throw CIOException "Failed to read the specified number of bytes
+/// from the underlying file.", "Failed to get the number of available bytes of the
+/// underlying file." or "Failed to seek in the underlying file.".
 class LUMO_API CFileInputStream : public CInputStream {
     LUMO_DECLARE_CLASS(CFileInputStream);
 
@@ -35,8 +38,11 @@ public:
     long Read() override;
     /// Skips at most to the end and returns the number of bytes skipped.
     long Skip(unsigned long n) override;
-    /// Back to the start of the file.
+    /// Back to the start of the file; CIOException "Failed to set the position of file
+    /// pointer in the underlying file." when that fails.
     void Reset() override;
+    /// Closes the file; CIOException "Failed to close the underlying file." when the
+    /// platform reports a failure.
     void Close() override;
 
 private:

@@ -13,7 +13,9 @@ namespace io {
 /// Writes bytes to a file, unbuffered (wrap it in a CBufferedOutputStream for small
 /// writes). A missing file is created; an existing one is emptied first unless
 /// `append` is given, in which case every write goes to its end. Every operation
-/// throws CIOException "Stream closed." once closed.
+/// throws CIOException "Stream closed." once closed. Failed writes throw CIOException
+/// "Failed to write the specified byte the the underlying file." (one byte) or
+/// "Failed to write the specified number of bytes to the underlying file.".
 class LUMO_API CFileOutputStream : public COutputStream {
     LUMO_DECLARE_CLASS(CFileOutputStream);
 
@@ -31,7 +33,11 @@ public:
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
+    /// Hands the written data to the platform; CIOException "Failed to flush the
+    /// underlying file." when that fails.
     void Flush() override;
+    /// Closes the file; CIOException "Failed to close the underlying file." when the
+    /// platform reports a failure.
     void Close() override;
 
 private:

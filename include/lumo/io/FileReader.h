@@ -12,7 +12,11 @@ namespace io {
 
 /// Reads a file of UTF-16 units stored as they are: two bytes a unit, low byte
 /// first, no byte-order mark. Counts and positions are in units. Every operation
-/// throws CIOException "Reader closed." once closed.
+/// throws CIOException "Reader closed." once closed. Failed file calls throw
+/// CIOException "Failed to read the specified number of wide chars from the underlying
+/// file.", "Failed to get the number of available bytes of the underlying file.",
+/// "Failed to get the length of the underlying file." or "Failed to seek in the
+/// underlying file.".
 class LUMO_API CFileReader : public CReader {
     LUMO_DECLARE_CLASS(CFileReader);
 
@@ -32,7 +36,11 @@ public:
     long Read() override;
     /// Skips at most to the end and returns the number of units skipped.
     long Skip(unsigned long n) override;
+    /// Back to the start of the file; CIOException "Failed to set the position of file
+    /// pointer in the underlying file." when that fails.
     void Reset() override;
+    /// Closes the file; CIOException "Failed to close the underlying file." when the
+    /// platform reports a failure.
     void Close() override;
 
 private:

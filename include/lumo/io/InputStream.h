@@ -6,6 +6,8 @@
 #include <lumo/base/Object.h>
 
 namespace lumo {
+/// Byte streams and their filters, data streams, UTF-16 readers and writers, encoders, print
+/// streams, file streams, and the XML readers and writers.
 namespace io {
 
 /// Abstract source of bytes. The single-byte Read() returns the byte sign-extended
@@ -20,6 +22,7 @@ public:
 
     ~CInputStream() override;
 
+    /// The number of bytes that can be read without blocking; 0 when unknown or at the end.
     virtual unsigned long GetAvailable() const = 0;
     /// Up to `len` bytes into buf[off..]; the count read, or -1 at the end.
     virtual long Read(char* buf, unsigned long off, unsigned long len) = 0;
@@ -30,7 +33,11 @@ public:
     /// Skips by single reads and returns the number of bytes NOT skipped (0 when all
     /// n were consumed). Concrete streams return the number skipped instead.
     virtual long Skip(unsigned long n);
+    /// Returns to the stream's start or mark, where the stream supports it; otherwise throws
+    /// CIOException.
     virtual void Reset() = 0;
+    /// Releases the source; later reads throw CIOException "Stream closed." where the stream
+    /// checks.
     virtual void Close() = 0;
 
 protected:

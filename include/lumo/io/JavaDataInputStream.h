@@ -14,10 +14,15 @@ class LUMO_API CJavaDataInputStream : public CDataInputStream {
     LUMO_DECLARE_CLASS(CJavaDataInputStream);
 
 public:
+    /// As CDataInputStream's: a null stream throws CIllegalArgumentException "Invalid input
+    /// stream.".
+    ///@{
     explicit CJavaDataInputStream(CInputStream* in);
     explicit CJavaDataInputStream(base::CRef<CInputStream> const& in);
+    ///@}
     ~CJavaDataInputStream() override;
 
+    /// A 16-bit big-endian byte count, then that many UTF-8 bytes.
     base::CUnicodeString ReadString() override;
 };
 

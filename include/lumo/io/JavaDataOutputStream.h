@@ -15,8 +15,12 @@ class LUMO_API CJavaDataOutputStream : public CDataOutputStream {
     LUMO_DECLARE_CLASS(CJavaDataOutputStream);
 
 public:
+    /// As CDataOutputStream's: a null stream throws CIllegalArgumentException "Invalid output
+    /// stream.".
+    ///@{
     explicit CJavaDataOutputStream(COutputStream* out);
     explicit CJavaDataOutputStream(base::CRef<COutputStream> const& out);
+    ///@}
     ~CJavaDataOutputStream() override;
 
     /// A UTF-8 form longer than 65535 bytes throws CIOException "The specified string

@@ -29,9 +29,12 @@ public:
     /// harmless.
     void Close() override;
 
+    /// The block holding the bytes written; null while no block is allocated (none asked for yet,
+    /// or after DetachBuffer).
     char* GetBuffer() const { return m_buffer; }
     /// The number of bytes written (not the capacity).
     unsigned long GetBufferSize() const { return m_used; }
+    /// The block's size in bytes.
     unsigned long GetBufferCapacity() const { return m_capacity; }
     /// Hands the block (or null) to the caller, who frees it with `free`; the stream
     /// starts a new block on the next write.

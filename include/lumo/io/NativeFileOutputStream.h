@@ -22,7 +22,8 @@ public:
     /// A null or empty (or not well-formed) UTF-16 path throws
     /// CIllegalArgumentException "Invalid file path."; a refused permission
     /// CIOException "Access denied."; any other failure "Failed to open the specified
-    /// file.".
+    /// file."; with `append`, "Failed to move the file pointer to the end of the file."
+    /// when the end cannot be reached.
     CNativeFileOutputStream(unsigned short const* path, bool append);
     /// Closes the file if still open.
     ~CNativeFileOutputStream() override;
@@ -35,7 +36,10 @@ public:
     void Write(char const* buf, unsigned long off, unsigned long len) override;
     void Write(char const* buf, unsigned long len) override;
     void Write(char c) override;
-    /// Makes the platform write the file's data through to the device.
+    /// Makes the platform write the file's data through to the device; CIOException
+    /// "Stream closed." once closed, "Failed to flush the buffers of the underlying
+    /// file." when the platform fails (files that cannot be synchronised, such as pipes,
+    /// pass).
     void Flush() override;
     /// Never throws; a second Close does nothing.
     void Close() override;

@@ -16,10 +16,17 @@ class LUMO_API COutputStream : public base::CObject {
 public:
     ~COutputStream() override;
 
+    /// Bytes buf[off .. off + len - 1], one Write(char) each unless a subclass writes blocks; a
+    /// null buffer writes nothing.
     virtual void Write(char const* buf, unsigned long off, unsigned long len);
+    /// Write(buf, 0, len); a null buffer writes nothing.
     virtual void Write(char const* buf, unsigned long len);
+    /// One byte.
     virtual void Write(char c) = 0;
+    /// Pushes buffered bytes on to the sink.
     virtual void Flush() = 0;
+    /// Releases the sink; most streams flush first. Later writes throw CIOException where the
+    /// stream checks.
     virtual void Close() = 0;
 
 protected:

@@ -23,6 +23,7 @@ public:
     /// empty encoding: "Invalid encoding."; an unknown one:
     /// CUnsupportedEncodingException; no memory: CMemoryException.
     COutputStreamWriter(COutputStream* out, char const* encoding);
+    /// Shares `out`; failures as for the raw-pointer form.
     COutputStreamWriter(base::CRef<COutputStream> const& out, char const* encoding);
     ~COutputStreamWriter() override;
 
@@ -54,6 +55,7 @@ protected:
     /// even an empty one cannot hold the converted text (CIOException "Memory full."
     /// when that fails).
     void InternalWrite(unsigned short const* buf, unsigned long off, unsigned long len);
+    /// Lets go of the stream and closes it; nothing when already closed.
     void InternalClose();
 
 private:

@@ -22,6 +22,7 @@ class LUMO_API CPrintStream : public COutputStream {
 public:
     /// A null stream throws CIllegalArgumentException "Invalid output stream.".
     CPrintStream(COutputStream* out, bool autoFlush);
+    /// Shares `out`; a null reference throws CIllegalArgumentException "Invalid output stream.".
     CPrintStream(base::CRef<COutputStream> const& out, bool autoFlush);
     ~CPrintStream() override;
 
@@ -32,6 +33,9 @@ public:
     /// Closes the wrapped stream; a second Close does nothing.
     void Close() override;
 
+    /// The value's text: "true" or "false", "%hd", "%ld", "%lu", "%g" for float and double, one
+    /// byte for a char.
+    ///@{
     virtual void Print(bool value);
     virtual void Print(short value);
     virtual void Print(long value);
@@ -39,10 +43,15 @@ public:
     virtual void Print(float value);
     virtual void Print(double value);
     virtual void Print(char value);
+    ///@}
     /// A null text prints nothing.
+    ///@{
     virtual void Print(char const* value);
     virtual void Print(base::CString const& value);
+    ///@}
 
+    /// Print(value), then the line separator; with autoflush, the wrapped stream's Flush.
+    ///@{
     virtual void Println(bool value);
     virtual void Println(short value);
     virtual void Println(long value);
@@ -53,22 +62,32 @@ public:
     virtual void Println(char const* value);
     virtual void Println(base::CString const& value);
     virtual void Println();
+    ///@}
 
+    /// The text Println appends; the platform's end of line ("\n") unless changed.
     base::CString const& GetLineSeparator() const { return m_lineSeparator; }
+    /// Replaces the text Println appends; an empty separator ends lines with nothing.
     void SetLineSeparator(base::CString const& separator) { m_lineSeparator = separator; }
 
 protected:
     /// For streams that print elsewhere than to a wrapped stream.
     CPrintStream();
 
+    /// Throws CIOException "Stream closed." after Close.
     void CheckOpen() const;
+    /// Writes the line separator, then flushes the wrapped stream with autoflush.
     void WriteNewLine();
 
+    /// The wrapped stream in either form; null after Close and for streams that print
+    /// elsewhere.
     COutputStream* m_out;
+    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
     base::CRef<COutputStream> m_outRef;
+    /// Whether each Println flushes the wrapped stream.
     bool m_autoFlush;
     /// Numbers are formatted here, so printing allocates nothing.
     char m_scratch[64];
+    /// The text Println appends.
     base::CString m_lineSeparator;
 
 private:

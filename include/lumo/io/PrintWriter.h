@@ -23,11 +23,15 @@ class LUMO_API CPrintWriter : public CWriter {
 public:
     /// A null writer throws CIllegalArgumentException "Invalid writer.".
     CPrintWriter(CWriter* writer, bool autoFlush);
+    /// Shares `writer`; a null reference throws CIllegalArgumentException "Invalid writer.".
     CPrintWriter(base::CRef<CWriter> const& writer, bool autoFlush);
     ~CPrintWriter() override;
 
+    /// Not copyable.
+    ///@{
     CPrintWriter(CPrintWriter const&) = delete;
     CPrintWriter& operator=(CPrintWriter const&) = delete;
+    ///@}
 
     void Write(base::CUnicodeString const& s, unsigned long off, unsigned long len) override;
     void Write(base::CUnicodeString const& s) override;
@@ -39,28 +43,36 @@ public:
     /// Closes the wrapped writer; a second Close does nothing.
     void Close() override;
 
-    /// true or false.
+    /// "true" or "false"; numbers as "%d" (short), "%ld", "%lu", "%f" (float), "%lf" (double).
+    ///@{
     virtual void Print(bool value);
     virtual void Print(short value);
     virtual void Print(long value);
     virtual void Print(unsigned long value);
     virtual void Print(float value);
     virtual void Print(double value);
+    ///@}
     /// One byte: an ASCII character, else U+FFFD.
     virtual void Print(char value);
     /// One UTF-16 unit.
     virtual void Print(unsigned short value);
     /// Texts print as they are; a null text prints nothing.
+    ///@{
     virtual void Print(char const* value);
     virtual void Print(base::CString const& value);
     virtual void Print(base::CUnicodeString const& value);
     virtual void Print(unsigned short const* value);
+    ///@}
     /// As numbers: "%d", "%hu", "%d", "%u".
+    ///@{
     virtual void PrintUnsignedChar(unsigned char value);
     virtual void PrintUnsignedShort(unsigned short value);
     virtual void PrintInt(int value);
     virtual void PrintUnsignedInt(unsigned int value);
+    ///@}
 
+    /// Print(value) (or the number form of the same name), then CR LF through WriteNewLine.
+    ///@{
     virtual void Println(bool value);
     virtual void Println(short value);
     virtual void Println(long value);
@@ -78,8 +90,10 @@ public:
     virtual void PrintlnInt(int value);
     virtual void PrintlnUnsignedInt(unsigned int value);
     virtual void Println();
+    ///@}
 
 protected:
+    /// Throws CIOException "Writer closed." after Close.
     void CheckOpen() const;
     /// CR LF in one write, then the wrapped writer's Flush with autoflush.
     void WriteNewLine();

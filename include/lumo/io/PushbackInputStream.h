@@ -20,6 +20,7 @@ public:
     /// of 0 throws "Invalid pushback buffer size."; a buffer that cannot be allocated
     /// throws CMemoryException.
     CPushbackInputStream(CInputStream* in, unsigned long size);
+    /// Shares `in`; failures as for the raw-pointer form.
     CPushbackInputStream(base::CRef<CInputStream> const& in, unsigned long size);
     ~CPushbackInputStream() override;
 
@@ -38,9 +39,11 @@ public:
 
     /// Throw CIOException "Pushback buffer is full." when there is no room (a block
     /// is then given back not at all). A null or unreadable block gives back nothing.
+    ///@{
     void Unread(char c);
     void Unread(char const* buf, unsigned long len);
     void Unread(char const* buf, unsigned long off, unsigned long len);
+    ///@}
 
 private:
     CPushbackInputStream(CPushbackInputStream const&);

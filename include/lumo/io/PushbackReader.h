@@ -12,7 +12,7 @@ namespace io {
 /// A reader that can give units back. The pushback buffer fills from its end:
 /// units given back one by one are read again last-first, a block given back is
 /// read again in its own order. The raw-pointer form borrows the reader, the CRef
-/// form shares it.
+/// form shares it. Use after Close throws CIOException "Reader closed.".
 class LUMO_API CPushbackReader : public CReader {
     LUMO_DECLARE_CLASS(CPushbackReader);
 
@@ -20,6 +20,7 @@ public:
     /// `size` in 16-bit units. A null reader: CIllegalArgumentException "Invalid
     /// reader."; size 0: "Invalid pushback buffer size."; no memory: CMemoryException.
     CPushbackReader(CReader* reader, unsigned long size);
+    /// Shares `reader`; failures as for the raw-pointer form.
     CPushbackReader(base::CRef<CReader> const& reader, unsigned long size);
     ~CPushbackReader() override;
 
@@ -41,9 +42,11 @@ public:
 
     /// CIOException "Pushback buffer is full." when there is no room (for a block:
     /// room for all of it); nothing is given back then.
+    ///@{
     void Unread(unsigned short c);
     void Unread(unsigned short const* buf, unsigned long len);
     void Unread(unsigned short const* buf, unsigned long off, unsigned long len);
+    ///@}
 
 private:
     void Init(unsigned long size);

@@ -20,6 +20,7 @@ public:
 
     ~CReader() override;
 
+    /// Up to `len` units into buf[off..]; the count read, or -1 at the end.
     virtual long Read(unsigned short* buf, unsigned long off, unsigned long len) = 0;
     /// Read(buf, 0, len).
     virtual long Read(unsigned short* buf, unsigned long len);
@@ -28,7 +29,9 @@ public:
     /// Reads up to n units one by one and returns the number NOT skipped (0 when all
     /// were consumed), as CInputStream::Skip does.
     virtual long Skip(unsigned long n);
+    /// Returns to the reader's start or mark, where it supports one; otherwise throws CIOException.
     virtual void Reset() = 0;
+    /// Releases the source; later reads throw CIOException where the reader checks.
     virtual void Close() = 0;
 
 protected:

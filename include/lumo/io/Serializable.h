@@ -16,13 +16,18 @@ class CDataOutputStream;
 class LUMO_API ISerializable {
 public:
     virtual ~ISerializable();
+    /// Reads the object's state back from `in`, as Serialize wrote it.
     virtual void Deserialize(CDataInputStream& in) = 0;
+    /// Writes the object's state to `out`.
     virtual void Serialize(CDataOutputStream& out) const = 0;
 
 protected:
     ISerializable() {}
+    /// Copying an interface copies nothing.
+    ///@{
     ISerializable(ISerializable const&) {}
     ISerializable& operator=(ISerializable const&) { return *this; }
+    ///@}
 };
 
 } // namespace io

@@ -13,8 +13,10 @@ class LUMO_API CUnsupportedEncodingException : public CIOException {
     LUMO_DECLARE_CLASS(CUnsupportedEncodingException);
 
 public:
+    /// No description; keeps a copy of the encoding name (null gives the empty name).
     CUnsupportedEncodingException(char const* file, unsigned long line, char const* encoding);
 
+    /// The encoding name that has no converter.
     base::CString const& GetEncoding() const { return m_encoding; }
 
 private:

@@ -19,6 +19,7 @@ class LUMO_API CWCharToCharConverter : public base::CObject {
 public:
     ~CWCharToCharConverter() override;
 
+    /// The encoding name the converter was made for, e.g. "UTF-8".
     base::CString const& GetEncoding() const { return m_encoding; }
 
     /// Converts src[srcOff .. srcOff + srcLen) into dst[dstOff .. dstOff + dstLen)
@@ -28,15 +29,19 @@ public:
     /// converted again into more room), though bytes may have been stored.
     virtual long Convert(unsigned short const* src, unsigned long srcOff, unsigned long srcLen,
                          char* dst, unsigned long dstOff, unsigned long dstLen) = 0;
+    /// Forgets the state kept between calls (a waiting high surrogate).
     virtual void Reset() = 0;
 
     /// A new converter for the encoding registered under `name` (matched exactly).
     /// A null or empty name: CIllegalArgumentException "Invalid encoding."; no such
     /// encoding: CUnsupportedEncodingException carrying the name.
+    ///@{
     static base::CRef<CWCharToCharConverter> GetConverter(char const* name);
     static base::CRef<CWCharToCharConverter> GetConverter(base::CString const& name);
+    ///@}
 
 protected:
+    /// A converter for `encoding` (copied).
     explicit CWCharToCharConverter(char const* encoding);
 
 private:
@@ -84,8 +89,10 @@ public:
     CWCharToCharConverterFactory(CWCharToCharConverterFactory const&) = delete;
     CWCharToCharConverterFactory& operator=(CWCharToCharConverterFactory const&) = delete;
 
+    /// The encoding name given at construction.
     char const* GetEncoding() const { return m_encoding; }
 
+    /// A new converter of the factory's encoding; CMemoryException when out of memory.
     virtual base::CRef<CWCharToCharConverter> CreateConverter() = 0;
 
     /// Enters `factory` under its encoding name. False for a null factory, one
@@ -96,8 +103,10 @@ public:
     static bool UnregisterConverterFactory(CWCharToCharConverterFactory* factory);
     /// The factory registered under `name`, or null. A null or empty name:
     /// CIllegalArgumentException "Invalid encoding.".
+    ///@{
     static CWCharToCharConverterFactory* GetConverterFactory(char const* name);
     static CWCharToCharConverterFactory* GetConverterFactory(base::CString const& name);
+    ///@}
 
     /// The registry: encoding name to factory.
     static util::CHashtable<base::CString, CWCharToCharConverterFactory*> m_theConverterFactories;
@@ -110,9 +119,11 @@ private:
 template <class T>
 class LUMO_API CConcreteWCharToCharConverterFactory : public CWCharToCharConverterFactory {
 public:
+    /// A factory registered under nothing yet; `encoding` is kept, not copied.
     explicit CConcreteWCharToCharConverterFactory(char const* encoding)
         : CWCharToCharConverterFactory(encoding) {}
 
+    /// A new default-constructed T.
     base::CRef<CWCharToCharConverter> CreateConverter() override {
         return base::CRef<CWCharToCharConverter>(new ("lumo/io/WCharToCharConvFactory", __LINE__)
                                                      T());

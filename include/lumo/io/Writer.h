@@ -22,6 +22,7 @@ public:
     virtual void Write(base::CUnicodeString const& s, unsigned long off, unsigned long len);
     /// The whole string; nothing for an empty one.
     virtual void Write(base::CUnicodeString const& s);
+    /// Units buf[off .. off + len - 1]; the one form subclasses must provide.
     virtual void Write(unsigned short const* buf, unsigned long off, unsigned long len) = 0;
     /// Write(buf, 0, len).
     virtual void Write(unsigned short const* buf, unsigned long len);
@@ -29,7 +30,9 @@ public:
     virtual void Write(unsigned short const* text);
     /// Write(&c, 0, 1).
     virtual void Write(unsigned short c);
+    /// Pushes buffered units on to the sink.
     virtual void Flush() = 0;
+    /// Releases the sink; later writes throw CIOException where the writer checks.
     virtual void Close() = 0;
 
 protected:

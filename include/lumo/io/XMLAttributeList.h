@@ -13,8 +13,12 @@ namespace io {
 class LUMO_API XMLAttributeList : public base::CBase {
 public:
     XMLAttributeList() noexcept;
+    /// Copies the entries (the strings are shared); CMemoryException when out of memory.
     XMLAttributeList(XMLAttributeList const& other);
+    /// Takes the other list's entries; the other list is left empty.
     XMLAttributeList(XMLAttributeList&& other) noexcept;
+    /// Replaces the entries with copies of the other list's; CMemoryException when out of memory
+    /// (the list is then unchanged).
     XMLAttributeList& operator=(XMLAttributeList const& other);
     ~XMLAttributeList();
 
@@ -30,10 +34,12 @@ public:
     unsigned long GetLength() const noexcept { return m_count; }
     /// The parts of the attribute at `index`; an index past the end throws
     /// CArrayIndexOutOfBoundsException.
+    ///@{
     base::CUnicodeString const& GetQualifiedName(unsigned long index) const;
     base::CUnicodeString const& GetLocalName(unsigned long index) const;
     base::CUnicodeString const& GetNamespaceURI(unsigned long index) const;
     base::CUnicodeString const& GetValue(unsigned long index) const;
+    ///@}
 
     /// Whether an attribute of that local name and namespace URI (empty for none) is
     /// present. A null local name throws CXMLException "Invalid local name.", a null

@@ -16,6 +16,7 @@ namespace io {
 /// "lumo/io/XMLDOMStartElementToken".
 class LUMO_API CXMLDOMStartElementToken : public IXMLStartElementToken, public CXMLDOMElementToken {
 public:
+    /// The start token for an `element` node of `document`.
     CXMLDOMStartElementToken(DOM_Document const& document, xercesc::DOMNode* element) noexcept
         : CXMLDOMElementToken(XMLTokenStartElement, document, element) {}
     ~CXMLDOMStartElementToken() override;
@@ -28,9 +29,11 @@ public:
     bool HasAttribute(unsigned short const* qualifiedName) const override;
     /// The attribute's value. Null names as HasAttribute; a missing attribute: "No such
     /// attibute."; any other failure: "Failed to get the specified attribute.".
+    ///@{
     base::CUnicodeString GetAttribute(unsigned short const* localName,
                                       unsigned short const* namespaceURI) const override;
     base::CUnicodeString GetAttribute(unsigned short const* qualifiedName) const override;
+    ///@}
 
     /// A copy of all attributes in the node's order (the DOM keeps no document order
     /// of attributes). Throws CMemoryException when out of memory.

@@ -27,6 +27,7 @@ public:
     DOM_Document const& GetDocument() const noexcept { return m_document; }
 
 protected:
+    /// A token of kind `type` for `node`, which must belong to `document`.
     CXMLDOMToken(XMLTokenType type, DOM_Document const& document, xercesc::DOMNode* node) noexcept
         : CXMLToken(type), m_document(document), m_node(node) {}
 
@@ -40,6 +41,7 @@ private:
 /// declare the entity).
 class LUMO_API CXMLDOMTextToken : public IXMLTextToken, public CXMLDOMToken {
 public:
+    /// The token for a text or entity reference `node` of `document`.
     CXMLDOMTextToken(DOM_Document const& document, xercesc::DOMNode* node) noexcept
         : CXMLDOMToken(XMLTokenText, document, node) {}
     ~CXMLDOMTextToken() override;
@@ -49,6 +51,7 @@ public:
 /// A CDATA section node (type 4): the section's content.
 class LUMO_API CXMLDOMCDATAToken : public IXMLCDATAToken, public CXMLDOMToken {
 public:
+    /// The token for a CDATA section `node` of `document`.
     CXMLDOMCDATAToken(DOM_Document const& document, xercesc::DOMNode* node) noexcept
         : CXMLDOMToken(XMLTokenCDATA, document, node) {}
     ~CXMLDOMCDATAToken() override;
@@ -58,6 +61,7 @@ public:
 /// A comment node (type 1): the comment's text.
 class LUMO_API CXMLDOMCommentToken : public IXMLCommentToken, public CXMLDOMToken {
 public:
+    /// The token for a comment `node` of `document`.
     CXMLDOMCommentToken(DOM_Document const& document, xercesc::DOMNode* node) noexcept
         : CXMLDOMToken(XMLTokenComment, document, node) {}
     ~CXMLDOMCommentToken() override;
@@ -67,6 +71,7 @@ public:
 /// A processing instruction node (type 2): GetValue is the target, GetData the data.
 class LUMO_API CXMLDOMPIToken : public IXMLPIToken, public CXMLDOMToken {
 public:
+    /// The token for a processing instruction `node` of `document`.
     CXMLDOMPIToken(DOM_Document const& document, xercesc::DOMNode* node) noexcept
         : CXMLDOMToken(XMLTokenProcessingInstruction, document, node) {}
     ~CXMLDOMPIToken() override;
@@ -88,6 +93,7 @@ public:
     base::CUnicodeString GetNamespaceURI() const override;
 
 protected:
+    /// A token of kind `type` for an `element` node of `document`.
     CXMLDOMElementToken(XMLTokenType type, DOM_Document const& document,
                         xercesc::DOMNode* element) noexcept
         : CXMLDOMToken(type, document, element) {}
@@ -96,6 +102,7 @@ protected:
 /// The end of an element node (type 6).
 class LUMO_API CXMLDOMEndElementToken : public IXMLEndElementToken, public CXMLDOMElementToken {
 public:
+    /// The end token for an `element` node of `document`.
     CXMLDOMEndElementToken(DOM_Document const& document, xercesc::DOMNode* element) noexcept
         : CXMLDOMElementToken(XMLTokenEndElement, document, element) {}
     ~CXMLDOMEndElementToken() override;

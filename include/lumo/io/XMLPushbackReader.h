@@ -94,20 +94,25 @@ public:
     /// name (null or empty: CXMLException "Invalid local name.") or by local name and
     /// namespace URI (the qualified name is then the local name; the checks of
     /// ReadStartElement(local, uri)). A full buffer: "Pushback buffer is full.".
+    ///@{
     void UnreadStartElement(unsigned short const* name);
     void UnreadStartElement(unsigned short const* localName, unsigned short const* namespaceURI);
+    ///@}
     /// As UnreadStartElement, for an end-element token.
+    ///@{
     void UnreadEndElement(unsigned short const* name);
     void UnreadEndElement(unsigned short const* localName, unsigned short const* namespaceURI);
+    ///@}
     /// Pushes back a text token (type 3). Null or empty text: CXMLException "Invalid
     /// element text." (an empty element cannot be pushed back through it).
     void UnreadElementText(unsigned short const* text);
 
-    /// Push back the whole element <name>value</name>: bool as "true" or "false",
+    /// Push back the whole element `<name>value</name>`: bool as "true" or "false",
     /// short "%hd", long "%ld", float "%g", double "%lg", a string as it is (null or
     /// empty: CXMLException "Invalid element text.", checked after the names). Names
     /// are checked as for UnreadStartElement, then that the reader is open. Three
     /// free slots are needed (see the class comment).
+    ///@{
     void UnreadElementBool(unsigned short const* name, bool value);
     void UnreadElementBool(unsigned short const* localName, unsigned short const* namespaceURI,
                            bool value);
@@ -126,6 +131,7 @@ public:
     void UnreadElementString(unsigned short const* name, unsigned short const* value);
     void UnreadElementString(unsigned short const* localName, unsigned short const* namespaceURI,
                              unsigned short const* value);
+    ///@}
 
 private:
     struct CElementName;

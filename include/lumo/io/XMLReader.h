@@ -67,21 +67,28 @@ public:
     virtual bool ReadToken() = 0;
     /// Forward searches for a start element: by local name and URI, by qualified name,
     /// or the next one of any name.
+    ///@{
     virtual void ReadStartElement(unsigned short const* localName,
                                   unsigned short const* namespaceURI) = 0;
     virtual void ReadStartElement(unsigned short const* name) = 0;
     virtual void ReadStartElement() = 0;
+    ///@}
     /// Whether the current start element has the attribute; when the current token
     /// is not a start element: "Attributes available only in start element nodes.".
+    ///@{
     virtual bool HasAttribute(unsigned short const* localName, unsigned short const* namespaceURI);
     virtual bool HasAttribute(unsigned short const* name);
+    ///@}
     /// The attribute's value, untrimmed; failures as HasAttribute, and the token's
     /// CXMLException "No such attribute." for a missing one.
+    ///@{
     virtual base::CUnicodeString ReadAttribute(unsigned short const* localName,
                                                unsigned short const* namespaceURI);
     virtual base::CUnicodeString ReadAttribute(unsigned short const* name);
+    ///@}
     /// Typed attributes: the value is converted like the typed reads above but not
     /// trimmed; an invalid unsigned long says "Invalid unsigned long literal.".
+    ///@{
     virtual bool ReadAttrBool(unsigned short const* localName, unsigned short const* namespaceURI);
     virtual bool ReadAttrBool(unsigned short const* name);
     virtual short ReadAttrShort(unsigned short const* localName,
@@ -98,24 +105,32 @@ public:
     virtual double ReadAttrDouble(unsigned short const* localName,
                                   unsigned short const* namespaceURI);
     virtual double ReadAttrDouble(unsigned short const* name);
+    ///@}
     /// Forward searches for an end element, as the start-element searches.
+    ///@{
     virtual void ReadEndElement(unsigned short const* localName,
                                 unsigned short const* namespaceURI) = 0;
     virtual void ReadEndElement(unsigned short const* name) = 0;
     virtual void ReadEndElement() = 0;
+    ///@}
     /// Reads up to the next text and joins the text that follows it, making it the
     /// current token; the first form also stores it in `text`.
+    ///@{
     virtual void ReadElementText(base::CUnicodeString& text) = 0;
     virtual void ReadElementText() = 0;
+    ///@}
     /// Joins text as ReadElementText when the next token is text; otherwise leaves
     /// that token to be read next and returns false.
     virtual bool ReadElementTextIfAvailable() = 0;
     /// Skips to the next CDATA token ("End of stream reached." when there is none;
     /// "Failed to read XML CDATA token." on another failure) and stores its value.
+    ///@{
     virtual void ReadCDATA(base::CUnicodeString& text);
     virtual void ReadCDATA();
+    ///@}
     /// Element reads with typed content: the start element, its text read as the
     /// typed read of the same type, then its end element.
+    ///@{
     virtual bool ReadElementBool(unsigned short const* localName,
                                  unsigned short const* namespaceURI);
     virtual bool ReadElementBool(unsigned short const* name);
@@ -134,13 +149,17 @@ public:
     virtual double ReadElementDouble(unsigned short const* localName,
                                      unsigned short const* namespaceURI);
     virtual double ReadElementDouble(unsigned short const* name);
+    ///@}
     /// The element's text, "" for an empty element; "Failed to read element with
     /// string content." when the text token vanished during the read.
+    ///@{
     virtual base::CUnicodeString ReadElementString(unsigned short const* localName,
                                                    unsigned short const* namespaceURI);
     virtual base::CUnicodeString ReadElementString(unsigned short const* name);
+    ///@}
     /// The element's text decoded into a new buffer the caller frees with free(); an
-    /// empty element (<a/>, <a></a>) is the empty block: a null buffer and size 0.
+    /// empty element (`<a/>`, `<a></a>`) is the empty block: a null buffer and size 0.
+    ///@{
     virtual void ReadElementBinHex(unsigned short const* localName,
                                    unsigned short const* namespaceURI, char*& data,
                                    unsigned long& size);
@@ -149,6 +168,7 @@ public:
                                    unsigned short const* namespaceURI, char*& data,
                                    unsigned long& size);
     virtual void ReadElementBase64(unsigned short const* name, char*& data, unsigned long& size);
+    ///@}
     /// Lets the object read itself from this reader (IXMLSerializable::ReadXML).
     virtual void ReadObject(IXMLSerializable& object);
     /// Releases the source; later reads fail.

@@ -24,8 +24,11 @@ public:
 
 protected:
     IXMLSerializable() {}
+    /// Copying an interface copies nothing.
+    ///@{
     IXMLSerializable(IXMLSerializable const&) {}
     IXMLSerializable& operator=(IXMLSerializable const&) { return *this; }
+    ///@}
 };
 
 } // namespace io

@@ -29,7 +29,7 @@ class CXMLTextWriterContextStack;
 /// indentation. A start tag stays open ("<name" and its attributes) until the next
 /// content, child or end: WriteEndElement then prints the short form "/>". An
 /// element written with its value (WriteElementString and the typed element writes)
-/// takes one line: <name>value</name>.
+/// takes one line: `<name>value</name>`.
 ///
 /// Text and attribute values are escaped in one pass: "&" "<" ">" "'" and the
 /// quotation mark become &amp; &lt; &gt; &apos; &quot;. Comments, CDATA sections
@@ -162,7 +162,7 @@ public:
     void WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                             double value) override;
     void WriteElementDouble(unsigned short const* name, double value) override;
-    /// A null value gives an empty element in the long form, <name></name>.
+    /// A null value gives an empty element in the long form, `<name></name>`.
     void WriteElementString(unsigned short const* local, unsigned short const* uri,
                             unsigned short const* value) override;
     void WriteElementString(unsigned short const* name, unsigned short const* value) override;
@@ -218,13 +218,16 @@ public:
     void Close() override;
 
     /// Content as numbers through the print writer: "%d", "%d", "%hu", "%d", "%u".
+    ///@{
     void WriteChar(char value);
     void WriteUnsignedChar(unsigned char value);
     void WriteUnsignedShort(unsigned short value);
     void WriteInt(int value);
     void WriteUnsignedInt(unsigned int value);
+    ///@}
     /// Elements and attributes with a number: char "%d", unsigned char "%u",
     /// unsigned short "%hu", 64-bit "%lld" and "%llu".
+    ///@{
     void WriteElementChar(unsigned short const* local, unsigned short const* uri, char value);
     void WriteElementChar(unsigned short const* name, char value);
     void WriteElementUnsignedChar(unsigned short const* local, unsigned short const* uri,
@@ -251,8 +254,10 @@ public:
     void WriteAttrUnsignedInt64(unsigned short const* local, unsigned short const* uri,
                                 unsigned long long value);
     void WriteAttrUnsignedInt64(unsigned short const* name, unsigned long long value);
+    ///@}
 
     /// Content: the same as WriteBool ... WriteDouble and WriteString.
+    ///@{
     void Write(bool value) { WriteBool(value); }
     void Write(short value) { WriteShort(value); }
     void Write(long value) { WriteLong(value); }
@@ -260,6 +265,7 @@ public:
     void Write(float value) { WriteFloat(value); }
     void Write(double value) { WriteDouble(value); }
     void Write(unsigned short const* text) { WriteString(text); }
+    ///@}
 
 private:
     class CCallScope;

@@ -88,9 +88,11 @@ public:
     virtual bool HasAttribute(unsigned short const* qualifiedName) const = 0;
     /// The attribute's value; a missing attribute throws CXMLException (the text
     /// tokens say "No such attribute.").
+    ///@{
     virtual base::CUnicodeString GetAttribute(unsigned short const* localName,
                                               unsigned short const* namespaceURI) const = 0;
     virtual base::CUnicodeString GetAttribute(unsigned short const* qualifiedName) const = 0;
+    ///@}
 };
 
 /// An end tag (type 6).
@@ -102,6 +104,7 @@ public:
 /// The implementation base of the text tokenizer's tokens: it holds the type.
 class LUMO_API CXMLToken : public virtual IXMLToken {
 public:
+    /// A token of kind `type`.
     explicit CXMLToken(XMLTokenType type) noexcept : m_type(type) {}
     ~CXMLToken() override;
 
@@ -115,8 +118,10 @@ public:
     /// A reader makes and drops one token per markup event, so tokens come from the
     /// library's per-thread block cache rather than from the heap each time. A failed
     /// allocation throws CMemoryException.
+    ///@{
     static void* operator new(std::size_t size);
     static void operator delete(void* block, std::size_t size) noexcept;
+    ///@}
 
 private:
     XMLTokenType m_type;
@@ -125,6 +130,7 @@ private:
 /// Character data held as a copied string.
 class LUMO_API CXMLTextToken : public IXMLTextToken, public CXMLToken {
 public:
+    /// Holds a copy of `value` (shared, copy-on-write).
     explicit CXMLTextToken(base::CUnicodeString const& value) noexcept;
     ~CXMLTextToken() override;
     base::CUnicodeString GetValue() const override;
@@ -136,6 +142,7 @@ private:
 /// CDATA section content held as a copied string.
 class LUMO_API CXMLCDATAToken : public IXMLCDATAToken, public CXMLToken {
 public:
+    /// Holds a copy of `value` (shared, copy-on-write).
     explicit CXMLCDATAToken(base::CUnicodeString const& value) noexcept;
     ~CXMLCDATAToken() override;
     base::CUnicodeString GetValue() const override;
@@ -147,6 +154,7 @@ private:
 /// A comment held as a copied string.
 class LUMO_API CXMLCommentToken : public IXMLCommentToken, public CXMLToken {
 public:
+    /// Holds a copy of `value` (shared, copy-on-write).
     explicit CXMLCommentToken(base::CUnicodeString const& value) noexcept;
     ~CXMLCommentToken() override;
     base::CUnicodeString GetValue() const override;
@@ -158,6 +166,7 @@ private:
 /// A processing instruction held as copied target and data.
 class LUMO_API CXMLPIToken : public IXMLPIToken, public CXMLToken {
 public:
+    /// Holds copies of the target and the data.
     CXMLPIToken(base::CUnicodeString const& target, base::CUnicodeString const& data) noexcept;
     ~CXMLPIToken() override;
     base::CUnicodeString GetValue() const override;
@@ -197,19 +206,25 @@ private:
 /// A start tag with its names and a copy of its attribute list.
 class LUMO_API CXMLStartElementToken : public IXMLStartElementToken, public CXMLElementToken {
 public:
+    /// A start tag with a copy of `attributes`, in the namespace form or by qualified name alone
+    /// (local name = qualified name, empty URI). CMemoryException when the list cannot be copied.
+    ///@{
     CXMLStartElementToken(base::CUnicodeString const& namespaceURI,
                           base::CUnicodeString const& localName,
                           base::CUnicodeString const& qualifiedName,
                           XMLAttributeList const& attributes);
     CXMLStartElementToken(base::CUnicodeString const& qualifiedName,
                           XMLAttributeList const& attributes);
+    ///@}
     /// The same, taking the list over instead of copying it.
+    ///@{
     CXMLStartElementToken(base::CUnicodeString const& namespaceURI,
                           base::CUnicodeString const& localName,
                           base::CUnicodeString const& qualifiedName,
                           XMLAttributeList&& attributes) noexcept;
     CXMLStartElementToken(base::CUnicodeString const& qualifiedName,
                           XMLAttributeList&& attributes) noexcept;
+    ///@}
     ~CXMLStartElementToken() override;
 
     bool HasAttribute(unsigned short const* localName,
@@ -229,10 +244,14 @@ private:
 /// An end tag with its names.
 class LUMO_API CXMLEndElementToken : public IXMLEndElementToken, public CXMLElementToken {
 public:
+    /// An end tag in the namespace form, or by qualified name alone (local name = qualified name,
+    /// empty URI).
+    ///@{
     CXMLEndElementToken(base::CUnicodeString const& namespaceURI,
                         base::CUnicodeString const& localName,
                         base::CUnicodeString const& qualifiedName) noexcept;
     explicit CXMLEndElementToken(base::CUnicodeString const& qualifiedName) noexcept;
+    ///@}
     ~CXMLEndElementToken() override;
 };
 

@@ -31,8 +31,11 @@ class LUMO_API CXMLWriter : public base::CObject {
 public:
     ~CXMLWriter() override;
 
+    /// Writers are not copyable.
+    ///@{
     CXMLWriter(CXMLWriter const&) = delete;
     CXMLWriter& operator=(CXMLWriter const&) = delete;
+    ///@}
 
     /// Starts the document (the XML declaration).
     virtual void WriteStartDocument() = 0;
@@ -62,6 +65,7 @@ public:
     virtual void WriteFullEndElement() = 0;
 
     /// Typed elements: an element with the value as its only content.
+    ///@{
     virtual void WriteElementBool(unsigned short const* local, unsigned short const* uri,
                                   bool value);
     virtual void WriteElementBool(unsigned short const* name, bool value);
@@ -80,11 +84,15 @@ public:
     virtual void WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                                     double value);
     virtual void WriteElementDouble(unsigned short const* name, double value);
+    ///@}
     /// The element primitive the typed element defaults delegate to.
+    ///@{
     virtual void WriteElementString(unsigned short const* local, unsigned short const* uri,
                                     unsigned short const* value) = 0;
     virtual void WriteElementString(unsigned short const* name, unsigned short const* value) = 0;
+    ///@}
     /// Binary elements: bytes data[offset .. offset + length) as binhex or base64.
+    ///@{
     virtual void WriteElementBinHex(unsigned short const* local, unsigned short const* uri,
                                     char const* data, unsigned long offset, unsigned long length);
     virtual void WriteElementBinHex(unsigned short const* name, char const* data,
@@ -93,19 +101,25 @@ public:
                                     char const* data, unsigned long offset, unsigned long length);
     virtual void WriteElementBase64(unsigned short const* name, char const* data,
                                     unsigned long offset, unsigned long length);
+    ///@}
 
     /// An attribute of the open start tag.
+    ///@{
     virtual void WriteAttribute(unsigned short const* prefix, unsigned short const* local,
                                 unsigned short const* uri, unsigned short const* value) = 0;
     virtual void WriteAttribute(unsigned short const* local, unsigned short const* uri,
                                 unsigned short const* value) = 0;
     virtual void WriteAttribute(unsigned short const* name, unsigned short const* value) = 0;
+    ///@}
     /// Namespace declarations on the open start tag.
+    ///@{
     virtual void WriteAttrDefaultNamespaceDeclaration(unsigned short const* uri) = 0;
     virtual void WriteAttrNamespaceDeclaration(unsigned short const* prefix,
                                                unsigned short const* uri) = 0;
+    ///@}
 
     /// Typed attributes of the open start tag.
+    ///@{
     virtual void WriteAttrBool(unsigned short const* local, unsigned short const* uri, bool value);
     virtual void WriteAttrBool(unsigned short const* name, bool value);
     virtual void WriteAttrShort(unsigned short const* local, unsigned short const* uri,
@@ -122,20 +136,25 @@ public:
     virtual void WriteAttrDouble(unsigned short const* local, unsigned short const* uri,
                                  double value);
     virtual void WriteAttrDouble(unsigned short const* name, double value);
+    ///@}
 
     /// Typed content of the current element.
+    ///@{
     virtual void WriteBool(bool value);
     virtual void WriteShort(short value);
     virtual void WriteLong(long value);
     virtual void WriteUnsignedLong(unsigned long value);
     virtual void WriteFloat(float value);
     virtual void WriteDouble(double value);
+    ///@}
     /// Text content of the current element (null: nothing).
     virtual void WriteString(unsigned short const* text) = 0;
     /// Bytes data[offset .. offset + length) as base64 or binhex text content. A null
     /// buffer writes the empty text.
+    ///@{
     virtual void WriteBase64(char const* data, unsigned long offset, unsigned long length);
     virtual void WriteBinHex(char const* data, unsigned long offset, unsigned long length);
+    ///@}
     /// Lets `object` write itself here (its WriteXML with this writer).
     virtual void WriteObject(IXMLSerializable const& object);
     /// Hands everything written so far to the output.

@@ -18,7 +18,9 @@ public:
     /// Copies the 4 bytes at `address`; the name is not looked up yet. A null or
     /// unreadable pointer throws CIllegalArgumentException "Invalid IPv4 address.".
     explicit CInetAddress(unsigned char const* address);
+    /// Copies the bytes and the cached name.
     CInetAddress(CInetAddress const& other);
+    /// Copies the bytes and the cached name.
     CInetAddress& operator=(CInetAddress const& other);
     ~CInetAddress();
 
@@ -35,6 +37,7 @@ public:
 
     /// Compare the 4 bytes only; names and lookup flags are ignored.
     bool operator==(CInetAddress const& other) const;
+    /// The negation of ==.
     bool operator!=(CInetAddress const& other) const { return !(*this == other); }
 
     /// The first IPv4 address of `host`, a name or dotted text; its name is not filled

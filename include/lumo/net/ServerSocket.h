@@ -28,8 +28,11 @@ public:
     CServerSocket(unsigned short port, unsigned long backlog, CInetAddress const& bindAddress);
     ~CServerSocket() override;
 
+    /// Not copyable: the server socket owns its listening socket.
+    ///@{
     CServerSocket(CServerSocket const&) = delete;
     CServerSocket& operator=(CServerSocket const&) = delete;
+    ///@}
 
     /// The next connection, waiting at most the stored timeout (0: without limit).
     /// The new socket starts with timeout 0.
@@ -44,9 +47,11 @@ public:
 
     /// The bind address as given (a copy) and the port listened on.
     base::CRef<CInetAddress> GetInetAddress() const;
+    /// The port listened on (the one the system picked for port 0).
     unsigned short GetLocalPort() const;
     /// The accept timeout in milliseconds (0 at the start); SetTimeout only stores it.
     unsigned long GetTimeout() const;
+    /// Stores the accept timeout in milliseconds for the next accepts; 0 waits without limit.
     void SetTimeout(unsigned long timeout);
 
     /// Stops listening; closing a closed server socket does nothing.

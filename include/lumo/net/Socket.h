@@ -11,6 +11,7 @@ namespace io {
 class CInputStream;
 class COutputStream;
 } // namespace io
+/// IPv4 addresses and name lookup, TCP client and server sockets and their implementations.
 namespace net {
 
 class CServerSocket;
@@ -36,27 +37,33 @@ public:
     /// As the two above with `host` resolved as CInetAddress::GetByName does
     /// (CIllegalArgumentException "Invalid host name." for a null or empty name,
     /// CUnknownHostException for one that does not resolve).
+    ///@{
     CSocket(char const* host, unsigned short port);
     CSocket(char const* host, unsigned short port, CInetAddress const& localAddress,
             unsigned short localPort);
+    ///@}
     /// Releases this holding; the last holder of the implementation closes the socket.
     ~CSocket() override;
 
     /// The remote address (a copy) and port.
     base::CRef<CInetAddress> GetInetAddress() const;
+    /// The remote port.
     unsigned short GetPort() const;
     /// The local address (a copy; the bind address as given when bound) and port.
     base::CRef<CInetAddress> GetLocalInetAddress() const;
+    /// The local port.
     unsigned short GetLocalPort() const;
 
     /// The read timeout in milliseconds; 0 (the start value) waits without limit.
     /// SetTimeout only stores it. A read waits t / 1000 s plus t % 1000 microseconds.
     unsigned long GetTimeout() const;
+    /// Stores the read timeout in milliseconds for the next reads; 0 waits without limit.
     void SetTimeout(unsigned long timeout);
 
     /// The bool options SO_KEEPALIVE, SO_OOBINLINE, SO_REUSEADDR and TCP_NODELAY
     /// (CWinSocketException "Failed to get the specified option." / "Failed to set the
     /// specified option." when the system refuses, e.g. on a closed socket).
+    ///@{
     bool GetKeepAlive() const;
     void SetKeepAlive(bool on);
     bool GetOOBInline() const;
@@ -65,11 +72,14 @@ public:
     void SetReuseAddress(bool on);
     bool GetTCPNoDelay() const;
     void SetTCPNoDelay(bool on);
+    ///@}
 
     /// The streams over the connection, owned by the socket: never delete them. They
     /// follow CWinSocketImpl's read and send rules (a peer that closed reads as 0).
+    ///@{
     io::CInputStream* GetInputStream() const;
     io::COutputStream* GetOutputStream() const;
+    ///@}
 
     /// Closes the connection; later operations fail with CWinSocketException (EBADF).
     /// Closing a closed socket does nothing.
@@ -77,6 +87,7 @@ public:
 
     /// Equal when they share one implementation.
     bool operator==(CSocket const& other) const { return m_impl == other.m_impl; }
+    /// True when they do not share one implementation.
     bool operator!=(CSocket const& other) const { return m_impl != other.m_impl; }
 
 protected:
@@ -84,6 +95,7 @@ protected:
     /// sockets over implementations of their own.
     explicit CSocket(base::CRef<CSocketImpl> const& impl);
 
+    /// The implementation behind the socket.
     base::CRef<CSocketImpl> const& GetImpl() const { return m_impl; }
 
 private:

@@ -7,6 +7,8 @@
 namespace lumo {
 namespace net {
 
+/// A socket operation that failed or was called in the wrong state (not connected, already bound,
+/// closed).
 LUMO_EXCEPTION_2(CSocketException, io::CIOException);
 
 } // namespace net

@@ -29,31 +29,50 @@ class LUMO_API CSocketImpl : public base::CObject {
     LUMO_DECLARE_CLASS(CSocketImpl);
 
 public:
+    /// Option ids: IP_MULTICAST_LOOP (bool).
     static constexpr long Option_MulticastLoop = 0;
+    /// IP_TOS (int).
     static constexpr long Option_TypeOfService = 1;
+    /// SO_BROADCAST (bool).
     static constexpr long Option_Broadcast = 2;
+    /// SO_KEEPALIVE (bool).
     static constexpr long Option_KeepAlive = 3;
+    /// SO_LINGER (int: seconds, -1 when off).
     static constexpr long Option_Linger = 4;
+    /// SO_OOBINLINE (bool).
     static constexpr long Option_OOBInline = 5;
+    /// SO_RCVBUF (int).
     static constexpr long Option_ReceiveBuffer = 6;
+    /// SO_REUSEADDR (bool).
     static constexpr long Option_ReuseAddress = 7;
+    /// SO_SNDBUF (int).
     static constexpr long Option_SendBuffer = 8;
+    /// TCP_NODELAY (bool).
     static constexpr long Option_TCPNoDelay = 9;
 
     ~CSocketImpl() override;
 
+    /// Not copyable: an implementation owns its system socket.
+    ///@{
     CSocketImpl(CSocketImpl const&) = delete;
     CSocketImpl& operator=(CSocketImpl const&) = delete;
+    ///@}
 
+    /// The bool option `id`; CSocketException for an unknown id or an int option.
     virtual bool GetBoolOption(long id) = 0;
+    /// Sets the bool option `id`; CSocketException for an unknown id or an int option.
     virtual void SetBoolOption(long id, bool value) = 0;
+    /// The int option `id`; CSocketException for an unknown id or a bool option.
     virtual long GetIntOption(long id) = 0;
+    /// Sets the int option `id`; CSocketException for an unknown id or a bool option.
     virtual void SetIntOption(long id, long value) = 0;
     /// Bytes that can be read without waiting.
     virtual unsigned long GetAvailable() = 0;
     /// The streams over the connection, owned by the implementation (never null).
+    ///@{
     virtual io::CInputStream* GetInputStream() = 0;
     virtual io::COutputStream* GetOutputStream() = 0;
+    ///@}
     /// Makes the system socket; `listening` for one that will accept connections.
     /// An implementation that already has a socket keeps it.
     virtual void Create(bool listening) = 0;
@@ -61,6 +80,7 @@ public:
     virtual void Close() = 0;
     /// True once a connect has completed or for an accepted connection, until Close.
     virtual bool IsConnected() const = 0;
+    /// Connects to `port` of `address` within the stored timeout (0: a blocking connect).
     virtual void Connect(CInetAddress const& address, unsigned short port) = 0;
     /// Binds to a local address and port (AnyInetAddress: every interface; port 0: one
     /// the system picks).
@@ -72,13 +92,17 @@ public:
     /// Accepts the next connection within `timeout` ms (0: without limit), for this
     /// call only; the stored timeout is left as it is.
     virtual base::CRef<CSocketImpl> Accept(unsigned long timeout) = 0;
+    /// Starts listening with at most `backlog` waiting connections (the system may round it).
     virtual void Listen(unsigned long backlog) = 0;
 
-    /// The remote address and port; empty and 0 until connected.
+    /// The remote address (a copy) and port; empty and 0 until connected. A copy
+    /// that cannot be allocated throws CException "Memory full.".
     base::CRef<CInetAddress> GetInetAddress() const;
+    /// The remote port; 0 until connected.
     unsigned short GetPort() const { return m_port; }
     /// The local address and port; empty and 0 until bound or connected.
     base::CRef<CInetAddress> GetLocalInetAddress() const;
+    /// The local port; 0 until bound or connected.
     unsigned short GetLocalPort() const { return m_localPort; }
     /// The read and accept timeout in milliseconds; 0 waits without limit.
     unsigned long GetTimeout() const { return m_timeout; }
@@ -88,8 +112,11 @@ public:
 protected:
     CSocketImpl();
 
+    /// Records the remote address (copied) and port.
     void SetRemote(CInetAddress const& address, unsigned short port);
+    /// Records the local address (copied) and port.
     void SetLocal(CInetAddress const& address, unsigned short port);
+    /// True once a local address is recorded.
     bool HasLocal() const { return !m_localAddress.IsNull(); }
 
 private:

@@ -14,6 +14,7 @@ class LUMO_API CUnknownHostException : public io::CIOException {
     LUMO_DECLARE_CLASS(CUnknownHostException);
 
 public:
+    /// Described as "Unknown host name."; keeps a copy of `hostName` (null gives the empty text).
     CUnknownHostException(char const* file, unsigned long line, char const* hostName);
 
     /// The name that did not resolve, as given (the empty text for a null name).

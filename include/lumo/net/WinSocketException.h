@@ -13,9 +13,11 @@ class LUMO_API CWinSocketException : public CSocketException {
     LUMO_DECLARE_CLASS(CWinSocketException);
 
 public:
+    /// The system's text for `errorCode` becomes the message (none for code 0).
     CWinSocketException(char const* file, unsigned long line, char const* errorDescription,
                         unsigned long errorCode);
 
+    /// The system's error code (an errno value on POSIX).
     unsigned long GetErrorCode() const { return m_errorCode; }
 
 private:

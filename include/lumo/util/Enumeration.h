@@ -9,6 +9,7 @@
 #include <cstdint>
 
 namespace lumo {
+/// Containers of objects, values and strings, their enumerations, and tokenizers.
 namespace util {
 
 /// One pass over the elements of a container. The elements stay the container's;
@@ -16,6 +17,7 @@ namespace util {
 template <class T> class IEnumeration : public base::CBase {
 public:
     virtual ~IEnumeration() {}
+    /// True while NextElement has an element to give.
     virtual bool HasMoreElements() const = 0;
     /// The complement of HasMoreElements; enumerations may answer it more cheaply.
     virtual bool IsExhausted() const { return !HasMoreElements(); }
@@ -29,6 +31,7 @@ public:
 /// handle deletes it.
 template <class T> class CEnumeration {
 public:
+    /// An empty handle; its operations throw CNullReferenceException.
     CEnumeration() noexcept : m_block(nullptr) {}
 
     /// Takes over `enumeration` (null gives an empty handle). Should the shared
@@ -45,11 +48,13 @@ public:
         }
     }
 
+    /// Shares the other handle's enumeration.
     CEnumeration(CEnumeration const& other) noexcept : m_block(other.m_block) {
         if (m_block != nullptr)
             ++m_block->count;
     }
 
+    /// Shares the other handle's enumeration and lets go of its own.
     CEnumeration& operator=(CEnumeration const& other) noexcept {
         CEnumeration copy(other); // safe when `other` is this handle
         Block* const block = copy.m_block;
@@ -61,9 +66,11 @@ public:
     ~CEnumeration() { Release(); }
 
     /// CNullReferenceException on an empty handle.
+    ///@{
     bool HasMoreElements() const { return Get()->HasMoreElements(); }
     T* NextElement() { return Get()->NextElement(); }
     void Reset() { Get()->Reset(); }
+    ///@}
 
     /// The enumeration object, or null for an empty handle.
     IEnumeration<T>* GetEnumeration() const {

@@ -19,9 +19,11 @@ namespace util {
 /// units, h = h*37 + unit over every unit; from 16 units on, h = h*39 + unit at
 /// every (length/8)-th position, so long keys cost a bounded time. Wraps at 32
 /// bits; bytes count unsigned; a null or empty text hashes to 0.
+///@{
 LUMO_API std::int32_t GetStringHashCode(char const* text);
 LUMO_API std::int32_t GetCStringHashCode(base::CString const& text);
 LUMO_API std::int32_t GetCUnicodeStringHashCode(base::CUnicodeString const& text);
+///@}
 
 } // namespace util
 } // namespace lumo

@@ -24,6 +24,7 @@ namespace util {
 /// Hash codes of the key types the library hashes by value: its strings (by the
 /// library's text hash), integers and enumerations (folded to 32 bits) and
 /// pointers (by address). Other key types specialize CHashTraits.
+///@{
 inline std::int32_t HashCodeOf(base::CString const& key) {
     return GetCStringHashCode(key);
 }
@@ -40,10 +41,13 @@ HashCodeOf(T key) {
 template <class T> inline std::int32_t HashCodeOf(T* key) {
     return HashCodeOf(reinterpret_cast<std::uintptr_t>(key));
 }
+///@}
 
 /// How a CHashtable hashes and compares its keys.
 template <class K> struct CHashTraits {
+    /// The key's hash code, by HashCodeOf.
     static std::int32_t GetHashCode(K const& key) { return HashCodeOf(key); }
+    /// Whether a stored key equals `key` (by ==); `key` may be of any type comparable with K.
     template <class Q> static bool Equals(K const& stored, Q const& key) { return stored == key; }
 };
 
@@ -59,6 +63,8 @@ template <class K, class V, class Traits> class HashtableElementEnumeration;
 /// throws CMemoryException and leaves the table unchanged.
 template <class K, class V, class Traits = CHashTraits<K>> class CHashtable {
 public:
+    /// An empty table; a capacity below 12 becomes 101 and a load factor not above 0 becomes 0.75.
+    /// CMemoryException when the buckets cannot be allocated.
     explicit CHashtable(long initialCapacity = 101, float loadFactor = 0.75f)
         : CHashtable("lumo/util/Hashtable", initialCapacity, loadFactor) {}
 
@@ -81,6 +87,8 @@ public:
         }
     }
 
+    /// Replaces the contents with copies of the other table's (copy first, so a failure leaves this
+    /// table as it was).
     CHashtable& operator=(CHashtable const& other) {
         if (this != &other) {
             CHashtable copy(other);
@@ -91,8 +99,11 @@ public:
 
     ~CHashtable() { FreeEntries(); }
 
+    /// The number of keys.
     unsigned long GetSize() const { return m_chain.Count(); }
+    /// True when the table holds no key.
     bool IsEmpty() const { return m_chain.Count() == 0; }
+    /// The number of buckets.
     unsigned long GetCapacity() const { return m_chain.Capacity(); }
 
     /// Maps `key` to `value`. For a present key only the value is replaced, the old
@@ -103,10 +114,12 @@ public:
     }
 
     /// The value of `key`; CNoSuchElementException when absent.
+    ///@{
     V& Get(K const& key) { return GetHashed(Traits::GetHashCode(key), key); }
     V const& Get(K const& key) const {
         return const_cast<CHashtable*>(this)->GetHashed(Traits::GetHashCode(key), key);
     }
+    ///@}
 
     /// The value of `key`, or null when absent.
     V* Find(K const& key) const {
@@ -114,6 +127,7 @@ public:
         return e != nullptr ? &e->value : nullptr;
     }
 
+    /// Whether `key` is present.
     bool ContainsKey(K const& key) const {
         return FindHashed(Traits::GetHashCode(key), key) != nullptr;
     }
@@ -141,18 +155,25 @@ public:
 
     /// Keys and values bucket by bucket, each chain in order, read from the live
     /// table. The keys handed out must not be changed.
+    ///@{
     CEnumeration<K> GetKeys() const {
         return new (m_unit, __LINE__) HashtableKeyEnumeration<K, V, Traits>(this);
     }
     CEnumeration<V> GetElements() const {
         return new (m_unit, __LINE__) HashtableElementEnumeration<K, V, Traits>(this);
     }
+    ///@}
 
 protected:
+    /// One key and value in a bucket's chain, with the key's hash code.
     struct Entry {
+        /// The key's hash code.
         std::int32_t hash;
+        /// The copied key.
         K key;
+        /// The copied value.
         V value;
+        /// The next entry of the same bucket; null at the chain's end.
         Entry* next;
     };
 
@@ -179,6 +200,7 @@ protected:
         return m_chain.Find(hash, [&key](Entry const* e) { return Traits::Equals(e->key, key); });
     }
 
+    /// The value of `key`; CNoSuchElementException when absent.
     template <class Q> V& GetHashed(std::int32_t hash, Q const& key) {
         Entry* e = FindHashed(hash, key);
         if (e == nullptr)
@@ -186,6 +208,9 @@ protected:
         return e->value;
     }
 
+    /// Maps `key` to `value` as Put does, growing the table first when it is full; CMemoryException
+    /// when it cannot grow.
+    ///@{
     template <class Q>
     bool PutHashed(std::int32_t hash, Q const& key, V const& value, V* previous) {
         for (;;) {
@@ -205,6 +230,7 @@ protected:
             return false;
         }
     }
+    ///@}
 
     /// Unlinks the entry of `key` (the caller destroys it), or null.
     template <class Q> Entry* UnlinkHashed(std::int32_t hash, Q const& key) {
@@ -221,6 +247,7 @@ protected:
         return std::move(e->value);
     }
 
+    /// Destroys an unlinked entry and keeps its slot for reuse.
     void DeleteEntry(Entry* e) noexcept {
         e->~Entry();
         FreeSlot* slot = ::new (static_cast<void*>(e)) FreeSlot;
@@ -228,6 +255,7 @@ protected:
         m_free = slot;
     }
 
+    /// Exchanges the contents of two tables.
     void Swap(CHashtable& other) noexcept {
         std::swap(m_unit, other.m_unit);
         m_chain.Swap(other.m_chain);
@@ -348,8 +376,11 @@ private:
 /// The walk of the hashtable enumerations: bucket by bucket, each chain in order.
 template <class K, class V, class Traits> class HashtableKeyEnumeration : public IEnumeration<K> {
 public:
+    /// The table walked.
     typedef CHashtable<K, V, Traits> Table;
 
+    /// Starts at the first bucket of `table`, which must outlive the enumeration and stay unchanged
+    /// during the walk.
     explicit HashtableKeyEnumeration(Table const* table)
         : m_table(table), m_cursor(&table->m_chain) {}
     bool HasMoreElements() const override { return m_cursor.HasMore(); }
@@ -357,6 +388,7 @@ public:
     void Reset() override { m_cursor.Reset(); }
 
 protected:
+    /// The next entry; CNoSuchElementException when none is left.
     typename Table::Entry* Advance() {
         typename Table::Entry* e = m_cursor.Advance();
         if (e == nullptr)
@@ -369,9 +401,12 @@ private:
     typename Table::Chain::Cursor m_cursor;
 };
 
+/// The same walk handing out the values.
 template <class K, class V, class Traits>
 class HashtableElementEnumeration : public IEnumeration<V> {
 public:
+    /// Starts at the first bucket of `table`, which must outlive the enumeration and stay unchanged
+    /// during the walk.
     explicit HashtableElementEnumeration(CHashtable<K, V, Traits> const* table) : m_keys(table) {}
     bool HasMoreElements() const override { return m_keys.HasMoreElements(); }
     V* NextElement() override { return &m_keys.Next()->value; }

@@ -19,7 +19,9 @@ class ObjectHashtableCursor;
 /// A chained hash map from object keys to object values, keyed by the keys'
 /// GetHashCode and Equals. Each entry keeps its key's hash, so growing never asks a
 /// key again and lookups compare hashes before calling Equals. When `owns` is set
-/// the table deletes the keys and values it drops.
+/// the table deletes the keys and values it drops. A null key throws
+/// CIllegalArgumentException "Invalid key object.", a null value "Invalid value
+/// object.".
 class LUMO_API CObjectHashtable {
 public:
     /// A capacity below 12 becomes 101 (larger ones are taken as given); a load
@@ -38,9 +40,13 @@ public:
     CObjectHashtable& operator=(CObjectHashtable const& other);
     ~CObjectHashtable();
 
+    /// The number of keys.
     unsigned long GetSize() const { return m_chain.Count(); }
+    /// True when the table holds no key.
     bool IsEmpty() const { return m_chain.Count() == 0; }
+    /// The number of buckets.
     unsigned long GetCapacity() const { return m_chain.Capacity(); }
+    /// True when the table deletes the keys and values it drops.
     bool IsOwner() const { return m_owns; }
 
     /// Maps `key` to `value`. For a present key only the value is replaced (the old
@@ -49,6 +55,7 @@ public:
     void Put(base::CObject* key, base::CObject* value);
     /// The value of `key` (still the table's); CNoSuchElementException when absent.
     base::CObject* Get(base::CObject const* key) const;
+    /// Whether some key Equals(key).
     bool ContainsKey(base::CObject const* key) const;
     /// Whether some value Equals(value).
     bool Contains(base::CObject const* value) const;
@@ -59,7 +66,9 @@ public:
     /// Drops every entry; the capacity is kept.
     void Clear();
 
+    /// The keys bucket by bucket, read from the live table.
     CEnumeration<base::CObject> GetKeys() const;
+    /// The values bucket by bucket, read from the live table.
     CEnumeration<base::CObject> GetElements() const;
 
     /// One mapping; opaque outside the table.
@@ -96,6 +105,7 @@ private:
 /// order. They read the live table, which must not change meanwhile.
 class LUMO_API CObjectHashtableKeyEnumeration : public IEnumeration<base::CObject> {
 public:
+    /// Starts at the first bucket of `table`, which must outlive the enumeration.
     explicit CObjectHashtableKeyEnumeration(CObjectHashtable const* table) : m_cursor(table) {}
     bool HasMoreElements() const override { return m_cursor.HasMore(); }
     base::CObject* NextElement() override { return m_cursor.NextKey(); }
@@ -105,8 +115,10 @@ private:
     detail::ObjectHashtableCursor m_cursor;
 };
 
+/// The values of a table, in the order of the key enumeration.
 class LUMO_API CObjectHashtableElementEnumeration : public IEnumeration<base::CObject> {
 public:
+    /// Starts at the first bucket of `table`, which must outlive the enumeration.
     explicit CObjectHashtableElementEnumeration(CObjectHashtable const* table) : m_cursor(table) {}
     bool HasMoreElements() const override { return m_cursor.HasMore(); }
     base::CObject* NextElement() override { return m_cursor.NextValue(); }

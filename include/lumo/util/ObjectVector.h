@@ -27,26 +27,37 @@ public:
     CObjectVector& operator=(CObjectVector const& other);
     ~CObjectVector();
 
+    /// The number of elements.
     unsigned long GetSize() const { return m_store.Size(); }
+    /// True when the vector has no element.
     bool IsEmpty() const { return m_store.Size() == 0; }
+    /// The number of slots allocated.
     unsigned long GetCapacity() const { return m_store.Capacity(); }
+    /// The capacity increment.
     unsigned long GetIncrement() const { return m_store.Increment(); }
 
     /// Same size and elements that are Equals index by index.
     bool operator==(CObjectVector const& other) const;
+    /// The negation of ==.
     bool operator!=(CObjectVector const& other) const { return !(*this == other); }
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
+    ///@{
     base::CObject* GetElementAt(unsigned long index) const;
     base::CObject* operator[](unsigned long index) const { return GetElementAt(index); }
-    /// CNoSuchElementException when empty.
+    ///@}
+    /// The first / last element; CNoSuchElementException when empty.
+    ///@{
     base::CObject* GetFirstElement() const;
     base::CObject* GetLastElement() const;
+    ///@}
 
     /// Searches ask each element Equals(obj); null obj is an illegal argument.
+    ///@{
     bool Contains(base::CObject const* obj) const { return GetIndexOf(obj) >= 0; }
     long GetIndexOf(base::CObject const* obj) const;
     long GetLastIndexOf(base::CObject const* obj) const;
+    ///@}
 
     /// The vector takes over `obj` once the call succeeds; on an exception the
     /// object stays the caller's.
@@ -58,14 +69,19 @@ public:
 
     /// Deletes the first element that Equals(obj); nothing when there is none.
     void RemoveElement(base::CObject const* obj);
+    /// Deletes the element at `index` and closes the gap; CArrayIndexOutOfBoundsException for an
+    /// index >= size.
     void RemoveElementAt(unsigned long index);
+    /// Deletes every element.
     void RemoveAllElements();
 
     /// As the Remove forms, but the element goes back to the caller: the detached
     /// element is returned (null from DetachElement when none matched).
+    ///@{
     base::CObject* DetachElement(base::CObject const* obj);
     base::CObject* DetachElementAt(unsigned long index);
     void DetachAllElements();
+    ///@}
 
     /// Grows (never shrinks) to the capacity rule for `n` slots.
     void EnsureCapacity(unsigned long n);
@@ -73,7 +89,8 @@ public:
     void TrimToSize();
 
     /// Sorts the slots with the C runtime's qsort; `compare` receives pointers to
-    /// two slots (base::CObject* const*).
+    /// two slots (base::CObject* const*). A null function throws
+    /// CIllegalArgumentException "Invalid compare function.".
     void Sort(int (*compare)(void const*, void const*));
 
 private:

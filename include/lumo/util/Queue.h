@@ -37,12 +37,15 @@ public:
         }
     }
 
+    /// Copies every value and the increment.
     Queue(Queue const& other)
         : m_data(nullptr), m_head(0), m_size(0), m_capacity(0), m_increment(other.m_increment) {
         if (other.m_size > 0)
             Rebuild(other, other.m_capacity, 0, __LINE__);
     }
 
+    /// Replaces the contents with copies of the other queue's values (copy first, so a failure
+    /// leaves this queue as it was).
     Queue& operator=(Queue const& other) {
         if (this != &other) {
             Queue copy(other);
@@ -56,8 +59,11 @@ public:
         std::free(m_data);
     }
 
+    /// The number of values.
     unsigned long GetSize() const { return m_size; }
+    /// True when the queue has no value.
     bool IsEmpty() const { return m_size == 0; }
+    /// The number of slots allocated.
     unsigned long GetCapacity() const { return m_capacity; }
 
     /// Adds `value` at the back.
@@ -91,8 +97,10 @@ public:
     }
 
     /// The front value, left in place.
+    ///@{
     T& Peek() { return m_data[Front(__LINE__)]; }
     T const& Peek() const { return m_data[Front(__LINE__)]; }
+    ///@}
 
     /// Drops every value and shrinks to one increment.
     void Clear() {

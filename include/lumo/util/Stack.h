@@ -23,18 +23,25 @@ public:
             ThrowMemory(__LINE__);
     }
 
+    /// Copies every value and the increment.
     Stack(Stack const& other) : m_store(other.m_store.Increment()) { CopyFrom(other); }
 
+    /// Replaces the contents with copies of the other stack's values (copy first, so a failure
+    /// leaves this stack as it was).
     Stack& operator=(Stack const& other) {
         if (this != &other)
             CopyFrom(other);
         return *this;
     }
 
+    /// The number of values.
     unsigned long GetSize() const { return m_store.Size(); }
+    /// True when the stack has no value.
     bool IsEmpty() const { return m_store.Size() == 0; }
+    /// The number of slots allocated.
     unsigned long GetCapacity() const { return m_store.Capacity(); }
 
+    /// Puts a copy of `value` on top.
     void Push(T const& value) {
         if (!m_store.Append(value))
             ThrowMemory(__LINE__);
@@ -50,9 +57,12 @@ public:
     }
 
     /// The top value, left in place.
+    ///@{
     T& Peek() { return m_store.Data()[Top(__LINE__)]; }
     T const& Peek() const { return m_store.Data()[Top(__LINE__)]; }
+    ///@}
 
+    /// Drops every value; the buffer shrinks to one increment.
     void Clear() {
         if (!m_store.Clear())
             ThrowMemory(__LINE__);

@@ -17,17 +17,25 @@ template <class V> class StringHashtable;
 /// key."; a failed allocation throws CMemoryException and leaves the set unchanged.
 class LUMO_API CStringSet {
 public:
+    /// An empty set; a capacity below 12 becomes 101 and a load factor not above 0 becomes 0.75.
     explicit CStringSet(unsigned long initialCapacity = 101, float loadFactor = 0.75f);
+    /// Copies every element, the capacity and the load factor.
     CStringSet(CStringSet const& other);
+    /// Replaces the elements with copies of the other set's.
     CStringSet& operator=(CStringSet const& other);
     ~CStringSet();
 
+    /// The number of elements.
     unsigned long GetSize() const;
+    /// True when the set has no element.
     bool IsEmpty() const { return GetSize() == 0; }
+    /// The number of buckets.
     unsigned long GetCapacity() const;
 
     /// Adds `text` (nothing changes when it is already there).
     void Put(char const* text);
+    /// Whether `text` is in the set; a null or empty text throws CIllegalArgumentException "Invalid
+    /// key.".
     bool Contains(char const* text) const;
     /// Removes `text`; CNoSuchElementException when it is not there.
     void Remove(char const* text);
@@ -39,6 +47,7 @@ public:
 
     /// Same elements.
     bool operator==(CStringSet const& other) const;
+    /// The negation of ==.
     bool operator!=(CStringSet const& other) const { return !(*this == other); }
 
     /// Union: adds every element of `other`.

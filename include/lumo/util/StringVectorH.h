@@ -29,41 +29,58 @@ public:
                             unsigned long dataIncrement = 256,
                             unsigned long initialIndexCapacity = 0,
                             unsigned long indexIncrement = 16);
+    /// Copies the strings and the increments into blocks of its own.
     CStringVectorH(CStringVectorH const& other);
+    /// Replaces the strings with copies of the other vector's.
     CStringVectorH& operator=(CStringVectorH const& other);
     ~CStringVectorH();
 
+    /// The number of strings (see the class note on removing the last index).
     unsigned long GetSize() const { return m_size; }
+    /// True when the size is 0.
     bool IsEmpty() const { return m_size == 0; }
     /// Bytes in use and bytes held in the data block; entries held in the index.
+    ///@{
     unsigned long GetDataLength() const { return m_dataUsed; }
     unsigned long GetDataCapacity() const { return m_dataCapacity; }
     unsigned long GetIndexCapacity() const { return m_indexCapacity; }
+    ///@}
     /// Where string `index` starts in the data block.
     unsigned long GetOffsetAt(unsigned long index) const;
 
+    /// Appends a copy of `text`.
     void AddElement(base::CString const& text);
     /// index == size appends; index > size is out of bounds.
     void InsertElementAt(base::CString const& text, unsigned long index);
+    /// Replaces string `index` with `text`; CArrayIndexOutOfBoundsException for an index >= size.
     void SetElementAt(unsigned long index, base::CString const& text);
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
+    ///@{
     base::CString GetElementAt(unsigned long index) const;
     void GetElementAt(unsigned long index, base::CString& text) const;
     base::CString operator[](unsigned long index) const { return GetElementAt(index); }
-    /// CNoSuchElementException when empty.
+    ///@}
+    /// The first / last element; CNoSuchElementException when empty.
+    ///@{
     base::CString GetFirstElement() const;
     void GetFirstElement(base::CString& text) const;
     base::CString GetLastElement() const;
     void GetLastElement(base::CString& text) const;
+    ///@}
 
+    /// Whether some string equals `text` exactly.
     bool Contains(base::CString const& text) const { return GetIndexOf(text) >= 0; }
+    /// The index of the first string equal to `text`, or -1.
     long GetIndexOf(base::CString const& text) const;
+    /// The index of the last string equal to `text`, or -1.
     long GetLastIndexOf(base::CString const& text) const;
 
     /// Removes the first string equal to `text`; nothing when there is none.
     void RemoveElement(base::CString const& text);
+    /// Removes string `index`; CArrayIndexOutOfBoundsException for an index >= size.
     void RemoveElementAt(unsigned long index);
+    /// Removes every string.
     void RemoveAllElements();
 
 private:

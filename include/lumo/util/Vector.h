@@ -27,19 +27,27 @@ public:
             ThrowMemory(__LINE__);
     }
 
+    /// Copies every element and the increment.
     Vector(Vector const& other) : m_store(other.m_store.Increment()) { CopyFrom(other); }
 
+    /// Replaces the contents with copies of the other vector's elements (copy first, so a failure
+    /// leaves this vector as it was).
     Vector& operator=(Vector const& other) {
         if (this != &other)
             CopyFrom(other);
         return *this;
     }
 
+    /// The number of elements.
     unsigned long GetSize() const { return m_store.Size(); }
+    /// True when the vector has no element.
     bool IsEmpty() const { return m_store.Size() == 0; }
+    /// The number of slots allocated.
     unsigned long GetCapacity() const { return m_store.Capacity(); }
+    /// The capacity increment.
     unsigned long GetIncrement() const { return m_store.Increment(); }
 
+    /// Same size and elements equal (==) index by index.
     bool operator==(Vector const& other) const {
         if (this == &other)
             return true;
@@ -50,31 +58,39 @@ public:
                 return false;
         return true;
     }
+    /// The negation of ==.
     bool operator!=(Vector const& other) const { return !(*this == other); }
 
-    /// CArrayIndexOutOfBoundsException for an index >= size.
+    /// The element at `index`; CArrayIndexOutOfBoundsException for an index >= size.
+    ///@{
     T& GetElementAt(unsigned long index) { return m_store.Data()[CheckIndex(index, __LINE__)]; }
     T const& GetElementAt(unsigned long index) const {
         return m_store.Data()[CheckIndex(index, __LINE__)];
     }
     T& operator[](unsigned long index) { return GetElementAt(index); }
     T const& operator[](unsigned long index) const { return GetElementAt(index); }
+    ///@}
 
-    /// CNoSuchElementException when empty.
+    /// The first / last element; CNoSuchElementException when empty.
+    ///@{
     T& GetFirstElement() { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
     T const& GetFirstElement() const { return m_store.Data()[CheckNotEmpty(__LINE__)]; }
     T& GetLastElement() { return m_store.Data()[CheckNotEmpty(__LINE__) + m_store.Size() - 1]; }
     T const& GetLastElement() const {
         return m_store.Data()[CheckNotEmpty(__LINE__) + m_store.Size() - 1];
     }
+    ///@}
 
+    /// Whether some element == `value`.
     bool Contains(T const& value) const { return GetIndexOf(value) >= 0; }
+    /// The index of the first element == `value`, or -1.
     long GetIndexOf(T const& value) const {
         for (std::uint32_t i = 0; i < m_store.Size(); ++i)
             if (m_store.Data()[i] == value)
                 return static_cast<long>(i);
         return -1;
     }
+    /// The index of the last element == `value`, or -1.
     long GetLastIndexOf(T const& value) const {
         for (std::uint32_t i = m_store.Size(); i > 0; --i)
             if (m_store.Data()[i - 1] == value)
@@ -82,6 +98,7 @@ public:
         return -1;
     }
 
+    /// Appends a copy of `value`, growing by the capacity rule.
     void AddElement(T const& value) {
         if (!m_store.Append(value))
             ThrowMemory(__LINE__);
@@ -93,6 +110,8 @@ public:
         if (!m_store.Insert(static_cast<std::uint32_t>(index), value))
             ThrowMemory(__LINE__);
     }
+    /// Replaces the element at `index` with a copy of `value`; CArrayIndexOutOfBoundsException for
+    /// an index >= size.
     void SetElementAt(T const& value, unsigned long index) {
         m_store.Data()[CheckIndex(index, __LINE__)] = value;
     }
@@ -103,10 +122,13 @@ public:
         if (index >= 0)
             RemoveElementAt(static_cast<unsigned long>(index));
     }
+    /// Removes the element at `index` and closes the gap; CArrayIndexOutOfBoundsException for an
+    /// index >= size.
     void RemoveElementAt(unsigned long index) {
         if (!m_store.RemoveAt(CheckIndex(index, __LINE__)))
             ThrowMemory(__LINE__);
     }
+    /// Removes every element; the buffer shrinks to one increment.
     void RemoveAllElements() {
         if (!m_store.Clear())
             ThrowMemory(__LINE__);
@@ -165,7 +187,9 @@ private:
 /// Walks a vector by index.
 template <class T> class VectorEnumeration : public IEnumeration<T> {
 public:
+    /// Starts at index 0 of `vector`, which must outlive the enumeration.
     explicit VectorEnumeration(Vector<T> const* vector) : m_vector(vector), m_index(0) {}
+    /// True while NextElement has an element to give.
     bool HasMoreElements() const override { return m_index < m_vector->GetSize(); }
     T* NextElement() override {
         if (m_index >= m_vector->GetSize())

@@ -21,6 +21,7 @@ public:
 
     /// As CMultiLock::Lock with two objects.
     unsigned long Lock(bool waitAll, unsigned long timeout);
+    /// Releases each object that is held.
     void Unlock();
     /// CArrayIndexOutOfBoundsException for an index other than 0 and 1.
     bool IsLocked(unsigned long index) const;

@@ -26,8 +26,10 @@ public:
 
     /// CWinSystemErrorException "Failed to set to the signaled state the underlying
     /// event object." / "Failed to reset the underlying event object." on failure.
+    ///@{
     void SetEvent();
     void ResetEvent();
+    ///@}
 
     /// True.
     bool IsTimeoutSupported() const override;

@@ -23,6 +23,7 @@ public:
     bool Lock(unsigned long timeout);
     /// Releases the object once, if locked.
     void Unlock();
+    /// True while the object is held through this lock.
     bool IsLocked() const { return m_locked; }
 
     CSingleLock(CSingleLock const&) = delete;

@@ -8,6 +8,8 @@
 
 namespace lumo {
 namespace base {
+/// The Windows-style synchronization objects and the platform sides of threads, thread-local slots
+/// and semaphores; present on every platform.
 namespace win {
 
 /// Base of the Windows-style synchronization objects: an optional name and the
@@ -18,13 +20,20 @@ class LUMO_API CSyncObject : public CObject {
     LUMO_DECLARE_CLASS(CSyncObject);
 
 public:
+    /// A kernel wait handle; null for objects that cannot be waited on.
     typedef void* Handle;
 
+    /// The wait ended because the (first) object was signalled.
     static constexpr unsigned long Wait_Object_0 = 0;
+    /// The wait took a mutex whose owner ended without releasing it.
     static constexpr unsigned long Wait_Abandoned = 0x80;
+    /// As Wait_Abandoned, offset by the index of the object for multiple waits.
     static constexpr unsigned long Wait_Abandoned_0 = 0x80;
+    /// The wait timed out.
     static constexpr unsigned long Wait_Timeout = 0x102;
+    /// The wait failed.
     static constexpr unsigned long Wait_Failed = 0xFFFFFFFF;
+    /// The timeout that waits without limit.
     static constexpr unsigned long Timeout_Infinite = 0xFFFFFFFF;
     /// The most handles one wait can take.
     static constexpr unsigned long Maximum_Wait_Objects = 64;
@@ -34,12 +43,19 @@ public:
 
     /// Whether TryAcquire honours its timeout (false: it only tries once).
     virtual bool IsTimeoutSupported() const;
+    /// Waits without limit to take the object.
     virtual void Acquire() = 0;
+    /// Takes the object within `timeout` milliseconds (Timeout_Infinite: without limit); true when
+    /// taken.
     virtual bool TryAcquire(unsigned long timeout) = 0;
+    /// Releases the object; what a release means depends on the kind (mutex, event, semaphore).
     virtual void Release() = 0;
 
+    /// The name given at construction; empty for an anonymous object.
     CString const& GetName() const { return m_name; }
+    /// True for a named object.
     bool IsNamed() const { return !m_name.IsEmpty(); }
+    /// The kernel wait handle; null for objects that cannot be waited on.
     Handle GetHandle() const { return m_handle; }
 
     /// The wait result (Wait_Object_0, Wait_Abandoned, Wait_Timeout or Wait_Failed).
@@ -58,8 +74,11 @@ public:
     /// back to where it was).
     static unsigned long GetKernelObjectCount();
 
+    /// Not copyable: the object owns its handle.
+    ///@{
     CSyncObject(CSyncObject const&) = delete;
     CSyncObject& operator=(CSyncObject const&) = delete;
+    ///@}
 
 protected:
     /// A null or empty name makes an anonymous object.

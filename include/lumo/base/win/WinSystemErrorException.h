@@ -15,9 +15,11 @@ class LUMO_API CWinSystemErrorException : public CException {
     LUMO_DECLARE_CLASS(CWinSystemErrorException);
 
 public:
+    /// The system's text for `errorCode` becomes the message.
     CWinSystemErrorException(char const* file, unsigned long line, char const* errorDescription,
                              unsigned long errorCode);
 
+    /// The system's error code (an errno value on POSIX).
     unsigned long GetErrorCode() const { return m_errorCode; }
 
 private:

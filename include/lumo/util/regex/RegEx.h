@@ -8,6 +8,7 @@
 
 namespace lumo {
 namespace util {
+/// Regular expressions and their matches.
 namespace regex {
 
 namespace detail {
@@ -34,33 +35,43 @@ public:
     /// engine rejects: CRegExParseException naming the pattern and, where the engine's
     /// error has a readable counterpart, the reason; no memory, or groups nested more
     /// than 1000 deep (the engine would exhaust the stack): CMemoryException.
+    ///@{
     explicit CRegEx(char const* pattern);
     CRegEx(char const* pattern, char const* options);
     explicit CRegEx(unsigned short const* pattern);
     CRegEx(unsigned short const* pattern, unsigned short const* options);
+    ///@}
+    /// Shares the other expression's compiled pattern.
     CRegEx(CRegEx const& other);
+    /// Shares the other expression's compiled pattern and lets go of its own.
     CRegEx& operator=(CRegEx const& other);
     ~CRegEx() override;
 
     /// True when the pattern matches somewhere in `text` (zero-terminated). A null text:
     /// CIllegalArgumentException "Invalid match string.". A failure inside the engine
     /// (for lack of memory, or any other): CMemoryException.
+    ///@{
     bool Matches(char const* text) const;
     bool Matches(unsigned short const* text) const;
+    ///@}
     /// As above, within [start, end) of `text`, which the engine treats as the whole
     /// text (so '^' matches at `start`). Accepted only when start < end and end <= the
     /// length of `text`; otherwise CIllegalArgumentException "Invalid start & end
     /// positons.". Positions reported stay relative to the start of `text`.
+    ///@{
     bool Matches(char const* text, unsigned long start, unsigned long end) const;
     bool Matches(unsigned short const* text, unsigned long start, unsigned long end) const;
+    ///@}
     /// As above; on success `match` holds the groups. On failure the engine has reset it
     /// (its group positions are -1).
+    ///@{
     bool Matches(char const* text, CRegExMatch& match) const;
     bool Matches(unsigned short const* text, CRegExMatch& match) const;
     bool Matches(char const* text, unsigned long start, unsigned long end,
                  CRegExMatch& match) const;
     bool Matches(unsigned short const* text, unsigned long start, unsigned long end,
                  CRegExMatch& match) const;
+    ///@}
 
 private:
     bool Match8(char const* text, bool ranged, unsigned long start, unsigned long end,

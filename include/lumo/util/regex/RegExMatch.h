@@ -21,7 +21,9 @@ public:
     /// An empty match (no groups). No memory: CMemoryException; before
     /// lumo::Initialize(): CIllegalStateException "Library not initialized.".
     CRegExMatch();
+    /// Shares the other match's record.
     CRegExMatch(CRegExMatch const& other);
+    /// Shares the other match's record and lets go of its own.
     CRegExMatch& operator=(CRegExMatch const& other);
     ~CRegExMatch() override;
 
@@ -31,8 +33,10 @@ public:
     /// Start and end (one past the last unit) of a group in the subject text: UTF-16
     /// units for UTF-16 text, bytes for 8-bit text; -1 for a group that took no part.
     /// A group at or past GetGroupCount(): CArrayIndexOutOfBoundsException.
+    ///@{
     long GetStartPosOfGroup(unsigned long group) const;
     long GetEndPosOfGroup(unsigned long group) const;
+    ///@}
 
 private:
     friend class CRegEx;
