@@ -7,6 +7,7 @@
 #include <vela/Ucs.h>
 
 #include "detail/CaughtExceptionLog.h"
+#include "detail/XMLTokenSearch.h"
 
 #include <cstdlib>
 
@@ -28,8 +29,6 @@ unsigned short const kLongFormat[] = {'%', 'l', 'd', 0};
 unsigned short const kUnsignedLongFormat[] = {'%', 'l', 'u', 0};
 unsigned short const kFloatFormat[] = {'%', 'f', 0};
 unsigned short const kDoubleFormat[] = {'%', 'l', 'f', 0};
-
-char const kNotStartElement[] = "Attributes available only in start element nodes.";
 
 [[noreturn]] void Replace(CException const& caught, int line, char const* message) {
     detail::LogCaught(caught);
@@ -222,14 +221,7 @@ void CXMLReader::ReadBase64(char*& data, unsigned long& size) const {
 }
 
 IXMLStartElementToken const& CXMLReader::CurrentStartElement(int line) const {
-    IXMLToken const* token = GetCurrentToken().Get();
-    IXMLStartElementToken const* start =
-        token != nullptr && token->GetType() == XMLTokenStartElement
-            ? dynamic_cast<IXMLStartElementToken const*>(token)
-            : nullptr;
-    if (start == nullptr)
-        throw CIOException(kUnit, static_cast<unsigned long>(line), kNotStartElement, nullptr);
-    return *start;
+    return detail::StartElementOf(GetCurrentToken().Get(), kUnit, line);
 }
 
 bool CXMLReader::HasAttribute(unsigned short const* localName, unsigned short const* namespaceURI) {

@@ -1,0 +1,110 @@
+// Internal: the navigation every XML reader shares (the current token, the token held
+// back by a text read, the forward searches for elements and the joined text reads),
+// built on each reader's own way of producing its next token. Public headers name it
+// only as the readers' base.
+#ifndef LUMO_IO_DETAIL_XMLNAVIGATINGREADER_H
+#define LUMO_IO_DETAIL_XMLNAVIGATINGREADER_H
+
+#include <lumo/base/Ref.h>
+#include <lumo/base/UnicodeString.h>
+#include <lumo/io/XMLReader.h>
+
+namespace lumo {
+namespace io {
+
+struct CXMLTokenEvent;
+
+namespace detail {
+
+/// What tells the readers' failures apart: the unit their raise sites name, and the
+/// messages in which they differ.
+struct CXMLReaderFailures {
+    char const* unit;
+    /// When set, the current-token queries fail with it when there is no token.
+    char const* noToken;
+    /// The current-token queries' other failures; null keeps CXMLReader's own queries.
+    char const* typeFailure;
+    char const* valueFailure;
+    /// Other failures of the named end-element searches and of the unnamed one.
+    char const* namedEndFailure;
+    char const* endFailure;
+};
+
+/// The part of an XML reader that only moves over tokens. A reader derived from it
+/// supplies whether it is open and how its next token is made; every read here names
+/// the reader's unit and messages (CXMLReaderFailures), so the readers fail as before.
+/// A start- or end-element search reads tokens until one of that type and name is
+/// current; a text read joins adjacent text and CDATA into one text token and holds
+/// back the token that ended it for the next ReadToken.
+class LUMO_API CXMLNavigatingReader : public CXMLReader {
+public:
+    ~CXMLNavigatingReader() override;
+
+    /// The current token, made from a pending event first; null before the first
+    /// read and at the end.
+    base::CRef<IXMLToken> const& GetCurrentToken() const override;
+    XMLTokenType GetCurrentTokenType() override;
+    base::CUnicodeString GetCurrentTokenValue() override;
+    /// The token held back by a text read if there is one, else the reader's next;
+    /// false (and no current token) at the end. Closed: "Reader closed.".
+    bool ReadToken() override;
+    void ReadStartElement(unsigned short const* localName,
+                          unsigned short const* namespaceURI) override;
+    void ReadStartElement(unsigned short const* name) override;
+    void ReadStartElement() override;
+    void ReadEndElement(unsigned short const* localName,
+                        unsigned short const* namespaceURI) override;
+    void ReadEndElement(unsigned short const* name) override;
+    void ReadEndElement() override;
+    void ReadElementText(base::CUnicodeString& text) override;
+    void ReadElementText() override;
+    bool ReadElementTextIfAvailable() override;
+
+protected:
+    /// `failures` is a static table that outlives the reader.
+    explicit CXMLNavigatingReader(CXMLReaderFailures const& failures)
+        : m_failures(failures), m_event(nullptr) {}
+
+    /// Whether the reader still has its source.
+    virtual bool IsOpen() const = 0;
+    /// Makes the source's next token current (SetCurrent or SetPending) and answers
+    /// true, or clears it and answers false at the end.
+    virtual bool ProduceToken() = 0;
+    /// Keeps the token that ended a text read for the next ReadToken; by default in
+    /// the one-token look-ahead slot.
+    virtual void HoldBack(base::CRef<IXMLToken> const& token);
+
+    void SetCurrent(base::CRef<IXMLToken> token) {
+        m_current = static_cast<base::CRef<IXMLToken>&&>(token);
+        m_event = nullptr;
+    }
+    /// Makes `event` the current token without making a token object for it: the
+    /// type and value are read from it until a token is asked for. The event must
+    /// stay unchanged until the next SetCurrent, SetPending or DropTokens.
+    void SetPending(CXMLTokenEvent const& event) {
+        m_current = nullptr;
+        m_event = &event;
+    }
+    /// Releases the current and the held-back token (for Close).
+    void DropTokens();
+
+private:
+    bool Advance();
+    base::CRef<IXMLToken> const& Current() const;
+    template <class Match> void Search(XMLTokenType type, Match const& matches);
+    void JoinText();
+    XMLTokenType CurrentType() const;
+    base::CUnicodeString CurrentValue() const;
+
+    CXMLReaderFailures const& m_failures;
+    mutable base::CRef<IXMLToken> m_current;
+    /// The current token while it is still a pending event (m_current is then null).
+    mutable CXMLTokenEvent const* m_event;
+    base::CRef<IXMLToken> m_lookAhead;
+};
+
+} // namespace detail
+} // namespace io
+} // namespace lumo
+
+#endif
