@@ -51,7 +51,6 @@ public:
     void Close() override;
 
 private:
-    bool IsOpen() const override;
     bool ProduceToken() override;
 
     std::unique_ptr<CXMLDOMTokenizer> m_tokenizer;

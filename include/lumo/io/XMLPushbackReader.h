@@ -98,7 +98,6 @@ private:
 
     void Init(unsigned long size);
     void CheckOpen(int line) const;
-    bool IsOpen() const override;
     bool ProduceToken() override;
     /// The token that ends a text read goes back on the stack.
     void HoldBack(base::CRef<IXMLToken> const& token) override;

@@ -54,7 +54,6 @@ public:
     void Close() override;
 
 private:
-    bool IsOpen() const override;
     bool ProduceToken() override;
 
     std::unique_ptr<CXMLTextTokenizer> m_tokenizer;

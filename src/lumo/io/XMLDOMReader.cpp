@@ -44,15 +44,8 @@ CXMLDOMReader::CXMLDOMReader(DOM_Document const& document)
 
 CXMLDOMReader::~CXMLDOMReader() {}
 
-bool CXMLDOMReader::IsOpen() const {
-    return m_tokenizer != nullptr;
-}
-
 bool CXMLDOMReader::ProduceToken() {
-    CRef<IXMLToken> token = m_tokenizer->GetNextToken();
-    bool const more = !token.IsNull();
-    SetCurrent(std::move(token));
-    return more;
+    return SetCurrent(m_tokenizer->GetNextToken());
 }
 
 // The attribute reads are the documented base's, failing from this reader's unit.
@@ -77,7 +70,7 @@ CUnicodeString CXMLDOMReader::ReadAttribute(unsigned short const* name) {
 }
 
 void CXMLDOMReader::Close() {
-    DropTokens();
+    MarkClosed();
     m_tokenizer.reset();
 }
 

@@ -113,10 +113,6 @@ void CXMLPushbackReader::CheckOpen(int line) const {
         throw CIOException(kUnit, static_cast<unsigned long>(line), "Reader closed.", nullptr);
 }
 
-bool CXMLPushbackReader::IsOpen() const {
-    return !m_reader.IsNull();
-}
-
 bool CXMLPushbackReader::ProduceToken() {
     if (m_position < m_capacity) {
         SetCurrent(std::move(m_buffer[m_position]));
@@ -148,7 +144,7 @@ void CXMLPushbackReader::Close() {
         return;
     CRef<CXMLReader> const reader = std::move(m_reader);
     m_reader = nullptr;
-    DropTokens();
+    MarkClosed();
     for (unsigned long i = m_position; i < m_capacity; ++i)
         m_buffer[i] = nullptr;
     m_position = m_capacity;

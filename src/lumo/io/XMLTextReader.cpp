@@ -73,10 +73,6 @@ CXMLTextReader::CXMLTextReader(IO::Location const& location) : CXMLNavigatingRea
 
 CXMLTextReader::~CXMLTextReader() {}
 
-bool CXMLTextReader::IsOpen() const {
-    return m_tokenizer != nullptr;
-}
-
 // The tokenizer's event stays the current token until it is asked for as an object.
 // A failure leaves the current token (and the tokenizer's current event) as it was.
 bool CXMLTextReader::ProduceToken() {
@@ -89,7 +85,7 @@ bool CXMLTextReader::ProduceToken() {
 }
 
 void CXMLTextReader::Close() {
-    DropTokens();
+    MarkClosed();
     m_tokenizer.reset();
     if (!m_stream.IsNull()) {
         CRef<CInputStream> const stream = std::move(m_stream);

@@ -9,6 +9,8 @@
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/XMLReader.h>
 
+#include <cstddef>
+
 namespace lumo {
 namespace io {
 
@@ -31,7 +33,7 @@ struct CXMLReaderFailures {
 };
 
 /// The part of an XML reader that only moves over tokens. A reader derived from it
-/// supplies whether it is open and how its next token is made; every read here names
+/// supplies how its next token is made, and marks itself closed in its Close; every read here names
 /// the reader's unit and messages (CXMLReaderFailures), so the readers fail as before.
 /// A start- or end-element search reads tokens until one of that type and name is
 /// current; a text read joins adjacent text and CDATA into one text token and holds
@@ -61,12 +63,9 @@ public:
     bool ReadElementTextIfAvailable() override;
 
 protected:
-    /// `failures` is a static table that outlives the reader.
     explicit CXMLNavigatingReader(CXMLReaderFailures const& failures)
-        : m_failures(failures), m_event(nullptr) {}
+        : m_failures(failures), m_event(nullptr), m_open(true) {}
 
-    /// Whether the reader still has its source.
-    virtual bool IsOpen() const = 0;
     /// Makes the source's next token current (SetCurrent or SetPending) and answers
     /// true, or clears it and answers false at the end.
     virtual bool ProduceToken() = 0;
@@ -74,19 +73,31 @@ protected:
     /// the one-token look-ahead slot.
     virtual void HoldBack(base::CRef<IXMLToken> const& token);
 
-    void SetCurrent(base::CRef<IXMLToken> token) {
+    /// Makes `token` the current token; answers whether it is not null.
+    bool SetCurrent(base::CRef<IXMLToken> const& token) {
+        m_current = token;
+        m_event = nullptr;
+        return !m_current.IsNull();
+    }
+    bool SetCurrent(base::CRef<IXMLToken>&& token) {
         m_current = static_cast<base::CRef<IXMLToken>&&>(token);
+        m_event = nullptr;
+        return !m_current.IsNull();
+    }
+    void SetCurrent(std::nullptr_t) {
+        m_current = nullptr;
         m_event = nullptr;
     }
     /// Makes `event` the current token without making a token object for it: the
     /// type and value are read from it until a token is asked for. The event must
-    /// stay unchanged until the next SetCurrent, SetPending or DropTokens.
+    /// stay unchanged until the next SetCurrent, SetPending or MarkClosed.
     void SetPending(CXMLTokenEvent const& event) {
         m_current = nullptr;
         m_event = &event;
     }
-    /// Releases the current and the held-back token (for Close).
-    void DropTokens();
+    /// For Close: releases the current and the held-back token; later reads fail with
+    /// "Reader closed.".
+    void MarkClosed();
 
 private:
     bool Advance();
@@ -95,12 +106,16 @@ private:
     void JoinText();
     XMLTokenType CurrentType() const;
     base::CUnicodeString CurrentValue() const;
+    [[noreturn]] void MapCaught(int line, char const* failure) const;
+    XMLTokenType TypeWithoutToken();
+    base::CUnicodeString ValueWithoutToken();
 
-    CXMLReaderFailures const& m_failures;
+    CXMLReaderFailures const m_failures;
     mutable base::CRef<IXMLToken> m_current;
     /// The current token while it is still a pending event (m_current is then null).
     mutable CXMLTokenEvent const* m_event;
     base::CRef<IXMLToken> m_lookAhead;
+    bool m_open;
 };
 
 } // namespace detail

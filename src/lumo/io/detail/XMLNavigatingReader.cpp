@@ -31,7 +31,8 @@ void CXMLNavigatingReader::HoldBack(CRef<IXMLToken> const& token) {
     m_lookAhead = token;
 }
 
-void CXMLNavigatingReader::DropTokens() {
+void CXMLNavigatingReader::MarkClosed() {
+    m_open = false;
     SetCurrent(nullptr);
     m_lookAhead = nullptr;
 }
@@ -56,43 +57,74 @@ CRef<IXMLToken> const& CXMLNavigatingReader::GetCurrentToken() const {
     return Current();
 }
 
-// A pending event answers from its values, which cannot fail; a made token (or none)
-// takes the reader's guarded way.
+// A pending event answers from its values, which cannot fail; a made token is asked
+// directly, and only a failure reads the reader's table (so the common cases stay
+// short); no token at all takes the slower way.
 XMLTokenType CXMLNavigatingReader::GetCurrentTokenType() {
     if (m_event != nullptr)
         return m_event->type;
-    if (m_failures.typeFailure == nullptr)
-        return CXMLReader::GetCurrentTokenType();
-    if (m_failures.noToken != nullptr && m_current.IsNull())
-        throw CIOException(m_failures.unit, __LINE__, m_failures.noToken, nullptr);
-    return MapReadFailures(m_failures.unit, __LINE__, m_failures.typeFailure,
-                           [&] { return m_current->GetType(); });
+    if (m_failures.typeFailure != nullptr && !m_current.IsNull()) {
+        try {
+            return m_current->GetType();
+        } catch (...) {
+            MapCaught(__LINE__, m_failures.typeFailure);
+        }
+    }
+    return TypeWithoutToken();
 }
 
 CUnicodeString CXMLNavigatingReader::GetCurrentTokenValue() {
     if (m_event != nullptr)
         return m_event->value;
+    if (m_failures.valueFailure != nullptr && !m_current.IsNull()) {
+        try {
+            return m_current->GetValue();
+        } catch (...) {
+            MapCaught(__LINE__, m_failures.valueFailure);
+        }
+    }
+    return ValueWithoutToken();
+}
+
+// Called from a handler: the exception in flight, mapped as every read maps it.
+void CXMLNavigatingReader::MapCaught(int line, char const* failure) const {
+    MapReadFailures(m_failures.unit, line, failure, [] { throw; });
+    throw; // not reached: the mapping always throws
+}
+
+// Without a table entry the documented base's query answers; with one, the missing
+// token is the table's failure.
+XMLTokenType CXMLNavigatingReader::TypeWithoutToken() {
+    if (m_failures.typeFailure == nullptr)
+        return CXMLReader::GetCurrentTokenType();
+    if (m_failures.noToken != nullptr)
+        throw CIOException(m_failures.unit, __LINE__, m_failures.noToken, nullptr);
+    return MapReadFailures(m_failures.unit, __LINE__, m_failures.typeFailure,
+                           [&] { return m_current->GetType(); });
+}
+
+CUnicodeString CXMLNavigatingReader::ValueWithoutToken() {
     if (m_failures.valueFailure == nullptr)
         return CXMLReader::GetCurrentTokenValue();
-    if (m_failures.noToken != nullptr && m_current.IsNull())
+    if (m_failures.noToken != nullptr)
         throw CIOException(m_failures.unit, __LINE__, m_failures.noToken, nullptr);
     return MapReadFailures(m_failures.unit, __LINE__, m_failures.valueFailure,
                            [&] { return m_current->GetValue(); });
 }
 
-bool CXMLNavigatingReader::ReadToken() {
-    return Advance();
-}
-
 // The searches and text reads move through here rather than the overridable ReadToken.
-bool CXMLNavigatingReader::Advance() {
-    if (!IsOpen())
+inline bool CXMLNavigatingReader::Advance() {
+    if (!m_open)
         throw CIOException(m_failures.unit, __LINE__, "Reader closed.", nullptr);
     if (!m_lookAhead.IsNull()) {
         SetCurrent(std::move(m_lookAhead));
         return true;
     }
     return ProduceToken();
+}
+
+bool CXMLNavigatingReader::ReadToken() {
+    return Advance();
 }
 
 template <class Match> void CXMLNavigatingReader::Search(XMLTokenType type, Match const& matches) {
