@@ -14,11 +14,9 @@
 #include <vela/Ucs.h>
 
 #include "detail/XMLTextWriterContext.h"
+#include "detail/XMLValueText.h"
 
 #include <array>
-#include <charconv>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -184,63 +182,6 @@ void CheckUri(unsigned short const* uri) {
     if (uri == nullptr)
         Fail(__LINE__, "Invalid namespace URI.");
 }
-
-// The text form of integers ("%ld", "%lu", "%lld", "%llu") and of floating-point
-// numbers ("%g" and "%lg", which print alike).
-class CNumber {
-public:
-    static CNumber Signed(long long value) {
-        CNumber number;
-        unsigned long long magnitude =
-            value < 0 ? 0ull - static_cast<unsigned long long>(value) : value;
-        number.FromUnsigned(magnitude, value < 0);
-        return number;
-    }
-    static CNumber Unsigned(unsigned long long value) {
-        CNumber number;
-        number.FromUnsigned(value, false);
-        return number;
-    }
-    static CNumber Real(double value) {
-        CNumber number;
-        char text[40];
-        int length = 0;
-        if (!std::isfinite(value)) {
-            length = std::snprintf(text, sizeof text, "%g", value);
-        } else {
-            // Exactly "%g" (six significant digits), without the C library's locale.
-            std::to_chars_result const r =
-                std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
-            length = static_cast<int>(r.ptr - text);
-        }
-        for (int i = 0; i < length; ++i)
-            number.m_units[i] = static_cast<unsigned char>(text[i]);
-        number.m_units[length] = 0;
-        return number;
-    }
-
-    operator unsigned short const*() const { return m_units; }
-
-private:
-    CNumber() : m_units() {}
-
-    void FromUnsigned(unsigned long long value, bool negative) {
-        unsigned short digits[24];
-        unsigned long n = 0;
-        do {
-            digits[n++] = static_cast<unsigned short>('0' + value % 10);
-            value /= 10;
-        } while (value != 0);
-        unsigned long k = 0;
-        if (negative)
-            m_units[k++] = '-';
-        while (n > 0)
-            m_units[k++] = digits[--n];
-        m_units[k] = 0;
-    }
-
-    unsigned short m_units[48];
-};
 
 } // namespace
 
@@ -699,105 +640,69 @@ void CXMLTextWriter::WriteElementString(unsigned short const* name, unsigned sho
 
 // ---- typed elements ---------------------------------------------------------
 
-void CXMLTextWriter::WriteElementBool(unsigned short const* local, unsigned short const* uri,
-                                      bool value) {
-    CXMLWriter::WriteElementBool(local, uri, value);
-}
-
-void CXMLTextWriter::WriteElementBool(unsigned short const* name, bool value) {
-    CXMLWriter::WriteElementBool(name, value);
-}
-
-void CXMLTextWriter::WriteElementShort(unsigned short const* local, unsigned short const* uri,
-                                       short value) {
-    WriteElementString(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementShort(unsigned short const* name, short value) {
-    WriteElementString(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementLong(unsigned short const* local, unsigned short const* uri,
-                                      long value) {
-    WriteElementString(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementLong(unsigned short const* name, long value) {
-    WriteElementString(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementUnsignedLong(unsigned short const* local,
-                                              unsigned short const* uri, unsigned long value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
-}
-
-void CXMLTextWriter::WriteElementUnsignedLong(unsigned short const* name, unsigned long value) {
-    WriteElementString(name, CNumber::Unsigned(value));
-}
-
 void CXMLTextWriter::WriteElementFloat(unsigned short const* local, unsigned short const* uri,
                                        float value) {
-    WriteElementString(local, uri, CNumber::Real(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementFloat(unsigned short const* name, float value) {
-    WriteElementString(name, CNumber::Real(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                                         double value) {
-    WriteElementString(local, uri, CNumber::Real(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementDouble(unsigned short const* name, double value) {
-    WriteElementString(name, CNumber::Real(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementChar(unsigned short const* local, unsigned short const* uri,
                                       char value) {
-    WriteElementString(local, uri, CNumber::Signed(static_cast<signed char>(value)));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementChar(unsigned short const* name, char value) {
-    WriteElementString(name, CNumber::Signed(static_cast<signed char>(value)));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedChar(unsigned short const* local,
                                               unsigned short const* uri, unsigned char value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedChar(unsigned short const* name, unsigned char value) {
-    WriteElementString(name, CNumber::Unsigned(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedShort(unsigned short const* local,
                                                unsigned short const* uri, unsigned short value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedShort(unsigned short const* name, unsigned short value) {
-    WriteElementString(name, CNumber::Unsigned(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementInt64(unsigned short const* local, unsigned short const* uri,
                                        long long value) {
-    WriteElementString(local, uri, CNumber::Signed(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementInt64(unsigned short const* name, long long value) {
-    WriteElementString(name, CNumber::Signed(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedInt64(unsigned short const* local,
                                                unsigned short const* uri,
                                                unsigned long long value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedInt64(unsigned short const* name,
                                                unsigned long long value) {
-    WriteElementString(name, CNumber::Unsigned(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 // ---- attributes -------------------------------------------------------------
@@ -952,103 +857,67 @@ void CXMLTextWriter::WriteAttrNamespaceDeclaration(unsigned short const* prefix,
     scope.Commit();
 }
 
-void CXMLTextWriter::WriteAttrBool(unsigned short const* local, unsigned short const* uri,
-                                   bool value) {
-    CXMLWriter::WriteAttrBool(local, uri, value);
-}
-
-void CXMLTextWriter::WriteAttrBool(unsigned short const* name, bool value) {
-    CXMLWriter::WriteAttrBool(name, value);
-}
-
-void CXMLTextWriter::WriteAttrShort(unsigned short const* local, unsigned short const* uri,
-                                    short value) {
-    WriteAttribute(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrShort(unsigned short const* name, short value) {
-    WriteAttribute(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrLong(unsigned short const* local, unsigned short const* uri,
-                                   long value) {
-    WriteAttribute(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrLong(unsigned short const* name, long value) {
-    WriteAttribute(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrUnsignedLong(unsigned short const* local, unsigned short const* uri,
-                                           unsigned long value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
-}
-
-void CXMLTextWriter::WriteAttrUnsignedLong(unsigned short const* name, unsigned long value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
-}
-
 void CXMLTextWriter::WriteAttrFloat(unsigned short const* local, unsigned short const* uri,
                                     float value) {
-    WriteAttribute(local, uri, CNumber::Real(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrFloat(unsigned short const* name, float value) {
-    WriteAttribute(name, CNumber::Real(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrDouble(unsigned short const* local, unsigned short const* uri,
                                      double value) {
-    WriteAttribute(local, uri, CNumber::Real(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrDouble(unsigned short const* name, double value) {
-    WriteAttribute(name, CNumber::Real(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrChar(unsigned short const* local, unsigned short const* uri,
                                    char value) {
-    WriteAttribute(local, uri, CNumber::Signed(static_cast<signed char>(value)));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrChar(unsigned short const* name, char value) {
-    WriteAttribute(name, CNumber::Signed(static_cast<signed char>(value)));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedChar(unsigned short const* local, unsigned short const* uri,
                                            unsigned char value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedChar(unsigned short const* name, unsigned char value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedShort(unsigned short const* local, unsigned short const* uri,
                                             unsigned short value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedShort(unsigned short const* name, unsigned short value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrInt64(unsigned short const* local, unsigned short const* uri,
                                     long long value) {
-    WriteAttribute(local, uri, CNumber::Signed(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrInt64(unsigned short const* name, long long value) {
-    WriteAttribute(name, CNumber::Signed(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedInt64(unsigned short const* local, unsigned short const* uri,
                                             unsigned long long value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedInt64(unsigned short const* name, unsigned long long value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 // ---- content ----------------------------------------------------------------
