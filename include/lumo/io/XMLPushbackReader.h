@@ -102,6 +102,7 @@ private:
     /// The token that ends a text read goes back on the stack.
     void HoldBack(base::CRef<IXMLToken> const& token) override;
     void Push(base::CRef<IXMLToken> const& token);
+    void UnreadTag(CElementName const& element, bool start);
     void UnreadElement(CElementName const& name, base::CUnicodeString const& text);
 
     base::CRef<CXMLReader> m_reader;

@@ -152,11 +152,7 @@ void CXMLPushbackReader::Close() {
 }
 
 void CXMLPushbackReader::UnreadToken() {
-    CheckOpen(__LINE__);
-    CRef<IXMLToken> const& current = GetCurrentToken();
-    if (current.IsNull())
-        throw CIOException(kUnit, __LINE__, "There is no valid token.", nullptr);
-    Push(current);
+    UnreadToken(GetCurrentToken());
 }
 
 void CXMLPushbackReader::UnreadToken(CRef<IXMLToken> const& token) {
@@ -166,30 +162,28 @@ void CXMLPushbackReader::UnreadToken(CRef<IXMLToken> const& token) {
     Push(token);
 }
 
-void CXMLPushbackReader::UnreadStartElement(unsigned short const* name) {
-    CElementName const element(name);
+// The names are checked before the reader's state, as for every push of an element.
+void CXMLPushbackReader::UnreadTag(CElementName const& element, bool start) {
     CheckOpen(__LINE__);
-    Push(element.Start());
+    Push(start ? element.Start() : element.End());
+}
+
+void CXMLPushbackReader::UnreadStartElement(unsigned short const* name) {
+    UnreadTag(CElementName(name), true);
 }
 
 void CXMLPushbackReader::UnreadStartElement(unsigned short const* localName,
                                             unsigned short const* namespaceURI) {
-    CElementName const element(localName, namespaceURI);
-    CheckOpen(__LINE__);
-    Push(element.Start());
+    UnreadTag(CElementName(localName, namespaceURI), true);
 }
 
 void CXMLPushbackReader::UnreadEndElement(unsigned short const* name) {
-    CElementName const element(name);
-    CheckOpen(__LINE__);
-    Push(element.End());
+    UnreadTag(CElementName(name), false);
 }
 
 void CXMLPushbackReader::UnreadEndElement(unsigned short const* localName,
                                           unsigned short const* namespaceURI) {
-    CElementName const element(localName, namespaceURI);
-    CheckOpen(__LINE__);
-    Push(element.End());
+    UnreadTag(CElementName(localName, namespaceURI), false);
 }
 
 void CXMLPushbackReader::UnreadElementText(unsigned short const* text) {
