@@ -23,13 +23,9 @@ class CXMLTextTokenizer;
 /// lies; the tokens before it are delivered normally.
 ///
 /// Failures are CIOException from unit "lumo/io/XMLTextReader" unless stated. The
-/// navigation is the shared one (detail::CXMLNavigatingReader): ReadToken hands out
-/// the token kept back by a text read first, and after Close fails with "Reader
-/// closed."; a search that meets the end says "End of stream reached."; its other
-/// failures are "Failed to read the specified start element.", "Failed to read start
-/// element.", "Failed to read the end element." and "Failed to read element text.";
-/// bad names are CXMLException "Invalid local name.", "Local name must be unqualified
-/// name." and "Invalid namespace URI.".
+/// navigation and text reads are the readers' shared ones (detail::CXMLNavigatingReader),
+/// with "Failed to read the end element." for the end-element searches; the
+/// current-token queries and attribute reads are CXMLReader's.
 class LUMO_API CXMLTextReader : public detail::CXMLNavigatingReader {
     LUMO_DECLARE_CLASS(CXMLTextReader);
 

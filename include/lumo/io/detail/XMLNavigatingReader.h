@@ -33,11 +33,16 @@ struct CXMLReaderFailures {
 };
 
 /// The part of an XML reader that only moves over tokens. A reader derived from it
-/// supplies how its next token is made, and marks itself closed in its Close; every read here names
-/// the reader's unit and messages (CXMLReaderFailures), so the readers fail as before.
+/// supplies how its next token is made and marks itself closed in its Close; every
+/// failure here names the reader's own unit and messages (CXMLReaderFailures).
 /// A start- or end-element search reads tokens until one of that type and name is
-/// current; a text read joins adjacent text and CDATA into one text token and holds
-/// back the token that ended it for the next ReadToken.
+/// current ("End of stream reached." when none comes); a text read joins adjacent
+/// text and CDATA into one text token and holds back the token that ended it for the
+/// next ReadToken. Bad search names are CXMLException "Invalid local name.", "Local
+/// name must be unqualified name." and "Invalid namespace URI."; other failures of
+/// a search or text read are logged and replaced by "Failed to read the specified
+/// start element.", "Failed to read start element.", the table's end-element
+/// messages and "Failed to read element text.".
 class LUMO_API CXMLNavigatingReader : public CXMLReader {
 public:
     ~CXMLNavigatingReader() override;
@@ -84,6 +89,7 @@ protected:
         m_event = nullptr;
         return !m_current.IsNull();
     }
+    /// Leaves no current token.
     void SetCurrent(std::nullptr_t) {
         m_current = nullptr;
         m_event = nullptr;
