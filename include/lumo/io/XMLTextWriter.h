@@ -255,6 +255,9 @@ private:
     void CheckStartTagOpen() const;
 
     void CloseStartTag();
+    void OpenTag(CName const& name, unsigned short const* declaredUri);
+    CName QualifiedElementName(unsigned short const* name) const;
+    unsigned short const* DefaultToDeclare(unsigned short const* uri) const;
     void EndElement(bool full);
     void StartElement(CName const& name, unsigned short const* elementUri,
                       unsigned short const* declaredUri);

@@ -496,15 +496,40 @@ void CXMLTextWriter::AppendDeclaration(CName const& name, unsigned short const* 
     Append(&quote, 1);
 }
 
-void CXMLTextWriter::StartElement(CName const& name, unsigned short const* elementUri,
-                                  unsigned short const* declaredUri) {
-    CCallScope scope(*this);
+// "<" and the name after closing an open start tag, with the namespace declaration
+// the tag needs, if any.
+void CXMLTextWriter::OpenTag(CName const& name, unsigned short const* declaredUri) {
     CloseStartTag();
     unsigned short const open = '<';
     Append(&open, 1);
     AppendName(name);
     if (declaredUri != nullptr)
         AppendDeclaration(name, declaredUri);
+}
+
+// A qualified element name, whose prefix must be declared and must not be "xmlns".
+CXMLTextWriter::CName CXMLTextWriter::QualifiedElementName(unsigned short const* name) const {
+    CName const parsed = CName::Parse(name);
+    if (parsed.prefixLength > 0) {
+        if (SameText(parsed.prefix, parsed.prefixLength, kXmlns))
+            Fail(__LINE__, "Invalid prefix.");
+        if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
+            Fail(__LINE__, "Undeclared namespace.");
+    }
+    return parsed;
+}
+
+// The default namespace an unprefixed element in `uri` must declare: null when it is
+// the one in scope already.
+unsigned short const* CXMLTextWriter::DefaultToDeclare(unsigned short const* uri) const {
+    unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
+    return Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0 ? nullptr : uri;
+}
+
+void CXMLTextWriter::StartElement(CName const& name, unsigned short const* elementUri,
+                                  unsigned short const* declaredUri) {
+    CCallScope scope(*this);
+    OpenTag(name, declaredUri);
     try {
         detail::CXMLTextWriterContext& context =
             m_contexts->Push(name.prefix, name.prefixLength, name.local, name.localLength);
@@ -551,22 +576,13 @@ void CXMLTextWriter::WriteStartElement(unsigned short const* local, unsigned sho
     CheckNewElement();
     unsigned long const localLength = CheckLocalName(local);
     CheckUri(uri);
-    unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
-    bool const same = Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0;
     CName const name = {nullptr, 0, local, localLength};
-    StartElement(name, uri, same ? nullptr : uri);
+    StartElement(name, uri, DefaultToDeclare(uri));
 }
 
 void CXMLTextWriter::WriteStartElement(unsigned short const* name) {
     CheckNewElement();
-    CName const parsed = CName::Parse(name);
-    if (parsed.prefixLength > 0) {
-        if (SameText(parsed.prefix, parsed.prefixLength, kXmlns))
-            Fail(__LINE__, "Invalid prefix.");
-        if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
-            Fail(__LINE__, "Undeclared namespace.");
-    }
-    StartElement(parsed, nullptr, nullptr);
+    StartElement(QualifiedElementName(name), nullptr, nullptr);
 }
 
 void CXMLTextWriter::EndElement(bool full) {
@@ -599,12 +615,7 @@ void CXMLTextWriter::WriteFullEndElement() {
 void CXMLTextWriter::ElementWithValue(CName const& name, unsigned short const* declaredUri,
                                       unsigned short const* value) {
     CCallScope scope(*this);
-    CloseStartTag();
-    unsigned short const open = '<';
-    Append(&open, 1);
-    AppendName(name);
-    if (declaredUri != nullptr)
-        AppendDeclaration(name, declaredUri);
+    OpenTag(name, declaredUri);
     unsigned short const close = '>';
     Append(&close, 1);
     AppendText(value, true);
@@ -620,22 +631,13 @@ void CXMLTextWriter::WriteElementString(unsigned short const* local, unsigned sh
     CheckNewElement();
     unsigned long const localLength = CheckLocalName(local);
     CheckUri(uri);
-    unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
-    bool const same = Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0;
     CName const name = {nullptr, 0, local, localLength};
-    ElementWithValue(name, same ? nullptr : uri, value);
+    ElementWithValue(name, DefaultToDeclare(uri), value);
 }
 
 void CXMLTextWriter::WriteElementString(unsigned short const* name, unsigned short const* value) {
     CheckNewElement();
-    CName const parsed = CName::Parse(name);
-    if (parsed.prefixLength > 0) {
-        if (SameText(parsed.prefix, parsed.prefixLength, kXmlns))
-            Fail(__LINE__, "Invalid prefix.");
-        if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
-            Fail(__LINE__, "Undeclared namespace.");
-    }
-    ElementWithValue(parsed, nullptr, value);
+    ElementWithValue(QualifiedElementName(name), nullptr, value);
 }
 
 // ---- typed elements ---------------------------------------------------------
