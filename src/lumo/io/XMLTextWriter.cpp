@@ -498,7 +498,7 @@ void CXMLTextWriter::AppendDeclaration(CName const& name, unsigned short const* 
 
 // "<" and the name after closing an open start tag, with the namespace declaration
 // the tag needs, if any.
-void CXMLTextWriter::OpenTag(CName const& name, unsigned short const* declaredUri) {
+inline void CXMLTextWriter::OpenTag(CName const& name, unsigned short const* declaredUri) {
     CloseStartTag();
     unsigned short const open = '<';
     Append(&open, 1);
