@@ -107,7 +107,13 @@ protected:
 
 private:
     bool Advance();
-    base::CRef<IXMLToken> const& Current() const;
+    [[noreturn]] void ThrowClosed() const;
+    bool TakeHeldBack();
+    /// The current token, made from the pending event first.
+    base::CRef<IXMLToken> const& Current() const {
+        return m_event != nullptr ? MakePending() : m_current;
+    }
+    base::CRef<IXMLToken> const& MakePending() const;
     template <class Match> void Search(XMLTokenType type, Match const& matches);
     void JoinText();
     XMLTokenType CurrentType() const;

@@ -45,11 +45,9 @@ CUnicodeString CXMLNavigatingReader::CurrentValue() const {
     return m_event != nullptr ? m_event->value : m_current->GetValue();
 }
 
-CRef<IXMLToken> const& CXMLNavigatingReader::Current() const {
-    if (m_event != nullptr) {
-        m_current = m_event->MakeToken();
-        m_event = nullptr;
-    }
+LUMO_NOINLINE CRef<IXMLToken> const& CXMLNavigatingReader::MakePending() const {
+    m_current = m_event->MakeToken();
+    m_event = nullptr;
     return m_current;
 }
 
@@ -112,14 +110,22 @@ CUnicodeString CXMLNavigatingReader::ValueWithoutToken() {
                            [&] { return m_current->GetValue(); });
 }
 
-// The searches and text reads move through here rather than the overridable ReadToken.
+LUMO_NOINLINE void CXMLNavigatingReader::ThrowClosed() const {
+    throw CIOException(m_failures.unit, __LINE__, "Reader closed.", nullptr);
+}
+
+LUMO_NOINLINE bool CXMLNavigatingReader::TakeHeldBack() {
+    SetCurrent(std::move(m_lookAhead));
+    return true;
+}
+
+// The searches and text reads move through here rather than the overridable ReadToken;
+// the rare ways are calls of their own, so the common one needs no stack frame.
 inline bool CXMLNavigatingReader::Advance() {
     if (!m_open)
-        throw CIOException(m_failures.unit, __LINE__, "Reader closed.", nullptr);
-    if (!m_lookAhead.IsNull()) {
-        SetCurrent(std::move(m_lookAhead));
-        return true;
-    }
+        ThrowClosed();
+    if (!m_lookAhead.IsNull())
+        return TakeHeldBack();
     return ProduceToken();
 }
 
