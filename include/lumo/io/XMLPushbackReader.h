@@ -5,7 +5,7 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/base/UnicodeString.h>
-#include <lumo/io/XMLReader.h>
+#include <lumo/io/detail/XMLNavigatingReader.h>
 
 #include <memory>
 
@@ -22,12 +22,16 @@ namespace io {
 /// matching ReadElement... consumes. They need three free slots; the tokens are pushed
 /// one at a time, and when the buffer fills on the way the ones already pushed stay.
 ///
-/// The navigation and text reads behave as the text reader's, over the pushed-back
-/// tokens first and then the wrapped reader's (its ReadToken only: a text read of this
-/// reader joins text tokens itself). Failures are CIOException from unit
-/// "lumo/io/XMLPushbackReader" unless stated; a read or push after Close: "Reader
-/// closed.".
-class LUMO_API CXMLPushbackReader : public CXMLReader {
+/// The navigation and text reads are the text reader's (detail::CXMLNavigatingReader),
+/// over the pushed-back tokens first and then the wrapped reader's (its ReadToken only:
+/// a text read of this reader joins text tokens itself); the token that ends a text
+/// read is pushed back. ReadToken gives the last token pushed back if there is one,
+/// else the wrapped reader's next token and its result. Failures are CIOException from
+/// unit "lumo/io/XMLPushbackReader" unless stated; a read or push after Close: "Reader
+/// closed."; no current token for GetCurrentTokenType or GetCurrentTokenValue: "Failed
+/// to get the token type of the current XML token." and "Failed to get the value of
+/// the current XML token.".
+class LUMO_API CXMLPushbackReader : public detail::CXMLNavigatingReader {
     LUMO_DECLARE_CLASS(CXMLPushbackReader);
 
 public:
@@ -41,44 +45,6 @@ public:
     /// Releases the buffer and the wrapped reader without closing it.
     ~CXMLPushbackReader() override;
 
-    base::CRef<IXMLToken> const& GetCurrentToken() const override;
-    /// The current token's type; with no current token: "Failed to get the token type
-    /// of the current XML token.".
-    XMLTokenType GetCurrentTokenType() override;
-    /// The current token's value; with no current token: "Failed to get the value of
-    /// the current XML token.".
-    base::CUnicodeString GetCurrentTokenValue() override;
-    /// The last token pushed back if there is one (the result is then true); otherwise
-    /// the wrapped reader's next token, and its result (false: no current token).
-    bool ReadToken() override;
-    /// Forward searches as the text reader's: reads tokens until a start element of
-    /// that local name and namespace URI is current. A null or empty local name:
-    /// CXMLException "Invalid local name."; one containing ':': "Local name must be
-    /// unqualified name."; a null URI: "Invalid namespace URI.". No more tokens: "End
-    /// of stream reached."; another failure: "Failed to read the specified start
-    /// element.".
-    void ReadStartElement(unsigned short const* localName,
-                          unsigned short const* namespaceURI) override;
-    /// As above by exact qualified name (null or empty: "Invalid local name.").
-    void ReadStartElement(unsigned short const* name) override;
-    /// Reads tokens until any start element is current ("End of stream reached.",
-    /// "Failed to read start element.").
-    void ReadStartElement() override;
-    /// The end-element searches, with the arguments and failures of the start-element
-    /// ones ("Failed to read the end element." for other failures).
-    void ReadEndElement(unsigned short const* localName,
-                        unsigned short const* namespaceURI) override;
-    void ReadEndElement(unsigned short const* name) override;
-    void ReadEndElement() override;
-    /// Skips to the next text or CDATA token and joins the text and CDATA tokens that
-    /// follow it into one text token, which becomes current; the first other token is
-    /// pushed back for the next ReadToken. "End of stream reached." when no text comes;
-    /// "Failed to read element text." on another failure.
-    void ReadElementText(base::CUnicodeString& text) override;
-    void ReadElementText() override;
-    /// Joins text as ReadElementText when the very next token is text or CDATA;
-    /// otherwise pushes that token back, keeps the current token and returns false.
-    bool ReadElementTextIfAvailable() override;
     /// Closes the wrapped reader, then releases it, the buffered tokens and the current
     /// token; this reader is closed even when closing the wrapped one throws (that
     /// exception passes on). Closing again does nothing.
@@ -138,11 +104,11 @@ private:
 
     void Init(unsigned long size);
     void CheckOpen(int line) const;
+    bool ProduceToken() override;
+    /// The token that ends a text read goes back on the stack.
+    void HoldBack(base::CRef<IXMLToken> const& token) override;
     void Push(base::CRef<IXMLToken> const& token);
-    /// Takes the next token into the current one without the open check.
-    bool Next();
-    template <class Match> void Search(XMLTokenType type, Match&& matches);
-    void JoinText();
+    void UnreadTag(CElementName const& element, bool start);
     void UnreadElement(CElementName const& name, base::CUnicodeString const& text);
 
     base::CRef<CXMLReader> m_reader;
@@ -151,7 +117,6 @@ private:
     std::unique_ptr<base::CRef<IXMLToken>[]> m_buffer;
     unsigned long m_capacity;
     unsigned long m_position;
-    base::CRef<IXMLToken> m_current;
 };
 
 } // namespace io

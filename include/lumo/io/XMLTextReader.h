@@ -3,7 +3,7 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/io/InputStream.h>
-#include <lumo/io/XMLReader.h>
+#include <lumo/io/detail/XMLNavigatingReader.h>
 
 #include <memory>
 
@@ -22,8 +22,11 @@ class CXMLTextTokenizer;
 /// text raises CXMLException with the parser's message at the token where the fault
 /// lies; the tokens before it are delivered normally.
 ///
-/// Failures are CIOException from unit "lumo/io/XMLTextReader" unless stated.
-class LUMO_API CXMLTextReader : public CXMLReader {
+/// Failures are CIOException from unit "lumo/io/XMLTextReader" unless stated. The
+/// navigation and text reads are the readers' shared ones (detail::CXMLNavigatingReader),
+/// with "Failed to read the end element." for the end-element searches; the
+/// current-token queries and attribute reads are CXMLReader's.
+class LUMO_API CXMLTextReader : public detail::CXMLNavigatingReader {
     LUMO_DECLARE_CLASS(CXMLTextReader);
 
 public:
@@ -42,67 +45,14 @@ public:
     /// Releases the document without closing a shared stream.
     ~CXMLTextReader() override;
 
-    base::CRef<IXMLToken> const& GetCurrentToken() const override;
-    XMLTokenType GetCurrentTokenType() override;
-    base::CUnicodeString GetCurrentTokenValue() override;
-    /// The token kept back by a text read if there is one, else the next of the
-    /// document; false (and no current token) at the end. After Close: "Reader closed.".
-    bool ReadToken() override;
-    /// Reads tokens until a start element of that local name and namespace URI is
-    /// current; every other token is skipped. A null or empty local name: CXMLException
-    /// "Invalid local name."; one containing ':': "Local name must be unqualified
-    /// name."; a null URI: "Invalid namespace URI.". The end of the document on the
-    /// way: "End of stream reached."; another failure: "Failed to read the specified
-    /// start element.".
-    void ReadStartElement(unsigned short const* localName,
-                          unsigned short const* namespaceURI) override;
-    /// As above by exact qualified name (null or empty: "Invalid local name.").
-    void ReadStartElement(unsigned short const* name) override;
-    /// Reads tokens until any start element is current ("End of stream reached.",
-    /// "Failed to read start element.").
-    void ReadStartElement() override;
-    bool HasAttribute(unsigned short const* localName, unsigned short const* namespaceURI) override;
-    bool HasAttribute(unsigned short const* name) override;
-    base::CUnicodeString ReadAttribute(unsigned short const* localName,
-                                       unsigned short const* namespaceURI) override;
-    base::CUnicodeString ReadAttribute(unsigned short const* name) override;
-    /// The end-element searches, with the arguments and failures of the start-element
-    /// ones ("Failed to read the end element." for other failures).
-    void ReadEndElement(unsigned short const* localName,
-                        unsigned short const* namespaceURI) override;
-    void ReadEndElement(unsigned short const* name) override;
-    void ReadEndElement() override;
-    /// Skips to the next text or CDATA token and joins the text and CDATA tokens that
-    /// follow it into one text token, which becomes current; the first other token
-    /// is kept for the next ReadToken. "End of stream reached." when no text comes;
-    /// "Failed to read element text." on another failure.
-    void ReadElementText(base::CUnicodeString& text) override;
-    void ReadElementText() override;
-    /// Joins text as ReadElementText when the very next token is text or CDATA;
-    /// otherwise keeps that token for the next ReadToken and returns false.
-    bool ReadElementTextIfAvailable() override;
     /// Releases the parser, the input and the tokens held, and closes the stream it
     /// was given; later reads throw "Reader closed.". Closing again does nothing.
     void Close() override;
 
 private:
-    void CheckOpen(int line) const;
-    /// Reads until the current token is of `type` and `matches` accepts it.
-    template <class Match> void Search(XMLTokenType type, Match&& matches);
-    void JoinText();
-    /// The current token, made from the tokenizer's event when not made yet.
-    base::CRef<IXMLToken> const& Current() const;
-    /// The current token's type and value, read without making it; a token must be
-    /// current.
-    XMLTokenType CurrentType() const;
-    base::CUnicodeString CurrentValue() const;
+    bool ProduceToken() override;
 
     std::unique_ptr<CXMLTextTokenizer> m_tokenizer;
-    /// The current token, made on first request: while m_unmade is true the current
-    /// token is the tokenizer's current event, and m_current is empty.
-    mutable base::CRef<IXMLToken> m_current;
-    mutable bool m_unmade = false;
-    base::CRef<IXMLToken> m_lookAhead;
     base::CRef<CInputStream> m_stream;
 };
 

@@ -144,18 +144,6 @@ public:
     void WriteEndElement() override;
     void WriteFullEndElement() override;
 
-    void WriteElementBool(unsigned short const* local, unsigned short const* uri,
-                          bool value) override;
-    void WriteElementBool(unsigned short const* name, bool value) override;
-    void WriteElementShort(unsigned short const* local, unsigned short const* uri,
-                           short value) override;
-    void WriteElementShort(unsigned short const* name, short value) override;
-    void WriteElementLong(unsigned short const* local, unsigned short const* uri,
-                          long value) override;
-    void WriteElementLong(unsigned short const* name, long value) override;
-    void WriteElementUnsignedLong(unsigned short const* local, unsigned short const* uri,
-                                  unsigned long value) override;
-    void WriteElementUnsignedLong(unsigned short const* name, unsigned long value) override;
     void WriteElementFloat(unsigned short const* local, unsigned short const* uri,
                            float value) override;
     void WriteElementFloat(unsigned short const* name, float value) override;
@@ -180,16 +168,6 @@ public:
     void WriteAttrNamespaceDeclaration(unsigned short const* prefix,
                                        unsigned short const* uri) override;
 
-    void WriteAttrBool(unsigned short const* local, unsigned short const* uri, bool value) override;
-    void WriteAttrBool(unsigned short const* name, bool value) override;
-    void WriteAttrShort(unsigned short const* local, unsigned short const* uri,
-                        short value) override;
-    void WriteAttrShort(unsigned short const* name, short value) override;
-    void WriteAttrLong(unsigned short const* local, unsigned short const* uri, long value) override;
-    void WriteAttrLong(unsigned short const* name, long value) override;
-    void WriteAttrUnsignedLong(unsigned short const* local, unsigned short const* uri,
-                               unsigned long value) override;
-    void WriteAttrUnsignedLong(unsigned short const* name, unsigned long value) override;
     void WriteAttrFloat(unsigned short const* local, unsigned short const* uri,
                         float value) override;
     void WriteAttrFloat(unsigned short const* name, float value) override;
@@ -283,6 +261,9 @@ private:
     void CheckStartTagOpen() const;
 
     void CloseStartTag();
+    void OpenTag(CName const& name, unsigned short const* declaredUri);
+    CName QualifiedElementName(unsigned short const* name) const;
+    unsigned short const* DefaultToDeclare(unsigned short const* uri) const;
     void EndElement(bool full);
     void StartElement(CName const& name, unsigned short const* elementUri,
                       unsigned short const* declaredUri);

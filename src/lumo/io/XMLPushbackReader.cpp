@@ -5,7 +5,6 @@
 #include <lumo/base/Exception.h>
 #include <vela/Ucs.h>
 
-#include "detail/CaughtExceptionLog.h"
 #include "detail/XMLTokenSearch.h"
 
 #include <new>
@@ -20,7 +19,16 @@ using base::CUnicodeString;
 namespace {
 
 char const kUnit[] = "lumo/io/XMLPushbackReader";
-char const kEndOfStream[] = "End of stream reached.";
+char const kEndFailure[] = "Failed to read the end element.";
+
+detail::CXMLReaderFailures const kFailures = {
+    kUnit,
+    nullptr,
+    "Failed to get the token type of the current XML token.",
+    "Failed to get the value of the current XML token.",
+    kEndFailure,
+    kEndFailure,
+};
 
 unsigned short const kFalse[] = {'f', 'a', 'l', 's', 'e', 0};
 unsigned short const kTrue[] = {'t', 'r', 'u', 'e', 0};
@@ -28,10 +36,6 @@ unsigned short const kShortFormat[] = {'%', 'h', 'd', 0};
 unsigned short const kLongFormat[] = {'%', 'l', 'd', 0};
 unsigned short const kFloatFormat[] = {'%', 'g', 0};
 unsigned short const kDoubleFormat[] = {'%', 'l', 'g', 0};
-
-template <class F> auto Guard(int line, char const* failure, F&& body) -> decltype(body()) {
-    return detail::MapReadFailures(kUnit, line, failure, static_cast<F&&>(body));
-}
 
 // Formats one number; every format used here fits the buffer many times over.
 template <class T> CUnicodeString Format(unsigned short const* format, T value) {
@@ -78,12 +82,12 @@ struct CXMLPushbackReader::CElementName {
 LUMO_DEFINE_CLASS(CXMLPushbackReader, "lumo::io::CXMLPushbackReader", "lumo::io::CXMLReader");
 
 CXMLPushbackReader::CXMLPushbackReader(CRef<CXMLReader> const& reader, unsigned long size)
-    : m_reader(reader), m_capacity(0), m_position(0) {
+    : CXMLNavigatingReader(kFailures), m_reader(reader), m_capacity(0), m_position(0) {
     Init(size);
 }
 
 CXMLPushbackReader::CXMLPushbackReader(CXMLReader* reader, unsigned long size)
-    : m_reader(reader, false), m_capacity(0), m_position(0) {
+    : CXMLNavigatingReader(kFailures), m_reader(reader, false), m_capacity(0), m_position(0) {
     Init(size);
 }
 
@@ -109,36 +113,17 @@ void CXMLPushbackReader::CheckOpen(int line) const {
         throw CIOException(kUnit, static_cast<unsigned long>(line), "Reader closed.", nullptr);
 }
 
-CRef<IXMLToken> const& CXMLPushbackReader::GetCurrentToken() const {
-    return m_current;
-}
-
-XMLTokenType CXMLPushbackReader::GetCurrentTokenType() {
-    return Guard(__LINE__, "Failed to get the token type of the current XML token.",
-                 [&] { return m_current->GetType(); });
-}
-
-CUnicodeString CXMLPushbackReader::GetCurrentTokenValue() {
-    return Guard(__LINE__, "Failed to get the value of the current XML token.",
-                 [&] { return m_current->GetValue(); });
-}
-
-bool CXMLPushbackReader::Next() {
+bool CXMLPushbackReader::ProduceToken() {
     if (m_position < m_capacity) {
-        m_current = std::move(m_buffer[m_position]);
+        SetCurrent(std::move(m_buffer[m_position]));
         ++m_position;
         return true;
     }
-    m_current = nullptr;
+    SetCurrent(nullptr);
     if (!m_reader->ReadToken())
         return false;
-    m_current = m_reader->GetCurrentToken();
+    SetCurrent(m_reader->GetCurrentToken());
     return true;
-}
-
-bool CXMLPushbackReader::ReadToken() {
-    CheckOpen(__LINE__);
-    return Next();
 }
 
 void CXMLPushbackReader::Push(CRef<IXMLToken> const& token) {
@@ -148,95 +133,10 @@ void CXMLPushbackReader::Push(CRef<IXMLToken> const& token) {
     m_buffer[m_position] = token;
 }
 
-template <class Match> void CXMLPushbackReader::Search(XMLTokenType type, Match&& matches) {
-    CheckOpen(__LINE__);
-    while (Next()) {
-        IXMLToken const& token = *m_current;
-        if (token.GetType() == type && matches(token))
-            return;
-    }
-    throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
-}
-
-void CXMLPushbackReader::ReadStartElement(unsigned short const* localName,
-                                          unsigned short const* namespaceURI) {
-    detail::CheckSearchLocalName(kUnit, __LINE__, localName, namespaceURI);
-    Guard(__LINE__, "Failed to read the specified start element.", [&] {
-        Search(XMLTokenStartElement, detail::ByLocalName{localName, namespaceURI});
-    });
-}
-
-void CXMLPushbackReader::ReadStartElement(unsigned short const* name) {
-    detail::CheckSearchName(kUnit, __LINE__, name);
-    Guard(__LINE__, "Failed to read the specified start element.",
-          [&] { Search(XMLTokenStartElement, detail::ByQualifiedName{name}); });
-}
-
-void CXMLPushbackReader::ReadStartElement() {
-    Guard(__LINE__, "Failed to read start element.",
-          [&] { Search(XMLTokenStartElement, detail::AnyName()); });
-}
-
-void CXMLPushbackReader::ReadEndElement(unsigned short const* localName,
-                                        unsigned short const* namespaceURI) {
-    detail::CheckSearchLocalName(kUnit, __LINE__, localName, namespaceURI);
-    Guard(__LINE__, "Failed to read the end element.", [&] {
-        Search(XMLTokenEndElement, detail::ByLocalName{localName, namespaceURI});
-    });
-}
-
-void CXMLPushbackReader::ReadEndElement(unsigned short const* name) {
-    detail::CheckSearchName(kUnit, __LINE__, name);
-    Guard(__LINE__, "Failed to read the end element.",
-          [&] { Search(XMLTokenEndElement, detail::ByQualifiedName{name}); });
-}
-
-void CXMLPushbackReader::ReadEndElement() {
-    Guard(__LINE__, "Failed to read the end element.",
-          [&] { Search(XMLTokenEndElement, detail::AnyName()); });
-}
-
-// The token that ends the text goes back on the stack. There is always room: it came
-// either from the slot it returns to or from the wrapped reader, which is asked only
-// when the stack is empty.
-void CXMLPushbackReader::JoinText() {
-    detail::JoinText(
-        m_current, [&] { return Next(); }, [&](CRef<IXMLToken> const& token) { Push(token); });
-}
-
-void CXMLPushbackReader::ReadElementText(CUnicodeString& text) {
-    ReadElementText();
-    text = m_current->GetValue();
-}
-
-void CXMLPushbackReader::ReadElementText() {
-    Guard(__LINE__, "Failed to read element text.", [&] {
-        CheckOpen(__LINE__);
-        do {
-            if (!Next())
-                throw CIOException(kUnit, __LINE__, kEndOfStream, nullptr);
-        } while (!detail::IsTextToken(m_current->GetType()));
-        JoinText();
-    });
-}
-
-bool CXMLPushbackReader::ReadElementTextIfAvailable() {
-    return Guard(__LINE__, "Failed to read element text.", [&] {
-        CheckOpen(__LINE__);
-        CRef<IXMLToken> const previous = m_current;
-        if (!Next()) {
-            m_current = previous;
-            return false;
-        }
-        if (!detail::IsTextToken(m_current->GetType())) {
-            // Nothing consumed: the token waits for the next read.
-            Push(m_current);
-            m_current = previous;
-            return false;
-        }
-        JoinText();
-        return true;
-    });
+// There is always room: the token came either from the slot it returns to or from the
+// wrapped reader, which is asked only when the stack is empty.
+void CXMLPushbackReader::HoldBack(CRef<IXMLToken> const& token) {
+    Push(token);
 }
 
 void CXMLPushbackReader::Close() {
@@ -244,7 +144,7 @@ void CXMLPushbackReader::Close() {
         return;
     CRef<CXMLReader> const reader = std::move(m_reader);
     m_reader = nullptr;
-    m_current = nullptr;
+    MarkClosed();
     for (unsigned long i = m_position; i < m_capacity; ++i)
         m_buffer[i] = nullptr;
     m_position = m_capacity;
@@ -252,10 +152,7 @@ void CXMLPushbackReader::Close() {
 }
 
 void CXMLPushbackReader::UnreadToken() {
-    CheckOpen(__LINE__);
-    if (m_current.IsNull())
-        throw CIOException(kUnit, __LINE__, "There is no valid token.", nullptr);
-    Push(m_current);
+    UnreadToken(GetCurrentToken());
 }
 
 void CXMLPushbackReader::UnreadToken(CRef<IXMLToken> const& token) {
@@ -265,30 +162,28 @@ void CXMLPushbackReader::UnreadToken(CRef<IXMLToken> const& token) {
     Push(token);
 }
 
-void CXMLPushbackReader::UnreadStartElement(unsigned short const* name) {
-    CElementName const element(name);
+// The names are checked before the reader's state, as for every push of an element.
+void CXMLPushbackReader::UnreadTag(CElementName const& element, bool start) {
     CheckOpen(__LINE__);
-    Push(element.Start());
+    Push(start ? element.Start() : element.End());
+}
+
+void CXMLPushbackReader::UnreadStartElement(unsigned short const* name) {
+    UnreadTag(CElementName(name), true);
 }
 
 void CXMLPushbackReader::UnreadStartElement(unsigned short const* localName,
                                             unsigned short const* namespaceURI) {
-    CElementName const element(localName, namespaceURI);
-    CheckOpen(__LINE__);
-    Push(element.Start());
+    UnreadTag(CElementName(localName, namespaceURI), true);
 }
 
 void CXMLPushbackReader::UnreadEndElement(unsigned short const* name) {
-    CElementName const element(name);
-    CheckOpen(__LINE__);
-    Push(element.End());
+    UnreadTag(CElementName(name), false);
 }
 
 void CXMLPushbackReader::UnreadEndElement(unsigned short const* localName,
                                           unsigned short const* namespaceURI) {
-    CElementName const element(localName, namespaceURI);
-    CheckOpen(__LINE__);
-    Push(element.End());
+    UnreadTag(CElementName(localName, namespaceURI), false);
 }
 
 void CXMLPushbackReader::UnreadElementText(unsigned short const* text) {

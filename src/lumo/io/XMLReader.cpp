@@ -7,6 +7,7 @@
 #include <vela/Ucs.h>
 
 #include "detail/CaughtExceptionLog.h"
+#include "detail/XMLTokenSearch.h"
 
 #include <cstdlib>
 
@@ -28,8 +29,6 @@ unsigned short const kLongFormat[] = {'%', 'l', 'd', 0};
 unsigned short const kUnsignedLongFormat[] = {'%', 'l', 'u', 0};
 unsigned short const kFloatFormat[] = {'%', 'f', 0};
 unsigned short const kDoubleFormat[] = {'%', 'l', 'f', 0};
-
-char const kNotStartElement[] = "Attributes available only in start element nodes.";
 
 [[noreturn]] void Replace(CException const& caught, int line, char const* message) {
     detail::LogCaught(caught);
@@ -62,6 +61,42 @@ CUnicodeString TrimmedValue(CXMLReader const& reader) {
     value.TrimLeft();
     value.TrimRight();
     return value;
+}
+
+// The typed value of a text, the one table of formats and invalid-literal messages.
+// Only the unsigned long message tells an attribute from element content.
+template <class T> T ValueOf(CUnicodeString const& text, bool attribute, int line);
+
+template <> bool ValueOf<bool>(CUnicodeString const& text, bool, int line) {
+    return ParseBool(text, line);
+}
+template <> short ValueOf<short>(CUnicodeString const& text, bool, int line) {
+    return Scan<short>(text, kShortFormat, "Invalid short literal.", line);
+}
+template <> long ValueOf<long>(CUnicodeString const& text, bool, int line) {
+    return Scan<long>(text, kLongFormat, "Invalid long literal.", line);
+}
+template <>
+unsigned long ValueOf<unsigned long>(CUnicodeString const& text, bool attribute, int line) {
+    return Scan<unsigned long>(
+        text, kUnsignedLongFormat,
+        attribute ? "Invalid unsigned long literal." : "Invalid long literal.", line);
+}
+template <> float ValueOf<float>(CUnicodeString const& text, bool, int line) {
+    return Scan<float>(text, kFloatFormat, "Invalid float literal.", line);
+}
+template <> double ValueOf<double>(CUnicodeString const& text, bool, int line) {
+    return Scan<double>(text, kDoubleFormat, "Invalid double literal.", line);
+}
+
+// The current token's value, trimmed, as T; `failure` replaces other failures.
+template <class T> T CurrentAs(CXMLReader const& reader, int line, char const* failure) {
+    return Guard(line, failure, [&] { return ValueOf<T>(TrimmedValue(reader), false, line); });
+}
+
+// The attribute value that `read` gives, untrimmed, as T.
+template <class T, class Read> T AttributeAs(int line, Read&& read) {
+    return Guard(line, nullptr, [&] { return ValueOf<T>(read(), true, line); });
 }
 
 // Decodes into `data`/`size`, mapping the decoder's failures for the binary reads.
@@ -156,40 +191,29 @@ CUnicodeString CXMLReader::GetCurrentTokenValue() {
 }
 
 bool CXMLReader::ReadBool() const {
-    return Guard(__LINE__, "Failed to read the value of current token as bool.",
-                 [&] { return ParseBool(TrimmedValue(*this), __LINE__); });
+    return CurrentAs<bool>(*this, __LINE__, "Failed to read the value of current token as bool.");
 }
 
 short CXMLReader::ReadShort() const {
-    return Guard(__LINE__, "Failed to read the value of current token as short.", [&] {
-        return Scan<short>(TrimmedValue(*this), kShortFormat, "Invalid short literal.", __LINE__);
-    });
+    return CurrentAs<short>(*this, __LINE__, "Failed to read the value of current token as short.");
 }
 
 long CXMLReader::ReadLong() const {
-    return Guard(__LINE__, "Failed to read the value of current token as long.", [&] {
-        return Scan<long>(TrimmedValue(*this), kLongFormat, "Invalid long literal.", __LINE__);
-    });
+    return CurrentAs<long>(*this, __LINE__, "Failed to read the value of current token as long.");
 }
 
 unsigned long CXMLReader::ReadUnsignedLong() const {
-    return Guard(__LINE__, "Failed to read the value of current token as unsigned long.", [&] {
-        return Scan<unsigned long>(TrimmedValue(*this), kUnsignedLongFormat,
-                                   "Invalid long literal.", __LINE__);
-    });
+    return CurrentAs<unsigned long>(*this, __LINE__,
+                                    "Failed to read the value of current token as unsigned long.");
 }
 
 float CXMLReader::ReadFloat() const {
-    return Guard(__LINE__, "Failed to read the value of current token as float.", [&] {
-        return Scan<float>(TrimmedValue(*this), kFloatFormat, "Invalid float literal.", __LINE__);
-    });
+    return CurrentAs<float>(*this, __LINE__, "Failed to read the value of current token as float.");
 }
 
 double CXMLReader::ReadDouble() const {
-    return Guard(__LINE__, "Failed to read the value of current token as double.", [&] {
-        return Scan<double>(TrimmedValue(*this), kDoubleFormat, "Invalid double literal.",
-                            __LINE__);
-    });
+    return CurrentAs<double>(*this, __LINE__,
+                             "Failed to read the value of current token as double.");
 }
 
 CUnicodeString CXMLReader::ReadString() {
@@ -222,14 +246,7 @@ void CXMLReader::ReadBase64(char*& data, unsigned long& size) const {
 }
 
 IXMLStartElementToken const& CXMLReader::CurrentStartElement(int line) const {
-    IXMLToken const* token = GetCurrentToken().Get();
-    IXMLStartElementToken const* start =
-        token != nullptr && token->GetType() == XMLTokenStartElement
-            ? dynamic_cast<IXMLStartElementToken const*>(token)
-            : nullptr;
-    if (start == nullptr)
-        throw CIOException(kUnit, static_cast<unsigned long>(line), kNotStartElement, nullptr);
-    return *start;
+    return detail::StartElementOf(GetCurrentToken().Get(), kUnit, line);
 }
 
 bool CXMLReader::HasAttribute(unsigned short const* localName, unsigned short const* namespaceURI) {
@@ -251,83 +268,56 @@ CUnicodeString CXMLReader::ReadAttribute(unsigned short const* name) {
 
 // The typed attribute reads: the value is converted untrimmed.
 bool CXMLReader::ReadAttrBool(unsigned short const* localName, unsigned short const* namespaceURI) {
-    return Guard(__LINE__, nullptr,
-                 [&] { return ParseBool(ReadAttribute(localName, namespaceURI), __LINE__); });
+    return AttributeAs<bool>(__LINE__, [&] { return ReadAttribute(localName, namespaceURI); });
 }
 
 bool CXMLReader::ReadAttrBool(unsigned short const* name) {
-    return Guard(__LINE__, nullptr, [&] { return ParseBool(ReadAttribute(name), __LINE__); });
+    return AttributeAs<bool>(__LINE__, [&] { return ReadAttribute(name); });
 }
 
 short CXMLReader::ReadAttrShort(unsigned short const* localName,
                                 unsigned short const* namespaceURI) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<short>(ReadAttribute(localName, namespaceURI), kShortFormat,
-                           "Invalid short literal.", __LINE__);
-    });
+    return AttributeAs<short>(__LINE__, [&] { return ReadAttribute(localName, namespaceURI); });
 }
 
 short CXMLReader::ReadAttrShort(unsigned short const* name) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<short>(ReadAttribute(name), kShortFormat, "Invalid short literal.", __LINE__);
-    });
+    return AttributeAs<short>(__LINE__, [&] { return ReadAttribute(name); });
 }
 
 long CXMLReader::ReadAttrLong(unsigned short const* localName, unsigned short const* namespaceURI) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<long>(ReadAttribute(localName, namespaceURI), kLongFormat,
-                          "Invalid long literal.", __LINE__);
-    });
+    return AttributeAs<long>(__LINE__, [&] { return ReadAttribute(localName, namespaceURI); });
 }
 
 long CXMLReader::ReadAttrLong(unsigned short const* name) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<long>(ReadAttribute(name), kLongFormat, "Invalid long literal.", __LINE__);
-    });
+    return AttributeAs<long>(__LINE__, [&] { return ReadAttribute(name); });
 }
 
 unsigned long CXMLReader::ReadAttrUnsignedLong(unsigned short const* localName,
                                                unsigned short const* namespaceURI) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<unsigned long>(ReadAttribute(localName, namespaceURI), kUnsignedLongFormat,
-                                   "Invalid unsigned long literal.", __LINE__);
-    });
+    return AttributeAs<unsigned long>(__LINE__,
+                                      [&] { return ReadAttribute(localName, namespaceURI); });
 }
 
 unsigned long CXMLReader::ReadAttrUnsignedLong(unsigned short const* name) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<unsigned long>(ReadAttribute(name), kUnsignedLongFormat,
-                                   "Invalid unsigned long literal.", __LINE__);
-    });
+    return AttributeAs<unsigned long>(__LINE__, [&] { return ReadAttribute(name); });
 }
 
 float CXMLReader::ReadAttrFloat(unsigned short const* localName,
                                 unsigned short const* namespaceURI) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<float>(ReadAttribute(localName, namespaceURI), kFloatFormat,
-                           "Invalid float literal.", __LINE__);
-    });
+    return AttributeAs<float>(__LINE__, [&] { return ReadAttribute(localName, namespaceURI); });
 }
 
 float CXMLReader::ReadAttrFloat(unsigned short const* name) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<float>(ReadAttribute(name), kFloatFormat, "Invalid float literal.", __LINE__);
-    });
+    return AttributeAs<float>(__LINE__, [&] { return ReadAttribute(name); });
 }
 
 double CXMLReader::ReadAttrDouble(unsigned short const* localName,
                                   unsigned short const* namespaceURI) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<double>(ReadAttribute(localName, namespaceURI), kDoubleFormat,
-                            "Invalid double literal.", __LINE__);
-    });
+    return AttributeAs<double>(__LINE__, [&] { return ReadAttribute(localName, namespaceURI); });
 }
 
 double CXMLReader::ReadAttrDouble(unsigned short const* name) {
-    return Guard(__LINE__, nullptr, [&] {
-        return Scan<double>(ReadAttribute(name), kDoubleFormat, "Invalid double literal.",
-                            __LINE__);
-    });
+    return AttributeAs<double>(__LINE__, [&] { return ReadAttribute(name); });
 }
 
 void CXMLReader::ReadCDATA(CUnicodeString& text) {

@@ -14,11 +14,9 @@
 #include <vela/Ucs.h>
 
 #include "detail/XMLTextWriterContext.h"
+#include "detail/XMLValueText.h"
 
 #include <array>
-#include <charconv>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -184,63 +182,6 @@ void CheckUri(unsigned short const* uri) {
     if (uri == nullptr)
         Fail(__LINE__, "Invalid namespace URI.");
 }
-
-// The text form of integers ("%ld", "%lu", "%lld", "%llu") and of floating-point
-// numbers ("%g" and "%lg", which print alike).
-class CNumber {
-public:
-    static CNumber Signed(long long value) {
-        CNumber number;
-        unsigned long long magnitude =
-            value < 0 ? 0ull - static_cast<unsigned long long>(value) : value;
-        number.FromUnsigned(magnitude, value < 0);
-        return number;
-    }
-    static CNumber Unsigned(unsigned long long value) {
-        CNumber number;
-        number.FromUnsigned(value, false);
-        return number;
-    }
-    static CNumber Real(double value) {
-        CNumber number;
-        char text[40];
-        int length = 0;
-        if (!std::isfinite(value)) {
-            length = std::snprintf(text, sizeof text, "%g", value);
-        } else {
-            // Exactly "%g" (six significant digits), without the C library's locale.
-            std::to_chars_result const r =
-                std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
-            length = static_cast<int>(r.ptr - text);
-        }
-        for (int i = 0; i < length; ++i)
-            number.m_units[i] = static_cast<unsigned char>(text[i]);
-        number.m_units[length] = 0;
-        return number;
-    }
-
-    operator unsigned short const*() const { return m_units; }
-
-private:
-    CNumber() : m_units() {}
-
-    void FromUnsigned(unsigned long long value, bool negative) {
-        unsigned short digits[24];
-        unsigned long n = 0;
-        do {
-            digits[n++] = static_cast<unsigned short>('0' + value % 10);
-            value /= 10;
-        } while (value != 0);
-        unsigned long k = 0;
-        if (negative)
-            m_units[k++] = '-';
-        while (n > 0)
-            m_units[k++] = digits[--n];
-        m_units[k] = 0;
-    }
-
-    unsigned short m_units[48];
-};
 
 } // namespace
 
@@ -555,15 +496,40 @@ void CXMLTextWriter::AppendDeclaration(CName const& name, unsigned short const* 
     Append(&quote, 1);
 }
 
-void CXMLTextWriter::StartElement(CName const& name, unsigned short const* elementUri,
-                                  unsigned short const* declaredUri) {
-    CCallScope scope(*this);
+// "<" and the name after closing an open start tag, with the namespace declaration
+// the tag needs, if any.
+inline void CXMLTextWriter::OpenTag(CName const& name, unsigned short const* declaredUri) {
     CloseStartTag();
     unsigned short const open = '<';
     Append(&open, 1);
     AppendName(name);
     if (declaredUri != nullptr)
         AppendDeclaration(name, declaredUri);
+}
+
+// A qualified element name, whose prefix must be declared and must not be "xmlns".
+CXMLTextWriter::CName CXMLTextWriter::QualifiedElementName(unsigned short const* name) const {
+    CName const parsed = CName::Parse(name);
+    if (parsed.prefixLength > 0) {
+        if (SameText(parsed.prefix, parsed.prefixLength, kXmlns))
+            Fail(__LINE__, "Invalid prefix.");
+        if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
+            Fail(__LINE__, "Undeclared namespace.");
+    }
+    return parsed;
+}
+
+// The default namespace an unprefixed element in `uri` must declare: null when it is
+// the one in scope already.
+unsigned short const* CXMLTextWriter::DefaultToDeclare(unsigned short const* uri) const {
+    unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
+    return Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0 ? nullptr : uri;
+}
+
+void CXMLTextWriter::StartElement(CName const& name, unsigned short const* elementUri,
+                                  unsigned short const* declaredUri) {
+    CCallScope scope(*this);
+    OpenTag(name, declaredUri);
     try {
         detail::CXMLTextWriterContext& context =
             m_contexts->Push(name.prefix, name.prefixLength, name.local, name.localLength);
@@ -610,22 +576,13 @@ void CXMLTextWriter::WriteStartElement(unsigned short const* local, unsigned sho
     CheckNewElement();
     unsigned long const localLength = CheckLocalName(local);
     CheckUri(uri);
-    unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
-    bool const same = Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0;
     CName const name = {nullptr, 0, local, localLength};
-    StartElement(name, uri, same ? nullptr : uri);
+    StartElement(name, uri, DefaultToDeclare(uri));
 }
 
 void CXMLTextWriter::WriteStartElement(unsigned short const* name) {
     CheckNewElement();
-    CName const parsed = CName::Parse(name);
-    if (parsed.prefixLength > 0) {
-        if (SameText(parsed.prefix, parsed.prefixLength, kXmlns))
-            Fail(__LINE__, "Invalid prefix.");
-        if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
-            Fail(__LINE__, "Undeclared namespace.");
-    }
-    StartElement(parsed, nullptr, nullptr);
+    StartElement(QualifiedElementName(name), nullptr, nullptr);
 }
 
 void CXMLTextWriter::EndElement(bool full) {
@@ -658,12 +615,7 @@ void CXMLTextWriter::WriteFullEndElement() {
 void CXMLTextWriter::ElementWithValue(CName const& name, unsigned short const* declaredUri,
                                       unsigned short const* value) {
     CCallScope scope(*this);
-    CloseStartTag();
-    unsigned short const open = '<';
-    Append(&open, 1);
-    AppendName(name);
-    if (declaredUri != nullptr)
-        AppendDeclaration(name, declaredUri);
+    OpenTag(name, declaredUri);
     unsigned short const close = '>';
     Append(&close, 1);
     AppendText(value, true);
@@ -679,125 +631,80 @@ void CXMLTextWriter::WriteElementString(unsigned short const* local, unsigned sh
     CheckNewElement();
     unsigned long const localLength = CheckLocalName(local);
     CheckUri(uri);
-    unsigned short const* inScope = m_contexts->LookupDefaultNamespace();
-    bool const same = Vela::ucscmp(inScope == nullptr ? kEmpty : inScope, uri) == 0;
     CName const name = {nullptr, 0, local, localLength};
-    ElementWithValue(name, same ? nullptr : uri, value);
+    ElementWithValue(name, DefaultToDeclare(uri), value);
 }
 
 void CXMLTextWriter::WriteElementString(unsigned short const* name, unsigned short const* value) {
     CheckNewElement();
-    CName const parsed = CName::Parse(name);
-    if (parsed.prefixLength > 0) {
-        if (SameText(parsed.prefix, parsed.prefixLength, kXmlns))
-            Fail(__LINE__, "Invalid prefix.");
-        if (m_contexts->LookupPrefix(parsed.prefix, parsed.prefixLength) == nullptr)
-            Fail(__LINE__, "Undeclared namespace.");
-    }
-    ElementWithValue(parsed, nullptr, value);
+    ElementWithValue(QualifiedElementName(name), nullptr, value);
 }
 
 // ---- typed elements ---------------------------------------------------------
 
-void CXMLTextWriter::WriteElementBool(unsigned short const* local, unsigned short const* uri,
-                                      bool value) {
-    CXMLWriter::WriteElementBool(local, uri, value);
-}
-
-void CXMLTextWriter::WriteElementBool(unsigned short const* name, bool value) {
-    CXMLWriter::WriteElementBool(name, value);
-}
-
-void CXMLTextWriter::WriteElementShort(unsigned short const* local, unsigned short const* uri,
-                                       short value) {
-    WriteElementString(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementShort(unsigned short const* name, short value) {
-    WriteElementString(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementLong(unsigned short const* local, unsigned short const* uri,
-                                      long value) {
-    WriteElementString(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementLong(unsigned short const* name, long value) {
-    WriteElementString(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteElementUnsignedLong(unsigned short const* local,
-                                              unsigned short const* uri, unsigned long value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
-}
-
-void CXMLTextWriter::WriteElementUnsignedLong(unsigned short const* name, unsigned long value) {
-    WriteElementString(name, CNumber::Unsigned(value));
-}
-
 void CXMLTextWriter::WriteElementFloat(unsigned short const* local, unsigned short const* uri,
                                        float value) {
-    WriteElementString(local, uri, CNumber::Real(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementFloat(unsigned short const* name, float value) {
-    WriteElementString(name, CNumber::Real(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                                         double value) {
-    WriteElementString(local, uri, CNumber::Real(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementDouble(unsigned short const* name, double value) {
-    WriteElementString(name, CNumber::Real(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementChar(unsigned short const* local, unsigned short const* uri,
                                       char value) {
-    WriteElementString(local, uri, CNumber::Signed(static_cast<signed char>(value)));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementChar(unsigned short const* name, char value) {
-    WriteElementString(name, CNumber::Signed(static_cast<signed char>(value)));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedChar(unsigned short const* local,
                                               unsigned short const* uri, unsigned char value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedChar(unsigned short const* name, unsigned char value) {
-    WriteElementString(name, CNumber::Unsigned(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedShort(unsigned short const* local,
                                                unsigned short const* uri, unsigned short value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedShort(unsigned short const* name, unsigned short value) {
-    WriteElementString(name, CNumber::Unsigned(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementInt64(unsigned short const* local, unsigned short const* uri,
                                        long long value) {
-    WriteElementString(local, uri, CNumber::Signed(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementInt64(unsigned short const* name, long long value) {
-    WriteElementString(name, CNumber::Signed(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedInt64(unsigned short const* local,
                                                unsigned short const* uri,
                                                unsigned long long value) {
-    WriteElementString(local, uri, CNumber::Unsigned(value));
+    WriteElementString(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteElementUnsignedInt64(unsigned short const* name,
                                                unsigned long long value) {
-    WriteElementString(name, CNumber::Unsigned(value));
+    WriteElementString(name, detail::CXMLValueText(value));
 }
 
 // ---- attributes -------------------------------------------------------------
@@ -952,103 +859,67 @@ void CXMLTextWriter::WriteAttrNamespaceDeclaration(unsigned short const* prefix,
     scope.Commit();
 }
 
-void CXMLTextWriter::WriteAttrBool(unsigned short const* local, unsigned short const* uri,
-                                   bool value) {
-    CXMLWriter::WriteAttrBool(local, uri, value);
-}
-
-void CXMLTextWriter::WriteAttrBool(unsigned short const* name, bool value) {
-    CXMLWriter::WriteAttrBool(name, value);
-}
-
-void CXMLTextWriter::WriteAttrShort(unsigned short const* local, unsigned short const* uri,
-                                    short value) {
-    WriteAttribute(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrShort(unsigned short const* name, short value) {
-    WriteAttribute(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrLong(unsigned short const* local, unsigned short const* uri,
-                                   long value) {
-    WriteAttribute(local, uri, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrLong(unsigned short const* name, long value) {
-    WriteAttribute(name, CNumber::Signed(value));
-}
-
-void CXMLTextWriter::WriteAttrUnsignedLong(unsigned short const* local, unsigned short const* uri,
-                                           unsigned long value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
-}
-
-void CXMLTextWriter::WriteAttrUnsignedLong(unsigned short const* name, unsigned long value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
-}
-
 void CXMLTextWriter::WriteAttrFloat(unsigned short const* local, unsigned short const* uri,
                                     float value) {
-    WriteAttribute(local, uri, CNumber::Real(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrFloat(unsigned short const* name, float value) {
-    WriteAttribute(name, CNumber::Real(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrDouble(unsigned short const* local, unsigned short const* uri,
                                      double value) {
-    WriteAttribute(local, uri, CNumber::Real(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrDouble(unsigned short const* name, double value) {
-    WriteAttribute(name, CNumber::Real(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrChar(unsigned short const* local, unsigned short const* uri,
                                    char value) {
-    WriteAttribute(local, uri, CNumber::Signed(static_cast<signed char>(value)));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrChar(unsigned short const* name, char value) {
-    WriteAttribute(name, CNumber::Signed(static_cast<signed char>(value)));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedChar(unsigned short const* local, unsigned short const* uri,
                                            unsigned char value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedChar(unsigned short const* name, unsigned char value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedShort(unsigned short const* local, unsigned short const* uri,
                                             unsigned short value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedShort(unsigned short const* name, unsigned short value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrInt64(unsigned short const* local, unsigned short const* uri,
                                     long long value) {
-    WriteAttribute(local, uri, CNumber::Signed(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrInt64(unsigned short const* name, long long value) {
-    WriteAttribute(name, CNumber::Signed(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedInt64(unsigned short const* local, unsigned short const* uri,
                                             unsigned long long value) {
-    WriteAttribute(local, uri, CNumber::Unsigned(value));
+    WriteAttribute(local, uri, detail::CXMLValueText(value));
 }
 
 void CXMLTextWriter::WriteAttrUnsignedInt64(unsigned short const* name, unsigned long long value) {
-    WriteAttribute(name, CNumber::Unsigned(value));
+    WriteAttribute(name, detail::CXMLValueText(value));
 }
 
 // ---- content ----------------------------------------------------------------

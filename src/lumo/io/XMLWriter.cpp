@@ -6,37 +6,50 @@
 #include <lumo/base/UnicodeString.h>
 #include <vela/Ucs.h>
 
+#include "detail/XMLValueText.h"
+
 namespace lumo {
 namespace io {
 
 namespace {
 
-unsigned short const kTrue[] = {'t', 'r', 'u', 'e', 0};
-unsigned short const kFalse[] = {'f', 'a', 'l', 's', 'e', 0};
-unsigned short const kFormatShort[] = {'%', 'd', 0};
-unsigned short const kFormatLong[] = {'%', 'l', 'd', 0};
-unsigned short const kFormatUnsignedLong[] = {'%', 'l', 'u', 0};
 unsigned short const kFormatFloat[] = {'%', 'f', 0};
 unsigned short const kFormatDouble[] = {'%', 'l', 'f', 0};
 
 // "%f" of the largest double has 309 digits before the point and six after it.
-unsigned long const kNumberUnits = 328;
+unsigned long const kFixedUnits = 328;
 
-// One formatted number, kept on the stack for the length of a call.
-class CNumberText {
+// One number in the base's "%f" form, kept on the stack for the length of a call.
+class CFixedText {
 public:
-    template <typename T> CNumberText(unsigned short const* format, T value) {
-        if (Vela::snuprintf(m_text, kNumberUnits, format, value) < 0)
+    CFixedText(unsigned short const* format, double value) {
+        if (Vela::snuprintf(m_text, kFixedUnits, format, value) < 0)
             m_text[0] = 0;
     }
     operator unsigned short const*() const { return m_text; }
 
 private:
-    unsigned short m_text[kNumberUnits];
+    unsigned short m_text[kFixedUnits];
 };
 
-unsigned short const* BoolText(bool value) {
-    return value ? kTrue : kFalse;
+// The base's text of each value type: "true"/"false", "%d", "%ld", "%lu", "%f", "%lf".
+detail::CXMLValueText Text(bool value) {
+    return detail::CXMLValueText(value);
+}
+detail::CXMLValueText Text(short value) {
+    return detail::CXMLValueText(value);
+}
+detail::CXMLValueText Text(long value) {
+    return detail::CXMLValueText(value);
+}
+detail::CXMLValueText Text(unsigned long value) {
+    return detail::CXMLValueText(value);
+}
+CFixedText Text(float value) {
+    return CFixedText(kFormatFloat, static_cast<double>(value));
+}
+CFixedText Text(double value) {
+    return CFixedText(kFormatDouble, value);
 }
 
 base::CUnicodeString Base64Text(char const* data, unsigned long offset, unsigned long length) {
@@ -59,56 +72,56 @@ CXMLWriter::~CXMLWriter() {}
 
 void CXMLWriter::WriteElementBool(unsigned short const* local, unsigned short const* uri,
                                   bool value) {
-    WriteElementString(local, uri, BoolText(value));
+    WriteElementString(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteElementBool(unsigned short const* name, bool value) {
-    WriteElementString(name, BoolText(value));
+    WriteElementString(name, Text(value));
 }
 
 void CXMLWriter::WriteElementShort(unsigned short const* local, unsigned short const* uri,
                                    short value) {
-    WriteElementString(local, uri, CNumberText(kFormatShort, static_cast<int>(value)));
+    WriteElementString(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteElementShort(unsigned short const* name, short value) {
-    WriteElementString(name, CNumberText(kFormatShort, static_cast<int>(value)));
+    WriteElementString(name, Text(value));
 }
 
 void CXMLWriter::WriteElementLong(unsigned short const* local, unsigned short const* uri,
                                   long value) {
-    WriteElementString(local, uri, CNumberText(kFormatLong, value));
+    WriteElementString(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteElementLong(unsigned short const* name, long value) {
-    WriteElementString(name, CNumberText(kFormatLong, value));
+    WriteElementString(name, Text(value));
 }
 
 void CXMLWriter::WriteElementUnsignedLong(unsigned short const* local, unsigned short const* uri,
                                           unsigned long value) {
-    WriteElementString(local, uri, CNumberText(kFormatUnsignedLong, value));
+    WriteElementString(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteElementUnsignedLong(unsigned short const* name, unsigned long value) {
-    WriteElementString(name, CNumberText(kFormatUnsignedLong, value));
+    WriteElementString(name, Text(value));
 }
 
 void CXMLWriter::WriteElementFloat(unsigned short const* local, unsigned short const* uri,
                                    float value) {
-    WriteElementString(local, uri, CNumberText(kFormatFloat, static_cast<double>(value)));
+    WriteElementString(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteElementFloat(unsigned short const* name, float value) {
-    WriteElementString(name, CNumberText(kFormatFloat, static_cast<double>(value)));
+    WriteElementString(name, Text(value));
 }
 
 void CXMLWriter::WriteElementDouble(unsigned short const* local, unsigned short const* uri,
                                     double value) {
-    WriteElementString(local, uri, CNumberText(kFormatDouble, value));
+    WriteElementString(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteElementDouble(unsigned short const* name, double value) {
-    WriteElementString(name, CNumberText(kFormatDouble, value));
+    WriteElementString(name, Text(value));
 }
 
 void CXMLWriter::WriteElementBinHex(unsigned short const* local, unsigned short const* uri,
@@ -132,79 +145,79 @@ void CXMLWriter::WriteElementBase64(unsigned short const* name, char const* data
 }
 
 void CXMLWriter::WriteAttrBool(unsigned short const* local, unsigned short const* uri, bool value) {
-    WriteAttribute(local, uri, BoolText(value));
+    WriteAttribute(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteAttrBool(unsigned short const* name, bool value) {
-    WriteAttribute(name, BoolText(value));
+    WriteAttribute(name, Text(value));
 }
 
 void CXMLWriter::WriteAttrShort(unsigned short const* local, unsigned short const* uri,
                                 short value) {
-    WriteAttribute(local, uri, CNumberText(kFormatShort, static_cast<int>(value)));
+    WriteAttribute(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteAttrShort(unsigned short const* name, short value) {
-    WriteAttribute(name, CNumberText(kFormatShort, static_cast<int>(value)));
+    WriteAttribute(name, Text(value));
 }
 
 void CXMLWriter::WriteAttrLong(unsigned short const* local, unsigned short const* uri, long value) {
-    WriteAttribute(local, uri, CNumberText(kFormatLong, value));
+    WriteAttribute(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteAttrLong(unsigned short const* name, long value) {
-    WriteAttribute(name, CNumberText(kFormatLong, value));
+    WriteAttribute(name, Text(value));
 }
 
 void CXMLWriter::WriteAttrUnsignedLong(unsigned short const* local, unsigned short const* uri,
                                        unsigned long value) {
-    WriteAttribute(local, uri, CNumberText(kFormatUnsignedLong, value));
+    WriteAttribute(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteAttrUnsignedLong(unsigned short const* name, unsigned long value) {
-    WriteAttribute(name, CNumberText(kFormatUnsignedLong, value));
+    WriteAttribute(name, Text(value));
 }
 
 void CXMLWriter::WriteAttrFloat(unsigned short const* local, unsigned short const* uri,
                                 float value) {
-    WriteAttribute(local, uri, CNumberText(kFormatFloat, static_cast<double>(value)));
+    WriteAttribute(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteAttrFloat(unsigned short const* name, float value) {
-    WriteAttribute(name, CNumberText(kFormatFloat, static_cast<double>(value)));
+    WriteAttribute(name, Text(value));
 }
 
 void CXMLWriter::WriteAttrDouble(unsigned short const* local, unsigned short const* uri,
                                  double value) {
-    WriteAttribute(local, uri, CNumberText(kFormatDouble, value));
+    WriteAttribute(local, uri, Text(value));
 }
 
 void CXMLWriter::WriteAttrDouble(unsigned short const* name, double value) {
-    WriteAttribute(name, CNumberText(kFormatDouble, value));
+    WriteAttribute(name, Text(value));
 }
 
 void CXMLWriter::WriteBool(bool value) {
-    WriteString(BoolText(value));
+    WriteString(Text(value));
 }
 
 void CXMLWriter::WriteShort(short value) {
-    WriteString(CNumberText(kFormatShort, static_cast<int>(value)));
+    WriteString(Text(value));
 }
 
 void CXMLWriter::WriteLong(long value) {
-    WriteString(CNumberText(kFormatLong, value));
+    WriteString(Text(value));
 }
 
 void CXMLWriter::WriteUnsignedLong(unsigned long value) {
-    WriteString(CNumberText(kFormatUnsignedLong, value));
+    WriteString(Text(value));
 }
 
 void CXMLWriter::WriteFloat(float value) {
-    WriteString(CNumberText(kFormatFloat, static_cast<double>(value)));
+    WriteString(Text(value));
 }
 
 void CXMLWriter::WriteDouble(double value) {
-    WriteString(CNumberText(kFormatDouble, value));
+    WriteString(Text(value));
 }
 
 void CXMLWriter::WriteBase64(char const* data, unsigned long offset, unsigned long length) {

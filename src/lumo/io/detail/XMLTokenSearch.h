@@ -1,5 +1,5 @@
-// Internal: what the XML readers share for their forward searches and text reads: the
-// checks of the names a search is given and the tests that end a search.
+// Internal: what the XML readers share for their forward searches and attribute reads:
+// the checks of the names a search is given and the tests that end a search.
 #ifndef LUMO_IO_DETAIL_XMLTOKENSEARCH_H
 #define LUMO_IO_DETAIL_XMLTOKENSEARCH_H
 
@@ -61,27 +61,18 @@ struct AnyName {
     bool operator()(IXMLToken const&) const { return true; }
 };
 
-/// Makes `current` the whole text that starts with it: the text and CDATA tokens that
-/// follow are joined into one text token (a lone text token stays as it is). `next`
-/// makes the following token current and answers false at the end; `keep` holds back
-/// the token that ended the text for the reader's next read.
-template <class Next, class Keep>
-void JoinText(base::CRef<IXMLToken>& current, Next next, Keep keep) {
-    base::CRef<IXMLToken> const first = current;
-    base::CUnicodeString text = first->GetValue();
-    bool joined = false;
-    while (next()) {
-        if (!IsTextToken(current->GetType())) {
-            keep(current);
-            break;
-        }
-        text += current->GetValue();
-        joined = true;
-    }
-    if (!joined && first->GetType() == XMLTokenText)
-        current = first;
-    else
-        current = base::CRef<IXMLToken>(new CXMLTextToken(text));
+/// The token as the start element whose attributes are read; not one (or none):
+/// CIOException "Attributes available only in start element nodes." from `unit`.
+inline IXMLStartElementToken const& StartElementOf(IXMLToken const* token, char const* unit,
+                                                   int line) {
+    IXMLStartElementToken const* start =
+        token != nullptr && token->GetType() == XMLTokenStartElement
+            ? dynamic_cast<IXMLStartElementToken const*>(token)
+            : nullptr;
+    if (start == nullptr)
+        throw CIOException(unit, static_cast<unsigned long>(line),
+                           "Attributes available only in start element nodes.", nullptr);
+    return *start;
 }
 
 } // namespace detail
