@@ -41,11 +41,13 @@ public:
     /// The current start element's attribute; not a start element (or no token):
     /// "Attributes available only in start element nodes."; the token's CXMLException
     /// ("No such attibute.", "Invalid qualidied name.") passes unchanged.
+    ///@{
     bool HasAttribute(unsigned short const* localName, unsigned short const* namespaceURI) override;
     bool HasAttribute(unsigned short const* name) override;
     base::CUnicodeString ReadAttribute(unsigned short const* localName,
                                        unsigned short const* namespaceURI) override;
     base::CUnicodeString ReadAttribute(unsigned short const* name) override;
+    ///@}
     /// Drops the walk and the tokens held (tokens handed out stay valid); later reads
     /// throw "Reader closed.". Closing again does nothing.
     void Close() override;
