@@ -7,6 +7,7 @@
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/InputStream.h>
 #include <lumo/io/Serializable.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 #include <cstdint>
 
@@ -75,8 +76,7 @@ protected:
     /// Reads a string of `count` UTF-8 bytes.
     base::CUnicodeString ReadUTF8(unsigned long count);
 
-    CInputStream* m_in;
-    base::CRef<CInputStream> m_inRef;
+    detail::WrappedStream<CInputStream> m_in;
 
 private:
     CDataInputStream(CDataInputStream const&);

@@ -7,6 +7,7 @@
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/OutputStream.h>
 #include <lumo/io/Serializable.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -65,8 +66,7 @@ public:
 protected:
     void CheckOpen() const;
 
-    COutputStream* m_out;
-    base::CRef<COutputStream> m_outRef;
+    detail::WrappedStream<COutputStream> m_out;
 
 private:
     CDataOutputStream(CDataOutputStream const&);

@@ -6,6 +6,7 @@
 #include <lumo/base/Ref.h>
 #include <lumo/base/String.h>
 #include <lumo/io/OutputStream.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -64,8 +65,7 @@ protected:
     void CheckOpen() const;
     void WriteNewLine();
 
-    COutputStream* m_out;
-    base::CRef<COutputStream> m_outRef;
+    detail::WrappedStream<COutputStream> m_out;
     bool m_autoFlush;
     /// Numbers are formatted here, so printing allocates nothing.
     char m_scratch[64];
