@@ -48,12 +48,7 @@ unsigned long CBufferedInputStream::GetAvailable() const {
 
 long CBufferedInputStream::Read() {
     CheckOpen();
-    if (!m_buffer.HasWaiting()) {
-        FillBuffer();
-        if (!m_buffer.HasWaiting())
-            return EOS;
-    }
-    return static_cast<long>(m_buffer.Next());
+    return m_buffer.ReadAhead(*m_in);
 }
 
 long CBufferedInputStream::Read(char* buf, unsigned long off, unsigned long len) {

@@ -45,12 +45,7 @@ bool CBufferedReader::FillBuffer() {
 
 long CBufferedReader::Read() {
     CheckOpen();
-    if (!m_buffer.HasWaiting()) {
-        FillBuffer();
-        if (!m_buffer.HasWaiting())
-            return EOS;
-    }
-    return static_cast<long>(m_buffer.Next());
+    return m_buffer.ReadAhead(*m_reader);
 }
 
 long CBufferedReader::Read(unsigned short* buf, unsigned long len) {

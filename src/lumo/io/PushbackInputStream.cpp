@@ -45,9 +45,7 @@ unsigned long CPushbackInputStream::GetAvailable() const {
 
 long CPushbackInputStream::Read() {
     CheckOpen();
-    if (m_buffer.HasWaiting())
-        return static_cast<long>(m_buffer.Next());
-    return m_in->Read();
+    return m_buffer.ReadGivenBack(*m_in);
 }
 
 long CPushbackInputStream::Read(char* buf, unsigned long off, unsigned long len) {

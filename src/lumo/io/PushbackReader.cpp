@@ -41,9 +41,7 @@ void CPushbackReader::CheckOpen() const {
 
 long CPushbackReader::Read() {
     CheckOpen();
-    if (m_buffer.HasWaiting())
-        return static_cast<long>(m_buffer.Next());
-    return m_reader->Read();
+    return m_buffer.ReadGivenBack(*m_reader);
 }
 
 long CPushbackReader::Read(unsigned short* buf, unsigned long len) {

@@ -76,8 +76,6 @@ public:
     /// Forgets the waiting units (a give-back buffer is then empty again).
     void DropWaiting() noexcept { m_position = m_count; }
 
-    /// The next waiting unit; HasWaiting must be true.
-    Unit Next() noexcept { return m_units[m_position++]; }
     /// Moves up to len waiting units to dst; returns how many.
     unsigned long Take(Unit* dst, unsigned long len) noexcept {
         unsigned long const waiting = m_count - m_position;
@@ -99,6 +97,22 @@ public:
         if (n > 0)
             m_count += static_cast<unsigned long>(n);
         return n;
+    }
+    /// Read() of the read-ahead filters: the next waiting unit, refilling once from
+    /// `source` when none waits; Source::EOS when still none.
+    template <class Source> long ReadAhead(Source& source) {
+        if (m_position >= m_count) {
+            Refill(source);
+            if (m_position >= m_count)
+                return Source::EOS;
+        }
+        return static_cast<long>(m_units[m_position++]);
+    }
+    /// Read() of the give-back filters: the unit given back last, else `source`'s.
+    template <class Source> long ReadGivenBack(Source& source) {
+        if (m_position < m_count)
+            return static_cast<long>(m_units[m_position++]);
+        return source.Read();
     }
     /// The waiting units first, then `source`'s Skip for the rest, whose result is
     /// added as it comes. n = 0 gives 0 without asking `source`.
