@@ -5,6 +5,7 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/io/OutputStream.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -45,8 +46,7 @@ private:
     void CheckOpen() const;
     void EncodeGroup();
 
-    COutputStream* m_out;
-    base::CRef<COutputStream> m_outRef;
+    detail::WrappedStream<COutputStream> m_out;
     unsigned long m_lineLength;
     unsigned char m_group[3];
     unsigned long m_groupCount;

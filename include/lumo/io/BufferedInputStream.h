@@ -5,6 +5,8 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/io/InputStream.h>
+#include <lumo/io/detail/UnitBuffer.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -45,12 +47,8 @@ private:
     void FillBuffer();
     void CheckOpen() const;
 
-    CInputStream* m_in;
-    base::CRef<CInputStream> m_inRef;
-    char* m_buffer;
-    unsigned long m_capacity;
-    unsigned long m_count;
-    unsigned long m_position;
+    detail::WrappedStream<CInputStream> m_in;
+    detail::UnitBuffer<char> m_buffer;
 };
 
 } // namespace io

@@ -5,6 +5,8 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/io/OutputStream.h>
+#include <lumo/io/detail/UnitBuffer.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -51,11 +53,8 @@ private:
     CBufferedOutputStream(CBufferedOutputStream const&);
     CBufferedOutputStream& operator=(CBufferedOutputStream const&);
 
-    COutputStream* m_out;
-    base::CRef<COutputStream> m_outRef;
-    char* m_buffer;
-    unsigned long m_capacity;
-    unsigned long m_count;
+    detail::WrappedStream<COutputStream> m_out;
+    detail::UnitBuffer<char> m_buffer;
 };
 
 } // namespace io

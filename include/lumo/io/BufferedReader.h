@@ -5,6 +5,8 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/io/Reader.h>
+#include <lumo/io/detail/UnitBuffer.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -47,12 +49,8 @@ private:
     /// when the wrapped reader reported the end.
     bool FillBuffer();
 
-    CReader* m_reader;
-    base::CRef<CReader> m_readerRef;
-    unsigned short* m_buffer;
-    unsigned long m_capacity;
-    unsigned long m_count;
-    unsigned long m_position;
+    detail::WrappedStream<CReader> m_reader;
+    detail::UnitBuffer<unsigned short> m_buffer;
 };
 
 } // namespace io

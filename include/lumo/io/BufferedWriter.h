@@ -5,6 +5,8 @@
 
 #include <lumo/base/Ref.h>
 #include <lumo/io/Writer.h>
+#include <lumo/io/detail/UnitBuffer.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -54,11 +56,8 @@ private:
     void Init(unsigned long size);
     void CheckOpen() const;
 
-    CWriter* m_writer;
-    base::CRef<CWriter> m_writerRef;
-    unsigned short* m_buffer;
-    unsigned long m_capacity;
-    unsigned long m_count;
+    detail::WrappedStream<CWriter> m_writer;
+    detail::UnitBuffer<unsigned short> m_buffer;
 };
 
 } // namespace io

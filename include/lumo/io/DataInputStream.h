@@ -7,6 +7,7 @@
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/InputStream.h>
 #include <lumo/io/Serializable.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 #include <cstdint>
 
@@ -95,10 +96,8 @@ protected:
     /// Reads a string of `count` UTF-8 bytes.
     base::CUnicodeString ReadUTF8(unsigned long count);
 
-    /// The wrapped stream in either form; null after Close.
-    CInputStream* m_in;
-    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
-    base::CRef<CInputStream> m_inRef;
+    /// The wrapped stream in either form (a shared one kept alive); null after Close.
+    detail::WrappedStream<CInputStream> m_in;
 
 private:
     CDataInputStream(CDataInputStream const&);

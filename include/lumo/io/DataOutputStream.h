@@ -7,6 +7,7 @@
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/OutputStream.h>
 #include <lumo/io/Serializable.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -84,10 +85,8 @@ protected:
     /// Throws CIOException "Stream closed." after Close.
     void CheckOpen() const;
 
-    /// The wrapped stream in either form; null after Close.
-    COutputStream* m_out;
-    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
-    base::CRef<COutputStream> m_outRef;
+    /// The wrapped stream in either form (a shared one kept alive); null after Close.
+    detail::WrappedStream<COutputStream> m_out;
 
 private:
     CDataOutputStream(CDataOutputStream const&);

@@ -4,6 +4,7 @@
 #define LUMO_IO_FILEINPUTSTREAM_H
 
 #include <lumo/io/InputStream.h>
+#include <lumo/io/detail/UnitFile.h>
 #include <vela/File.h>
 #include <vela/Location.h>
 
@@ -48,7 +49,7 @@ public:
 private:
     void CheckOpen() const;
 
-    mutable IO::File m_file;
+    mutable detail::UnitFile<char> m_file;
 };
 
 } // namespace io

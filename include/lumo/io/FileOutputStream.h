@@ -4,6 +4,7 @@
 #define LUMO_IO_FILEOUTPUTSTREAM_H
 
 #include <lumo/io/OutputStream.h>
+#include <lumo/io/detail/UnitFile.h>
 #include <vela/File.h>
 #include <vela/Location.h>
 
@@ -43,7 +44,7 @@ public:
 private:
     void CheckOpen() const;
 
-    IO::File m_file;
+    detail::UnitFile<char> m_file;
 };
 
 } // namespace io

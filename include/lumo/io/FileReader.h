@@ -4,6 +4,7 @@
 #define LUMO_IO_FILEREADER_H
 
 #include <lumo/io/Reader.h>
+#include <lumo/io/detail/UnitFile.h>
 #include <vela/File.h>
 #include <vela/Location.h>
 
@@ -46,7 +47,7 @@ public:
 private:
     void CheckOpen() const;
 
-    IO::File m_file;
+    detail::UnitFile<unsigned short> m_file;
 };
 
 } // namespace io

@@ -4,6 +4,7 @@
 #define LUMO_IO_FILEWRITER_H
 
 #include <lumo/io/Writer.h>
+#include <lumo/io/detail/UnitFile.h>
 #include <vela/File.h>
 #include <vela/Location.h>
 
@@ -42,7 +43,7 @@ public:
 private:
     void CheckOpen() const;
 
-    IO::File m_file;
+    detail::UnitFile<unsigned short> m_file;
 };
 
 } // namespace io

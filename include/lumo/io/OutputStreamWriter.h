@@ -8,6 +8,8 @@
 #include <lumo/io/OutputStream.h>
 #include <lumo/io/WCharToCharConverter.h>
 #include <lumo/io/Writer.h>
+#include <lumo/io/detail/UnitBuffer.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -62,13 +64,10 @@ private:
     void Init(char const* encoding);
     void CheckOpen() const;
 
-    COutputStream* m_out;
-    base::CRef<COutputStream> m_outRef;
+    detail::WrappedStream<COutputStream> m_out;
     base::CString m_encoding;
     base::CRef<CWCharToCharConverter> m_converter;
-    char* m_buffer;
-    unsigned long m_capacity;
-    unsigned long m_count;
+    detail::UnitBuffer<char> m_buffer;
 };
 
 } // namespace io

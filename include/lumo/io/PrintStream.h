@@ -6,6 +6,7 @@
 #include <lumo/base/Ref.h>
 #include <lumo/base/String.h>
 #include <lumo/io/OutputStream.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -78,11 +79,9 @@ protected:
     /// Writes the line separator, then flushes the wrapped stream with autoflush.
     void WriteNewLine();
 
-    /// The wrapped stream in either form; null after Close and for streams that print
-    /// elsewhere.
-    COutputStream* m_out;
-    /// Keeps a shared wrapped stream alive; empty for the raw-pointer form.
-    base::CRef<COutputStream> m_outRef;
+    /// The wrapped stream in either form (a shared one kept alive); null after Close and for
+    /// streams that print elsewhere.
+    detail::WrappedStream<COutputStream> m_out;
     /// Whether each Println flushes the wrapped stream.
     bool m_autoFlush;
     /// Numbers are formatted here, so printing allocates nothing.

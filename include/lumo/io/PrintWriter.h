@@ -7,6 +7,7 @@
 #include <lumo/base/String.h>
 #include <lumo/base/UnicodeString.h>
 #include <lumo/io/Writer.h>
+#include <lumo/io/detail/WrappedStream.h>
 
 namespace lumo {
 namespace io {
@@ -102,8 +103,7 @@ private:
     void PrintNumber(char const* format, ...) LUMO_PRINTF_FORMAT(2, 3);
     void PrintUtf8(char const* text, unsigned long length);
 
-    CWriter* m_writer;
-    base::CRef<CWriter> m_writerRef;
+    detail::WrappedStream<CWriter> m_writer;
     bool m_autoFlush;
 };
 

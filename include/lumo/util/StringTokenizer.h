@@ -4,6 +4,7 @@
 #define LUMO_UTIL_STRINGTOKENIZER_H
 
 #include <lumo/base/String.h>
+#include <lumo/util/detail/TokenizerState.h>
 
 #include <cstdint>
 
@@ -34,12 +35,7 @@ public:
     unsigned long GetTokenCount() const;
 
 private:
-    base::CString m_source;
-    base::CString m_delimiters;
-    bool m_returnDelims;
-    std::uint32_t m_length;
-    mutable std::uint32_t m_position;
-    base::CString m_token;
+    detail::TokenizerState<base::CString, char> m_state;
 };
 
 } // namespace util

@@ -4,6 +4,7 @@
 #define LUMO_UTIL_UNICODESTRINGTOKENIZER_H
 
 #include <lumo/base/UnicodeString.h>
+#include <lumo/util/detail/TokenizerState.h>
 
 #include <cstdint>
 
@@ -35,12 +36,7 @@ public:
     unsigned long GetTokenCount() const;
 
 private:
-    base::CUnicodeString m_source;
-    base::CUnicodeString m_delimiters;
-    bool m_returnDelims;
-    std::uint32_t m_length;
-    mutable std::uint32_t m_position;
-    base::CUnicodeString m_token;
+    detail::TokenizerState<base::CUnicodeString, unsigned short> m_state;
 };
 
 } // namespace util

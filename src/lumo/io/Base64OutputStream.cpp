@@ -19,22 +19,21 @@ LUMO_DEFINE_CLASS(CBase64OutputStream, "lumo::io::CBase64OutputStream", "lumo::i
 
 CBase64OutputStream::CBase64OutputStream(COutputStream* out, unsigned long lineLength)
     : m_out(out), m_lineLength(lineLength), m_group{0, 0, 0}, m_groupCount(0), m_lineCount(0) {
-    if (m_out == nullptr)
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
 }
 
 CBase64OutputStream::CBase64OutputStream(base::CRef<COutputStream> const& out,
                                          unsigned long lineLength)
-    : m_out(out.Get()), m_outRef(out), m_lineLength(lineLength), m_group{0, 0, 0}, m_groupCount(0),
-      m_lineCount(0) {
-    if (m_out == nullptr)
+    : m_out(out), m_lineLength(lineLength), m_group{0, 0, 0}, m_groupCount(0), m_lineCount(0) {
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
 }
 
-CBase64OutputStream::~CBase64OutputStream() {}
+CBase64OutputStream::~CBase64OutputStream() = default;
 
 void CBase64OutputStream::CheckOpen() const {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
 }
 
@@ -103,20 +102,10 @@ void CBase64OutputStream::Flush() {
 }
 
 void CBase64OutputStream::Close() {
-    if (m_out == nullptr)
-        return;
-    try {
+    m_out.Close([this] {
         if (m_groupCount > 0)
             EncodeGroup();
-    } catch (...) {
-        COutputStream* out = m_out;
-        m_out = nullptr;
-        out->Close();
-        throw;
-    }
-    COutputStream* out = m_out;
-    m_out = nullptr;
-    out->Close();
+    });
 }
 
 } // namespace io

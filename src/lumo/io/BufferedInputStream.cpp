@@ -4,9 +4,6 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include "FilterCore.h"
-#include <cstring>
-
 namespace lumo {
 namespace io {
 
@@ -16,57 +13,42 @@ char const kUnit[] = "lumo/io/BufferedInputStream";
 
 LUMO_DEFINE_CLASS(CBufferedInputStream, "lumo::io::CBufferedInputStream", "lumo::io::CInputStream");
 
-CBufferedInputStream::CBufferedInputStream(CInputStream* in, unsigned long size)
-    : m_in(in), m_buffer(nullptr), m_capacity(0), m_count(0), m_position(0) {
+CBufferedInputStream::CBufferedInputStream(CInputStream* in, unsigned long size) : m_in(in) {
     CreateBuffer(size);
 }
 
 CBufferedInputStream::CBufferedInputStream(base::CRef<CInputStream> const& in, unsigned long size)
-    : m_in(in.Get()), m_inRef(in), m_buffer(nullptr), m_capacity(0), m_count(0), m_position(0) {
+    : m_in(in) {
     CreateBuffer(size);
 }
 
-CBufferedInputStream::~CBufferedInputStream() {
-    std::free(m_buffer);
-}
+CBufferedInputStream::~CBufferedInputStream() = default;
 
 void CBufferedInputStream::CreateBuffer(unsigned long size) {
-    if (m_in == nullptr)
+    if (m_in.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid input stream.");
     if (size == 0)
         size = 512;
-    m_buffer = detail::AllocateUnits<char>(size, kUnit, __LINE__);
-    m_capacity = size;
+    m_buffer.Allocate(size, kUnit, __LINE__);
 }
 
 void CBufferedInputStream::CheckOpen() const {
-    if (m_in == nullptr)
+    if (!m_in.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
 }
 
 void CBufferedInputStream::FillBuffer() {
-    if (m_position < m_count)
-        std::memmove(m_buffer, m_buffer + m_position, m_count - m_position);
-    m_count -= m_position;
-    m_position = 0;
-    long const n = m_in->Read(m_buffer, m_count, m_capacity - m_count);
-    if (n > 0)
-        m_count += static_cast<unsigned long>(n);
+    m_buffer.Refill(*m_in);
 }
 
 unsigned long CBufferedInputStream::GetAvailable() const {
     CheckOpen();
-    return m_in->GetAvailable() + (m_count - m_position);
+    return m_in->GetAvailable() + m_buffer.Waiting();
 }
 
 long CBufferedInputStream::Read() {
     CheckOpen();
-    if (m_position >= m_count) {
-        FillBuffer();
-        if (m_position >= m_count)
-            return EOS;
-    }
-    return static_cast<long>(m_buffer[m_position++]);
+    return m_buffer.ReadAhead(*m_in);
 }
 
 long CBufferedInputStream::Read(char* buf, unsigned long off, unsigned long len) {
@@ -76,24 +58,21 @@ long CBufferedInputStream::Read(char* buf, unsigned long off, unsigned long len)
     if (len == 0)
         return 0;
     // Large requests bypass the buffer, ahead of anything still waiting in it.
-    if (len > m_capacity)
+    if (len > m_buffer.Capacity())
         return m_in->Read(buf, off, len);
     // A buffer's worth with nothing waiting: the one wrapped read that FillBuffer
     // would make, of the same length, lands straight in the caller's array and saves
     // the copy out of the buffer. The buffer is left empty, as it would be.
-    if (len == m_capacity && m_position >= m_count) {
-        m_count = 0;
-        m_position = 0;
+    if (len == m_buffer.Capacity() && !m_buffer.HasWaiting()) {
+        m_buffer.Empty();
         long const n = m_in->Read(buf, off, len);
         return n > 0 ? n : 0;
     }
-    unsigned long const waiting =
-        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_count);
+    unsigned long const waiting = m_buffer.Take(buf + off, len);
     if (waiting == len)
         return static_cast<long>(len);
     FillBuffer();
-    return static_cast<long>(waiting + detail::TakeWaiting(buf + off + waiting, len - waiting,
-                                                           m_buffer, m_position, m_count));
+    return static_cast<long>(waiting + m_buffer.Take(buf + off + waiting, len - waiting));
 }
 
 long CBufferedInputStream::Read(char* buf, unsigned long len) {
@@ -102,19 +81,18 @@ long CBufferedInputStream::Read(char* buf, unsigned long len) {
 
 long CBufferedInputStream::Skip(unsigned long n) {
     CheckOpen();
-    return detail::SkipBuffered(m_in, n, m_position, m_count);
+    return m_buffer.Skip(*m_in, n, detail::UnitBuffer<char>::ExactFit::StaysHere);
 }
 
 void CBufferedInputStream::Reset() {
     CheckOpen();
-    m_count = 0;
-    m_position = 0;
+    m_buffer.Empty();
     m_in->Reset();
 }
 
 void CBufferedInputStream::Close() {
     CheckOpen();
-    detail::ReleaseAndClose(m_in);
+    m_in.Close();
 }
 
 } // namespace io

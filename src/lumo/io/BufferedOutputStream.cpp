@@ -5,10 +5,6 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include "FilterCore.h"
-#include <cstdlib>
-#include <cstring>
-
 namespace lumo {
 namespace io {
 
@@ -19,59 +15,45 @@ char const kUnit[] = "lumo/io/BufferedOutputStream";
 LUMO_DEFINE_CLASS(CBufferedOutputStream, "lumo::io::CBufferedOutputStream",
                   "lumo::io::COutputStream");
 
-CBufferedOutputStream::CBufferedOutputStream(COutputStream* out, unsigned long size)
-    : m_out(out), m_buffer(nullptr), m_capacity(0), m_count(0) {
+CBufferedOutputStream::CBufferedOutputStream(COutputStream* out, unsigned long size) : m_out(out) {
     Init(size);
 }
 
 CBufferedOutputStream::CBufferedOutputStream(base::CRef<COutputStream> const& out,
                                              unsigned long size)
-    : m_out(out.Get()), m_outRef(out), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    : m_out(out) {
     Init(size);
 }
 
-CBufferedOutputStream::~CBufferedOutputStream() {
-    std::free(m_buffer);
-}
+CBufferedOutputStream::~CBufferedOutputStream() = default;
 
 void CBufferedOutputStream::Init(unsigned long size) {
-    if (m_out == nullptr)
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
     if (size == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invaid buffer size.");
-    m_buffer = detail::AllocateUnits<char>(size, kUnit, __LINE__);
-    m_capacity = size;
+    m_buffer.Allocate(size, kUnit, __LINE__);
 }
 
 void CBufferedOutputStream::FlushBuffer() {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
-    if (m_count > 0) {
-        m_out->Write(m_buffer, 0, m_count);
-        m_count = 0;
-    }
+    m_buffer.DrainTo(*m_out);
 }
 
 void CBufferedOutputStream::InternalWrite(char const* buf, unsigned long off, unsigned long len) {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
-    if (len >= m_capacity) {
+    if (len >= m_buffer.Capacity()) {
         FlushBuffer();
         m_out->Write(buf, off, len);
         return;
     }
-    char const* src = buf + off;
-    if (len < m_capacity - m_count) {
-        // The common case: the bytes fit without filling the buffer.
-        std::memcpy(m_buffer + m_count, src, len);
-        m_count += len;
-        return;
-    }
-    detail::FillAndDrain(m_buffer, m_capacity, m_count, src, len, [this] { FlushBuffer(); });
+    m_buffer.Append(buf + off, len, [this] { FlushBuffer(); });
 }
 
 void CBufferedOutputStream::InternalClose() {
-    detail::ReleaseAndClose(m_out);
+    m_out.Close();
 }
 
 void CBufferedOutputStream::Write(char const* buf, unsigned long off, unsigned long len) {
@@ -85,11 +67,11 @@ void CBufferedOutputStream::Write(char const* buf, unsigned long len) {
 }
 
 void CBufferedOutputStream::Write(char c) {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
-    if (m_count == m_capacity)
+    if (m_buffer.IsFull())
         FlushBuffer();
-    m_buffer[m_count++] = c;
+    m_buffer.Append(c);
 }
 
 void CBufferedOutputStream::Flush() {
@@ -98,7 +80,7 @@ void CBufferedOutputStream::Flush() {
 }
 
 void CBufferedOutputStream::Close() {
-    detail::FlushAndClose(m_out, [this] { FlushBuffer(); });
+    m_out.Close([this] { FlushBuffer(); });
 }
 
 } // namespace io

@@ -6,9 +6,6 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include "FilterCore.h"
-#include <cstdlib>
-
 namespace lumo {
 namespace io {
 
@@ -18,54 +15,44 @@ char const kUnit[] = "lumo/io/BufferedWriter";
 
 LUMO_DEFINE_CLASS(CBufferedWriter, "lumo::io::CBufferedWriter", "lumo::io::CWriter");
 
-CBufferedWriter::CBufferedWriter(CWriter* writer, unsigned long size)
-    : m_writer(writer), m_buffer(nullptr), m_capacity(0), m_count(0) {
+CBufferedWriter::CBufferedWriter(CWriter* writer, unsigned long size) : m_writer(writer) {
     Init(size);
 }
 
 CBufferedWriter::CBufferedWriter(base::CRef<CWriter> const& writer, unsigned long size)
-    : m_writer(writer.Get()), m_writerRef(writer), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    : m_writer(writer) {
     Init(size);
 }
 
 void CBufferedWriter::Init(unsigned long size) {
-    if (m_writer == nullptr)
+    if (m_writer.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid writer.");
     if (size == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid buffer size.");
-    if (size > 0x7FFFFFFFul / sizeof(unsigned short))
-        throw base::CMemoryException(kUnit, __LINE__);
-    m_buffer = detail::AllocateUnits<unsigned short>(size, kUnit, __LINE__);
-    m_capacity = size;
+    m_buffer.Allocate(size, kUnit, __LINE__);
 }
 
-CBufferedWriter::~CBufferedWriter() {
-    std::free(m_buffer);
-}
+CBufferedWriter::~CBufferedWriter() = default;
 
 void CBufferedWriter::CheckOpen() const {
-    if (m_writer == nullptr)
+    if (!m_writer.IsOpen())
         throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
 }
 
 void CBufferedWriter::FlushBuffer() {
     CheckOpen();
-    if (m_count == 0)
-        return;
-    // Cleared only after the write succeeded: a failed write keeps the units.
-    m_writer->Write(m_buffer, 0, m_count);
-    m_count = 0;
+    m_buffer.DrainTo(*m_writer);
 }
 
 void CBufferedWriter::InternalWrite(unsigned short const* buf, unsigned long off,
                                     unsigned long len) {
     CheckOpen();
-    if (len >= m_capacity) {
+    if (len >= m_buffer.Capacity()) {
         FlushBuffer();
         m_writer->Write(buf, off, len);
         return;
     }
-    detail::FillAndDrain(m_buffer, m_capacity, m_count, buf + off, len, [this] { FlushBuffer(); });
+    m_buffer.Append(buf + off, len, [this] { FlushBuffer(); });
 }
 
 void CBufferedWriter::Write(unsigned short const* buf, unsigned long off, unsigned long len) {
@@ -96,9 +83,9 @@ void CBufferedWriter::Write(base::CUnicodeString const& s) {
 
 void CBufferedWriter::Write(unsigned short c) {
     CheckOpen();
-    if (m_count >= m_capacity)
+    if (m_buffer.IsFull())
         FlushBuffer();
-    m_buffer[m_count++] = c;
+    m_buffer.Append(c);
 }
 
 void CBufferedWriter::Flush() {
@@ -107,11 +94,11 @@ void CBufferedWriter::Flush() {
 }
 
 void CBufferedWriter::Close() {
-    detail::FlushAndClose(m_writer, [this] { FlushBuffer(); });
+    m_writer.Close([this] { FlushBuffer(); });
 }
 
 void CBufferedWriter::InternalClose() {
-    detail::ReleaseAndClose(m_writer);
+    m_writer.Close();
 }
 
 } // namespace io

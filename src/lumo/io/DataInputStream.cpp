@@ -20,20 +20,19 @@ char const kUnit[] = "lumo/io/DataInputStream";
 LUMO_DEFINE_CLASS(CDataInputStream, "lumo::io::CDataInputStream", "lumo::io::CInputStream");
 
 CDataInputStream::CDataInputStream(CInputStream* in) : m_in(in) {
-    if (m_in == nullptr)
+    if (m_in.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid input stream.");
 }
 
-CDataInputStream::CDataInputStream(base::CRef<CInputStream> const& in)
-    : m_in(in.Get()), m_inRef(in) {
-    if (m_in == nullptr)
+CDataInputStream::CDataInputStream(base::CRef<CInputStream> const& in) : m_in(in) {
+    if (m_in.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid input stream.");
 }
 
-CDataInputStream::~CDataInputStream() {}
+CDataInputStream::~CDataInputStream() = default;
 
 void CDataInputStream::CheckOpen() const {
-    if (m_in == nullptr)
+    if (!m_in.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
 }
 
@@ -68,11 +67,7 @@ void CDataInputStream::Reset() {
 }
 
 void CDataInputStream::Close() {
-    if (m_in == nullptr)
-        return;
-    CInputStream* in = m_in;
-    m_in = nullptr;
-    in->Close();
+    m_in.Close();
 }
 
 void CDataInputStream::ReadRaw(unsigned char* buf, unsigned long count) {

@@ -30,20 +30,19 @@ void Put32(COutputStream* out, std::uint32_t v) {
 LUMO_DEFINE_CLASS(CDataOutputStream, "lumo::io::CDataOutputStream", "lumo::io::COutputStream");
 
 CDataOutputStream::CDataOutputStream(COutputStream* out) : m_out(out) {
-    if (m_out == nullptr)
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
 }
 
-CDataOutputStream::CDataOutputStream(base::CRef<COutputStream> const& out)
-    : m_out(out.Get()), m_outRef(out) {
-    if (m_out == nullptr)
+CDataOutputStream::CDataOutputStream(base::CRef<COutputStream> const& out) : m_out(out) {
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
 }
 
-CDataOutputStream::~CDataOutputStream() {}
+CDataOutputStream::~CDataOutputStream() = default;
 
 void CDataOutputStream::CheckOpen() const {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
 }
 
@@ -68,11 +67,7 @@ void CDataOutputStream::Flush() {
 }
 
 void CDataOutputStream::Close() {
-    if (m_out == nullptr)
-        return;
-    COutputStream* out = m_out;
-    m_out = nullptr;
-    out->Close();
+    m_out.Close();
 }
 
 void CDataOutputStream::WriteBool(bool value) {
@@ -92,22 +87,22 @@ void CDataOutputStream::WriteUByte(unsigned char value) {
 
 void CDataOutputStream::WriteInt16(short value) {
     CheckOpen();
-    Put16(m_out, static_cast<std::uint16_t>(value));
+    Put16(m_out.Get(), static_cast<std::uint16_t>(value));
 }
 
 void CDataOutputStream::WriteUInt16(unsigned short value) {
     CheckOpen();
-    Put16(m_out, value);
+    Put16(m_out.Get(), value);
 }
 
 void CDataOutputStream::WriteInt32(long value) {
     CheckOpen();
-    Put32(m_out, static_cast<std::uint32_t>(value));
+    Put32(m_out.Get(), static_cast<std::uint32_t>(value));
 }
 
 void CDataOutputStream::WriteUInt32(unsigned long value) {
     CheckOpen();
-    Put32(m_out, static_cast<std::uint32_t>(value));
+    Put32(m_out.Get(), static_cast<std::uint32_t>(value));
 }
 
 void CDataOutputStream::WriteFloat(float value) {
@@ -134,7 +129,7 @@ void CDataOutputStream::WriteString(base::CUnicodeString const& value) {
     CheckOpen();
     base::CString const utf8 = value.ToUTF8();
     std::uint32_t const n = static_cast<std::uint32_t>(utf8.GetLength());
-    Put32(m_out, n);
+    Put32(m_out.Get(), n);
     m_out->Write(static_cast<char const*>(utf8), n);
 }
 

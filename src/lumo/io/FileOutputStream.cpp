@@ -2,7 +2,6 @@
 // with failures reported as CIOException.
 #include <lumo/io/FileOutputStream.h>
 
-#include "FileCore.h"
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
@@ -16,12 +15,11 @@ char const kUnit[] = "lumo/io/FileOutputStream";
 LUMO_DEFINE_CLASS(CFileOutputStream, "lumo::io::CFileOutputStream", "lumo::io::COutputStream");
 
 CFileOutputStream::CFileOutputStream(IO::Location const& location, bool append)
-    : m_file(location, IO::File::NOT_FOUND_CREATE) {
-    detail::OpenFile(m_file, location, append ? IO::File::MODE_APPEND : IO::File::MODE_WRITE, kUnit,
-                     "Failed to open the underlying file.", {18, 20, 23, 25});
-}
+    : m_file(location, IO::File::NOT_FOUND_CREATE,
+             append ? IO::File::MODE_APPEND : IO::File::MODE_WRITE, kUnit,
+             "Failed to open the underlying file.", {18, 20, 23, 25}) {}
 
-CFileOutputStream::~CFileOutputStream() {}
+CFileOutputStream::~CFileOutputStream() = default;
 
 void CFileOutputStream::CheckOpen() const {
     if (!m_file.IsOpen())
@@ -30,7 +28,7 @@ void CFileOutputStream::CheckOpen() const {
 
 void CFileOutputStream::Write(char c) {
     CheckOpen();
-    if (m_file.WriteByte(static_cast<unsigned char>(c)) != IO::RESULT_OK)
+    if (m_file->WriteByte(static_cast<unsigned char>(c)) != IO::RESULT_OK)
         throw CIOException(kUnit, __LINE__,
                            "Failed to write the specified byte the the underlying file.", nullptr);
 }
@@ -43,7 +41,7 @@ void CFileOutputStream::Write(char const* buf, unsigned long off, unsigned long 
     CheckOpen();
     if (buf == nullptr || len == 0 || !Vela::bnManager::IsReadable(buf + off, len))
         return;
-    if (m_file.Write(buf + off, len, nullptr) != IO::RESULT_OK)
+    if (m_file->Write(buf + off, len, nullptr) != IO::RESULT_OK)
         throw CIOException(kUnit, __LINE__,
                            "Failed to write the specified number of bytes to the underlying file.",
                            nullptr);
@@ -51,12 +49,12 @@ void CFileOutputStream::Write(char const* buf, unsigned long off, unsigned long 
 
 void CFileOutputStream::Flush() {
     CheckOpen();
-    detail::FlushFile(m_file, kUnit, __LINE__);
+    m_file.Flush(kUnit, __LINE__);
 }
 
 void CFileOutputStream::Close() {
     CheckOpen();
-    detail::CloseFile(m_file, kUnit, __LINE__);
+    m_file.Close(kUnit, __LINE__);
 }
 
 } // namespace io

@@ -2,7 +2,6 @@
 // bounded so that byte counts stay within signed 32-bit results.
 #include <lumo/io/FileReader.h>
 
-#include "FileCore.h"
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
@@ -17,21 +16,16 @@ char const kUnit[] = "lumo/io/FileReader";
 char const kReadFailed[] =
     "Failed to read the specified number of wide chars from the underlying file.";
 
-// Results are signed 32-bit and the file counts bytes: one call moves at most this
-// many units.
-unsigned long const kMaxUnits = 0x3FFFFFFF;
-
 } // namespace
 
 LUMO_DEFINE_CLASS(CFileReader, "lumo::io::CFileReader", "lumo::io::CReader");
 
 CFileReader::CFileReader(IO::Location const& location)
-    : m_file(location, IO::File::NOT_FOUND_FAIL) {
-    detail::OpenFile(m_file, location, IO::File::MODE_READ, kUnit,
-                     "Failed to open the underlying file.", {28, 30, 33, 35});
+    : m_file(location, IO::File::NOT_FOUND_FAIL, IO::File::MODE_READ, kUnit,
+             "Failed to open the underlying file.", {28, 30, 33, 35}) {
     // A throw from here on destroys m_file, which closes it.
     std::uint64_t length = 0;
-    if (m_file.GetDataLength(&length) != IO::RESULT_OK)
+    if (m_file->GetDataLength(&length) != IO::RESULT_OK)
         throw CIOException(kUnit, __LINE__, "Failed to get the length of the underlying file.",
                            nullptr);
     if (length % 2 != 0)
@@ -39,7 +33,7 @@ CFileReader::CFileReader(IO::Location const& location)
                            nullptr);
 }
 
-CFileReader::~CFileReader() {}
+CFileReader::~CFileReader() = default;
 
 void CFileReader::CheckOpen() const {
     if (!m_file.IsOpen())
@@ -49,7 +43,7 @@ void CFileReader::CheckOpen() const {
 long CFileReader::Read() {
     CheckOpen();
     unsigned short unit = 0;
-    IO::Result const result = m_file.ReadUnit16(&unit);
+    IO::Result const result = m_file->ReadUnit16(&unit);
     if (result == IO::RESULT_END_OF_DATA)
         return EOS;
     if (result != IO::RESULT_OK)
@@ -67,11 +61,11 @@ long CFileReader::Read(unsigned short* buf, unsigned long off, unsigned long len
         return len > 0 ? Skip(len) : 0;
     if (len == 0)
         return 0;
-    if (len > kMaxUnits)
-        len = kMaxUnits;
+    if (len > m_file.kMaxUnitsPerCall)
+        len = m_file.kMaxUnitsPerCall;
     unsigned short* const target = buf + off;
     unsigned long done = 0;
-    IO::Result const result = m_file.Read(target, len * 2, &done);
+    IO::Result const result = m_file->Read(target, len * 2, &done);
     if (result == IO::RESULT_END_OF_DATA)
         return -1;
     if (result != IO::RESULT_OK)
@@ -79,7 +73,7 @@ long CFileReader::Read(unsigned short* buf, unsigned long off, unsigned long len
     if (done % 2 != 0) {
         // The file ends inside a unit (it changed since it was opened): keep the
         // half unit for the next read, which then fails.
-        if (done == 1 || m_file.Seek(-1, IO::File::SEEK_FROM_CURRENT) != IO::RESULT_OK)
+        if (done == 1 || m_file->Seek(-1, IO::File::SEEK_FROM_CURRENT) != IO::RESULT_OK)
             throw CIOException(kUnit, __LINE__, kReadFailed, nullptr);
     }
     unsigned long const units = done / 2;
@@ -93,32 +87,17 @@ long CFileReader::Read(unsigned short* buf, unsigned long off, unsigned long len
 
 long CFileReader::Skip(unsigned long n) {
     CheckOpen();
-    if (n == 0)
-        return 0;
-    std::uint64_t available = 0;
-    if (m_file.GetAvailable(&available) != IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__,
-                           "Failed to get the number of available bytes of the underlying file.",
-                           nullptr);
-    std::uint64_t units = available / 2;
-    if (units > n)
-        units = n;
-    if (units > kMaxUnits)
-        units = kMaxUnits;
-    if (m_file.Seek(static_cast<std::int64_t>(units * 2), IO::File::SEEK_FROM_CURRENT) !=
-        IO::RESULT_OK)
-        throw CIOException(kUnit, __LINE__, "Failed to seek in the underlying file.", nullptr);
-    return static_cast<long>(units);
+    return m_file.Skip(n, kUnit, __LINE__);
 }
 
 void CFileReader::Reset() {
     CheckOpen();
-    detail::RewindFile(m_file, kUnit, __LINE__);
+    m_file.Rewind(kUnit, __LINE__);
 }
 
 void CFileReader::Close() {
     CheckOpen();
-    detail::CloseFile(m_file, kUnit, __LINE__);
+    m_file.Close(kUnit, __LINE__);
 }
 
 } // namespace io

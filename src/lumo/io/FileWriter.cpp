@@ -1,7 +1,6 @@
 // CFileWriter over IO::File: writes UTF-16 units as two bytes each, low byte first.
 #include <lumo/io/FileWriter.h>
 
-#include "FileCore.h"
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
@@ -15,12 +14,10 @@ char const kUnit[] = "lumo/io/FileWriter";
 LUMO_DEFINE_CLASS(CFileWriter, "lumo::io::CFileWriter", "lumo::io::CWriter");
 
 CFileWriter::CFileWriter(IO::Location const& location)
-    : m_file(location, IO::File::NOT_FOUND_CREATE) {
-    detail::OpenFile(m_file, location, IO::File::MODE_WRITE, kUnit,
-                     "Failed to open the underlying file.", {18, 20, 23, 25});
-}
+    : m_file(location, IO::File::NOT_FOUND_CREATE, IO::File::MODE_WRITE, kUnit,
+             "Failed to open the underlying file.", {18, 20, 23, 25}) {}
 
-CFileWriter::~CFileWriter() {}
+CFileWriter::~CFileWriter() = default;
 
 void CFileWriter::CheckOpen() const {
     if (!m_file.IsOpen())
@@ -29,7 +26,7 @@ void CFileWriter::CheckOpen() const {
 
 void CFileWriter::Write(unsigned short c) {
     CheckOpen();
-    if (m_file.WriteUnit16(c) != IO::RESULT_OK)
+    if (m_file->WriteUnit16(c) != IO::RESULT_OK)
         throw CIOException(kUnit, __LINE__,
                            "Failed to write the specified wide char to the underlying file.",
                            nullptr);
@@ -50,10 +47,10 @@ void CFileWriter::Write(unsigned short const* buf, unsigned long off, unsigned l
             bytes[n++] = static_cast<unsigned char>(buf[off + i] & 0xFF);
             bytes[n++] = static_cast<unsigned char>(buf[off + i] >> 8);
         }
-        result = m_file.Write(bytes, n, nullptr);
+        result = m_file->Write(bytes, n, nullptr);
     }
 #else
-    result = m_file.Write(buf + off, len * sizeof(unsigned short), nullptr);
+    result = m_file->Write(buf + off, len * sizeof(unsigned short), nullptr);
 #endif
     if (result != IO::RESULT_OK)
         throw CIOException(kUnit, __LINE__,
@@ -64,12 +61,12 @@ void CFileWriter::Write(unsigned short const* buf, unsigned long off, unsigned l
 
 void CFileWriter::Flush() {
     CheckOpen();
-    detail::FlushFile(m_file, kUnit, __LINE__);
+    m_file.Flush(kUnit, __LINE__);
 }
 
 void CFileWriter::Close() {
     CheckOpen();
-    detail::CloseFile(m_file, kUnit, __LINE__);
+    m_file.Close(kUnit, __LINE__);
 }
 
 } // namespace io

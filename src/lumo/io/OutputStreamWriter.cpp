@@ -6,8 +6,6 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include "FilterCore.h"
-
 namespace lumo {
 namespace io {
 
@@ -18,42 +16,35 @@ unsigned long const kInitialCapacity = 8196;
 
 LUMO_DEFINE_CLASS(COutputStreamWriter, "lumo::io::COutputStreamWriter", "lumo::io::CWriter");
 
-COutputStreamWriter::COutputStreamWriter(COutputStream* out, char const* encoding)
-    : m_out(out), m_buffer(nullptr), m_capacity(0), m_count(0) {
+COutputStreamWriter::COutputStreamWriter(COutputStream* out, char const* encoding) : m_out(out) {
     Init(encoding);
 }
 
 COutputStreamWriter::COutputStreamWriter(base::CRef<COutputStream> const& out, char const* encoding)
-    : m_out(out.Get()), m_outRef(out), m_buffer(nullptr), m_capacity(0), m_count(0) {
+    : m_out(out) {
     Init(encoding);
 }
 
 void COutputStreamWriter::Init(char const* encoding) {
-    if (m_out == nullptr)
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream..");
     if (encoding == nullptr || *encoding == '\0')
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid encoding.");
     m_encoding = encoding;
     m_converter = CWCharToCharConverter::GetConverter(encoding);
-    m_buffer = detail::AllocateUnits<char>(kInitialCapacity, kUnit, __LINE__);
-    m_capacity = kInitialCapacity;
+    m_buffer.Allocate(kInitialCapacity, kUnit, __LINE__);
 }
 
-COutputStreamWriter::~COutputStreamWriter() {
-    std::free(m_buffer);
-}
+COutputStreamWriter::~COutputStreamWriter() = default;
 
 void COutputStreamWriter::CheckOpen() const {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
 }
 
 void COutputStreamWriter::FlushBuffer() {
     CheckOpen();
-    if (m_count == 0)
-        return;
-    m_out->Write(m_buffer, 0, m_count);
-    m_count = 0;
+    m_buffer.DrainTo(*m_out);
 }
 
 void COutputStreamWriter::InternalWrite(unsigned short const* buf, unsigned long off,
@@ -62,27 +53,23 @@ void COutputStreamWriter::InternalWrite(unsigned short const* buf, unsigned long
     bool wroteOut = false;
     while (len > 0) {
         bool writeNow = false;
-        long const n = m_converter->Convert(buf, off, len, m_buffer, m_count, m_capacity - m_count);
+        long const n =
+            m_converter->Convert(buf, off, len, m_buffer.Data(), m_buffer.Count(), m_buffer.Room());
         if (n >= 0) {
             // All units consumed; 0 bytes is a success too (a high surrogate
             // waiting in the converter for its other half).
-            m_count += static_cast<unsigned long>(n);
+            m_buffer.Added(static_cast<unsigned long>(n));
             len = 0;
-        } else if (wroteOut && m_count == 0) {
+        } else if (wroteOut && m_buffer.Count() == 0) {
             // Even an empty buffer is too small. The converter stands where it
             // was before the call, so the same units are converted again.
-            if (m_capacity > 0x7FFFFFFFul)
+            if (m_buffer.Capacity() > 0x7FFFFFFFul ||
+                !m_buffer.TryAllocate(m_buffer.Capacity() * 2))
                 throw CIOException(kUnit, __LINE__, "Memory full.", nullptr);
-            char* const larger = static_cast<char*>(std::malloc(m_capacity * 2));
-            if (larger == nullptr)
-                throw CIOException(kUnit, __LINE__, "Memory full.", nullptr);
-            std::free(m_buffer);
-            m_buffer = larger;
-            m_capacity *= 2;
         } else {
             writeNow = true;
         }
-        if (m_count >= m_capacity || writeNow) {
+        if (m_buffer.IsFull() || writeNow) {
             FlushBuffer();
             wroteOut = true;
         }
@@ -126,11 +113,11 @@ void COutputStreamWriter::Flush() {
 }
 
 void COutputStreamWriter::Close() {
-    detail::FlushAndClose(m_out, [this] { FlushBuffer(); });
+    m_out.Close([this] { FlushBuffer(); });
 }
 
 void COutputStreamWriter::InternalClose() {
-    detail::ReleaseAndClose(m_out);
+    m_out.Close();
 }
 
 } // namespace io

@@ -19,24 +19,22 @@ LUMO_DEFINE_CLASS(CPrintStream, "lumo::io::CPrintStream", "lumo::io::COutputStre
 
 CPrintStream::CPrintStream(COutputStream* out, bool autoFlush)
     : m_out(out), m_autoFlush(autoFlush), m_scratch(), m_lineSeparator(Vela::EOL) {
-    if (m_out == nullptr)
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
 }
 
 CPrintStream::CPrintStream(base::CRef<COutputStream> const& out, bool autoFlush)
-    : m_out(out.Get()), m_outRef(out), m_autoFlush(autoFlush), m_scratch(),
-      m_lineSeparator(Vela::EOL) {
-    if (m_out == nullptr)
+    : m_out(out), m_autoFlush(autoFlush), m_scratch(), m_lineSeparator(Vela::EOL) {
+    if (m_out.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid output stream.");
 }
 
-CPrintStream::CPrintStream()
-    : m_out(nullptr), m_autoFlush(false), m_scratch(), m_lineSeparator(Vela::EOL) {}
+CPrintStream::CPrintStream() : m_autoFlush(false), m_scratch(), m_lineSeparator(Vela::EOL) {}
 
-CPrintStream::~CPrintStream() {}
+CPrintStream::~CPrintStream() = default;
 
 void CPrintStream::CheckOpen() const {
-    if (m_out == nullptr)
+    if (!m_out.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
 }
 
@@ -68,11 +66,7 @@ void CPrintStream::Flush() {
 }
 
 void CPrintStream::Close() {
-    if (m_out == nullptr)
-        return;
-    COutputStream* out = m_out;
-    m_out = nullptr;
-    out->Close();
+    m_out.Close();
 }
 
 void CPrintStream::PrintScratch(int length) {

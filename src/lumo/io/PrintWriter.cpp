@@ -34,20 +34,20 @@ LUMO_DEFINE_CLASS(CPrintWriter, "lumo::io::CPrintWriter", "lumo::io::CWriter");
 
 CPrintWriter::CPrintWriter(CWriter* writer, bool autoFlush)
     : m_writer(writer), m_autoFlush(autoFlush) {
-    if (m_writer == nullptr)
+    if (m_writer.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid writer.");
 }
 
 CPrintWriter::CPrintWriter(base::CRef<CWriter> const& writer, bool autoFlush)
-    : m_writer(writer.Get()), m_writerRef(writer), m_autoFlush(autoFlush) {
-    if (m_writer == nullptr)
+    : m_writer(writer), m_autoFlush(autoFlush) {
+    if (m_writer.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid writer.");
 }
 
-CPrintWriter::~CPrintWriter() {}
+CPrintWriter::~CPrintWriter() = default;
 
 void CPrintWriter::CheckOpen() const {
-    if (m_writer == nullptr)
+    if (!m_writer.IsOpen())
         throw CIOException(kUnit, __LINE__, "Writer closed.", nullptr);
 }
 
@@ -147,11 +147,7 @@ void CPrintWriter::Flush() {
 }
 
 void CPrintWriter::Close() {
-    if (m_writer == nullptr)
-        return;
-    CWriter* const writer = m_writer;
-    m_writer = nullptr;
-    writer->Close();
+    m_writer.Close();
 }
 
 void CPrintWriter::Print(bool value) {

@@ -5,8 +5,6 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include "FilterCore.h"
-
 namespace lumo {
 namespace io {
 
@@ -16,43 +14,38 @@ char const kUnit[] = "lumo/io/PushbackInputStream";
 
 LUMO_DEFINE_CLASS(CPushbackInputStream, "lumo::io::CPushbackInputStream", "lumo::io::CInputStream");
 
-CPushbackInputStream::CPushbackInputStream(CInputStream* in, unsigned long size)
-    : m_in(in), m_buffer(nullptr), m_capacity(0), m_position(0) {
+CPushbackInputStream::CPushbackInputStream(CInputStream* in, unsigned long size) : m_in(in) {
     Init(size);
 }
 
 CPushbackInputStream::CPushbackInputStream(base::CRef<CInputStream> const& in, unsigned long size)
-    : m_in(in.Get()), m_inRef(in), m_buffer(nullptr), m_capacity(0), m_position(0) {
+    : m_in(in) {
     Init(size);
 }
 
-CPushbackInputStream::~CPushbackInputStream() {
-    std::free(m_buffer);
-}
+CPushbackInputStream::~CPushbackInputStream() = default;
 
 void CPushbackInputStream::Init(unsigned long size) {
-    if (m_in == nullptr)
+    if (m_in.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid input stream.");
     if (size == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pushback buffer size.");
-    m_buffer = detail::AllocateUnits<char>(size, kUnit, __LINE__);
-    m_capacity = size;
-    m_position = size;
+    m_buffer.AllocateGiveBack(size, kUnit, __LINE__);
 }
 
 void CPushbackInputStream::CheckOpen() const {
-    if (m_in == nullptr)
+    if (!m_in.IsOpen())
         throw CIOException(kUnit, __LINE__, "Stream closed.", nullptr);
 }
 
 unsigned long CPushbackInputStream::GetAvailable() const {
     CheckOpen();
-    return (m_capacity - m_position) + m_in->GetAvailable();
+    return m_buffer.Waiting() + m_in->GetAvailable();
 }
 
 long CPushbackInputStream::Read() {
     CheckOpen();
-    return detail::ReadPushedBack(m_in, m_buffer, m_capacity, m_position);
+    return m_buffer.ReadGivenBack(*m_in);
 }
 
 long CPushbackInputStream::Read(char* buf, unsigned long off, unsigned long len) {
@@ -61,9 +54,8 @@ long CPushbackInputStream::Read(char* buf, unsigned long off, unsigned long len)
         return len > 0 ? Skip(len) : 0;
     if (len == 0)
         return 0;
-    unsigned long const held =
-        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_capacity);
-    if (held == len && m_position < m_capacity)
+    unsigned long const held = m_buffer.Take(buf + off, len);
+    if (held == len && m_buffer.HasWaiting())
         return static_cast<long>(len);
     // The wrapped result is added as it is: -1 at its end gives held - 1.
     return static_cast<long>(held) + m_in->Read(buf, off + held, len - held);
@@ -75,24 +67,22 @@ long CPushbackInputStream::Read(char* buf, unsigned long len) {
 
 long CPushbackInputStream::Skip(unsigned long n) {
     CheckOpen();
-    return detail::SkipPushedBack(m_in, n, m_position, m_capacity);
+    return m_buffer.Skip(*m_in, n, detail::UnitBuffer<char>::ExactFit::AsksSource);
 }
 
 void CPushbackInputStream::Reset() {
     CheckOpen();
-    m_position = m_capacity;
+    m_buffer.DropWaiting();
     m_in->Reset();
 }
 
 void CPushbackInputStream::Close() {
     CheckOpen();
-    detail::ReleaseAndClose(m_in);
+    m_in.Close();
 }
 
 void CPushbackInputStream::Unread(char c) {
-    if (m_position == 0)
-        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
-    m_buffer[--m_position] = c;
+    m_buffer.GiveBack(c, kUnit, __LINE__);
 }
 
 void CPushbackInputStream::Unread(char const* buf, unsigned long len) {
@@ -100,7 +90,7 @@ void CPushbackInputStream::Unread(char const* buf, unsigned long len) {
 }
 
 void CPushbackInputStream::Unread(char const* buf, unsigned long off, unsigned long len) {
-    detail::PushBack(m_buffer, m_position, buf, off, len, kUnit, __LINE__);
+    m_buffer.GiveBack(buf, off, len, kUnit, __LINE__);
 }
 
 } // namespace io

@@ -6,8 +6,6 @@
 #include <lumo/io/IOException.h>
 #include <vela/Memory.h>
 
-#include "FilterCore.h"
-
 namespace lumo {
 namespace io {
 
@@ -17,40 +15,33 @@ char const kUnit[] = "lumo/io/PushbackReader";
 
 LUMO_DEFINE_CLASS(CPushbackReader, "lumo::io::CPushbackReader", "lumo::io::CReader");
 
-CPushbackReader::CPushbackReader(CReader* reader, unsigned long size)
-    : m_reader(reader), m_buffer(nullptr), m_capacity(0), m_position(0) {
+CPushbackReader::CPushbackReader(CReader* reader, unsigned long size) : m_reader(reader) {
     Init(size);
 }
 
 CPushbackReader::CPushbackReader(base::CRef<CReader> const& reader, unsigned long size)
-    : m_reader(reader.Get()), m_readerRef(reader), m_buffer(nullptr), m_capacity(0), m_position(0) {
+    : m_reader(reader) {
     Init(size);
 }
 
 void CPushbackReader::Init(unsigned long size) {
-    if (m_reader == nullptr)
+    if (m_reader.Get() == nullptr)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid reader.");
     if (size == 0)
         throw base::CIllegalArgumentException(kUnit, __LINE__, "Invalid pushback buffer size.");
-    if (size > 0x7FFFFFFFul / sizeof(unsigned short))
-        throw base::CMemoryException(kUnit, __LINE__);
-    m_buffer = detail::AllocateUnits<unsigned short>(size, kUnit, __LINE__);
-    m_capacity = size;
-    m_position = size;
+    m_buffer.AllocateGiveBack(size, kUnit, __LINE__);
 }
 
-CPushbackReader::~CPushbackReader() {
-    std::free(m_buffer);
-}
+CPushbackReader::~CPushbackReader() = default;
 
 void CPushbackReader::CheckOpen() const {
-    if (m_reader == nullptr)
+    if (!m_reader.IsOpen())
         throw CIOException(kUnit, __LINE__, "Reader closed.", nullptr);
 }
 
 long CPushbackReader::Read() {
     CheckOpen();
-    return detail::ReadPushedBack(m_reader, m_buffer, m_capacity, m_position);
+    return m_buffer.ReadGivenBack(*m_reader);
 }
 
 long CPushbackReader::Read(unsigned short* buf, unsigned long len) {
@@ -63,9 +54,8 @@ long CPushbackReader::Read(unsigned short* buf, unsigned long off, unsigned long
         return len > 0 ? Skip(len) : 0;
     if (len == 0)
         return 0;
-    unsigned long const held =
-        detail::TakeWaiting(buf + off, len, m_buffer, m_position, m_capacity);
-    if (held == len && m_position < m_capacity)
+    unsigned long const held = m_buffer.Take(buf + off, len);
+    if (held == len && m_buffer.HasWaiting())
         return static_cast<long>(len);
     // From here every pushed-back unit was taken: held is how many that was.
     if (len == held)
@@ -78,24 +68,22 @@ long CPushbackReader::Read(unsigned short* buf, unsigned long off, unsigned long
 
 long CPushbackReader::Skip(unsigned long n) {
     CheckOpen();
-    return detail::SkipPushedBack(m_reader, n, m_position, m_capacity);
+    return m_buffer.Skip(*m_reader, n, detail::UnitBuffer<unsigned short>::ExactFit::AsksSource);
 }
 
 void CPushbackReader::Reset() {
     CheckOpen();
-    m_position = m_capacity;
+    m_buffer.DropWaiting();
     m_reader->Reset();
 }
 
 void CPushbackReader::Close() {
     CheckOpen();
-    detail::ReleaseAndClose(m_reader);
+    m_reader.Close();
 }
 
 void CPushbackReader::Unread(unsigned short c) {
-    if (m_position == 0)
-        throw CIOException(kUnit, __LINE__, "Pushback buffer is full.", nullptr);
-    m_buffer[--m_position] = c;
+    m_buffer.GiveBack(c, kUnit, __LINE__);
 }
 
 void CPushbackReader::Unread(unsigned short const* buf, unsigned long len) {
@@ -103,7 +91,7 @@ void CPushbackReader::Unread(unsigned short const* buf, unsigned long len) {
 }
 
 void CPushbackReader::Unread(unsigned short const* buf, unsigned long off, unsigned long len) {
-    detail::PushBack(m_buffer, m_position, buf, off, len, kUnit, __LINE__);
+    m_buffer.GiveBack(buf, off, len, kUnit, __LINE__);
 }
 
 } // namespace io

@@ -1,8 +1,6 @@
-// CStringTokenizer over the shared StringTokenizerImpl, after checking the source text
-// and the delimiters.
+// CStringTokenizer: an 8-bit text split by the tokenizer state it holds, under this
+// unit's name.
 #include <lumo/util/StringTokenizer.h>
-
-#include "StringTokenizerImpl.h"
 
 namespace lumo {
 namespace util {
@@ -11,38 +9,25 @@ using base::CString;
 
 namespace {
 char const kUnit[] = "lumo/util/StringTokenizer";
-typedef detail::StringTokenizerImpl<CString, char> Impl;
-
-char const* CheckedSource(char const* source) {
-    Impl::CheckSource(source, kUnit, __LINE__);
-    return source;
-}
 } // namespace
 
 CStringTokenizer::CStringTokenizer(char const* source, char const* delimiters, bool returnDelims)
-    : m_source(CheckedSource(source)), m_returnDelims(returnDelims), m_length(0), m_position(0) {
-    Impl::CheckDelimiters(delimiters, kUnit, __LINE__);
-    m_delimiters = delimiters;
-    m_length = static_cast<std::uint32_t>(m_source.GetLength());
-}
+    : m_state(source, delimiters, returnDelims, kUnit, __LINE__) {}
 
 bool CStringTokenizer::HasMoreTokens() const {
-    return Impl::HasMoreTokens(m_source, m_delimiters, m_returnDelims, m_length, m_position);
+    return m_state.HasMoreTokens();
 }
 
 CString const& CStringTokenizer::GetNextToken() {
-    Impl::NextToken(m_source, m_delimiters, m_returnDelims, m_length, m_position, m_token, kUnit);
-    return m_token;
+    return m_state.NextToken(kUnit, __LINE__);
 }
 
 CString const& CStringTokenizer::GetNextToken(char const* delimiters) {
-    Impl::CheckDelimiters(delimiters, kUnit, __LINE__);
-    m_delimiters = delimiters;
-    return GetNextToken();
+    return m_state.NextToken(delimiters, kUnit, __LINE__);
 }
 
 unsigned long CStringTokenizer::GetTokenCount() const {
-    return Impl::TokenCount(m_source, m_delimiters, m_returnDelims, m_length, m_position);
+    return m_state.TokenCount();
 }
 
 } // namespace util

@@ -2,15 +2,18 @@
 // back, block reads past the pushback, and ownership of the wrapped stream.
 #include "support/Streams.h"
 
+#include <lumo/io/BufferedInputStream.h>
 #include <lumo/io/MemoryInputStream.h>
 #include <lumo/io/PushbackInputStream.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 using lumo::base::CIllegalArgumentException;
 using lumo::base::CRef;
+using lumo::io::CBufferedInputStream;
 using lumo::io::CInputStream;
 using lumo::io::CIOException;
 using lumo::io::CMemoryInputStream;
@@ -98,4 +101,40 @@ TEST(PushbackInputStream, OwnershipOfTheWrappedStream) {
         EXPECT_FALSE(destroyed);
     }
     EXPECT_TRUE(destroyed);
+}
+
+namespace {
+// Records the Skip calls that reach it.
+class SkipRecordingStream : public ScriptedInputStream {
+public:
+    using ScriptedInputStream::ScriptedInputStream;
+    long Skip(unsigned long n) override {
+        skips.push_back(n);
+        return ScriptedInputStream::Skip(n);
+    }
+    std::vector<unsigned long> skips;
+};
+} // namespace
+
+// The two filters differ on a Skip that the bytes they hold cover exactly: the
+// pushback stream still asks the wrapped stream (for 0 bytes), the buffered one does
+// not; one byte more reaches the wrapped stream from both.
+TEST(PushbackInputStream, ExactSkipOfTheHeldBytesStillAsksTheWrappedStream) {
+    SkipRecordingStream pushbackInner("abcdef");
+    CPushbackInputStream pushback(&pushbackInner, 4);
+    pushback.Unread("xyz", 3);
+    EXPECT_EQ(pushback.Skip(3), 3);
+    EXPECT_EQ(pushbackInner.skips, std::vector<unsigned long>{0});
+    pushback.Unread("xy", 2);
+    pushback.Skip(3);
+    EXPECT_EQ(pushbackInner.skips, (std::vector<unsigned long>{0, 1}));
+
+    SkipRecordingStream bufferedInner("abcdefghij", 4);
+    CBufferedInputStream buffered(&bufferedInner, 8);
+    EXPECT_EQ(buffered.Read(), 'a'); // 3 waiting
+    EXPECT_EQ(buffered.Skip(3), 3);
+    EXPECT_TRUE(bufferedInner.skips.empty());
+    EXPECT_EQ(buffered.Read(), 'e'); // 3 waiting again
+    buffered.Skip(4);
+    EXPECT_EQ(bufferedInner.skips, std::vector<unsigned long>{1});
 }
