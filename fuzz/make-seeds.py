@@ -79,6 +79,7 @@ put("XMLPushbackReader", "document", b"\x02" + counted(walk + bytes([13, 14, 15]
 
 # XMLTextWriter: buffer size, start, then calls.
 put("XMLTextWriter", "elements", bytes([0, 1, 0, 0, 5, 2, 1, 13, 3, 23, 1, 3, 3, 15, 2, 3]))
+put("XMLTextWriter", "reserved-namespace", bytes([1, 1, 0, 0, 8, 4, 1, 0, 3, 3]))
 put("XMLTextWriter", "namespaces", bytes([1, 1, 2, 0, 1, 1, 7, 0, 0, 1, 2, 13, 2, 0x62, 4, 9, 1, 2]))
 
 # RegEx: form, option count and letters, counted pattern and text, range.
