@@ -86,3 +86,5 @@ put("XMLTextWriter", "namespaces", bytes([1, 1, 2, 0, 1, 1, 7, 0, 0, 1, 2, 13, 2
 put("RegEx", "groups", b"\x00\x01\x00" + counted(b"(\\d+)-([a-z]*)") + counted(b"id 42-abc!") + b"\x02\x09")
 put("RegEx", "wide-options", b"\x01\x02\x00\x01" + counted(b"^A.c$") + counted(b"abc\nABC") + b"\x00\x03")
 put("RegEx", "classes", b"\x00\x00" + counted(b"[\\p{L}-[a]]+\\s?") + counted("été b".encode()) + b"\x01\x05")
+put("RegEx", "empty-repeat", b"\x00\x00" + counted(b"(a*)*b") + counted(b"aaxaab") + b"\x00\x04")
+put("RegEx", "empty-repeat-range", b"\x00\x00" + counted(b"x(a{0,2})+b") + counted(b"xaac") + b"\x00\x02")

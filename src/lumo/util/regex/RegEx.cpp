@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -111,6 +112,226 @@ bool NestsTooDeep(XMLCh const* pattern) {
     return false;
 }
 
+// The engine loops without end, until the stack is gone, when a group that can match the
+// empty text is repeated without bound ((a*)*b, (a?)+) and a match has to backtrack into
+// it. The scan below follows the engine's syntax far enough to tell which parts can match
+// the empty text, assuming they can where it is unsure, and finds such repeats. It runs
+// on patterns the engine has accepted.
+class EmptyRepeatScan {
+public:
+    EmptyRepeatScan(XMLCh const* pattern, bool extended) : m_p(pattern), m_extended(extended) {}
+
+    bool Found() {
+        while (*m_p != 0) {
+            Alternation();
+            if (*m_p != 0)
+                ++m_p; // an unbalanced ')'
+        }
+        return m_found;
+    }
+
+private:
+    static bool IsDigit(XMLCh c) { return c >= u'0' && c <= u'9'; }
+
+    void SkipBlanks() {
+        while (m_extended && (*m_p == u' ' || *m_p == u'\t' || *m_p == u'\n' || *m_p == u'\r'))
+            ++m_p;
+    }
+    // Skips to just past the next `close`, or to the end.
+    void SkipPast(XMLCh close) {
+        while (*m_p != 0 && *m_p++ != close) {
+        }
+    }
+
+    bool Alternation() {
+        bool nullable = Sequence();
+        while (*m_p == u'|') {
+            ++m_p;
+            nullable = Sequence() || nullable;
+        }
+        return nullable;
+    }
+
+    bool Sequence() {
+        bool nullable = true;
+        for (;;) {
+            SkipBlanks();
+            if (*m_p == 0 || *m_p == u'|' || *m_p == u')')
+                return nullable;
+            bool atom = Atom();
+            SkipBlanks();
+            bool optional = false, unbounded = false;
+            if (Quantifier(optional, unbounded)) {
+                if (unbounded && atom)
+                    m_found = true;
+                atom = atom || optional;
+            }
+            nullable = nullable && atom;
+        }
+    }
+
+    // *, +, ?, {n}, {n,}, {n,m}, each perhaps lazy.
+    bool Quantifier(bool& optional, bool& unbounded) {
+        XMLCh const c = *m_p;
+        if (c == u'*' || c == u'+' || c == u'?') {
+            ++m_p;
+            optional = c != u'+';
+            unbounded = c != u'?';
+        } else if (c == u'{') {
+            XMLCh const* q = m_p + 1;
+            bool minimum = false, zero = true, comma = false, maximum = false;
+            for (; IsDigit(*q); ++q) {
+                minimum = true;
+                zero = zero && *q == u'0';
+            }
+            if (*q == u',') {
+                comma = true;
+                for (++q; IsDigit(*q); ++q)
+                    maximum = true;
+            }
+            if (*q != u'}' || (!minimum && !maximum))
+                return false;
+            optional = zero;
+            unbounded = comma && !maximum;
+            m_p = q + 1;
+        } else {
+            return false;
+        }
+        if (*m_p == u'?')
+            ++m_p;
+        return true;
+    }
+
+    // One atom; whether it can match the empty text.
+    bool Atom() {
+        XMLCh const c = *m_p++;
+        if (c == u'(')
+            return Group();
+        if (c == u'[') {
+            SkipClass();
+            return false;
+        }
+        if (c == u'\\')
+            return Escape();
+        return c == u'^' || c == u'$';
+    }
+
+    bool Group() {
+        bool capturing = false, zeroWidth = false;
+        if (*m_p == u'?') {
+            XMLCh const kind = *++m_p;
+            if (kind == u':' || kind == u'>') {
+                ++m_p;
+            } else if (kind == u'=' || kind == u'!') {
+                ++m_p;
+                zeroWidth = true;
+            } else if (kind == u'<' && (m_p[1] == u'=' || m_p[1] == u'!')) {
+                m_p += 2;
+                zeroWidth = true;
+            } else if (kind == u'#') {
+                SkipPast(u')');
+                return true;
+            } else if (kind == u'(') {
+                // A conditional: a group number or a look-around, then its choices.
+                ++m_p;
+                if (IsDigit(*m_p))
+                    SkipPast(u')');
+                else
+                    Group();
+                zeroWidth = true;
+            } else {
+                // Option letters, then ':' and a group, or ')' alone.
+                while (*m_p != 0 && *m_p != u':' && *m_p != u')')
+                    ++m_p;
+                if (*m_p == 0 || *m_p++ == u')')
+                    return true;
+            }
+        } else {
+            capturing = true;
+            m_groups.push_back(-1);
+        }
+        std::size_t const index = m_groups.size() - 1;
+        bool const nullable = Alternation() || zeroWidth;
+        if (*m_p == u')')
+            ++m_p;
+        if (capturing)
+            m_groups[index] = nullable ? 1 : 0;
+        return nullable;
+    }
+
+    bool Escape() {
+        XMLCh const c = *m_p;
+        if (c == 0)
+            return false;
+        ++m_p;
+        switch (c) {
+        case u'b':
+        case u'B':
+        case u'A':
+        case u'Z':
+        case u'z':
+        case u'<':
+        case u'>':
+            return true;
+        case u'p':
+        case u'P':
+        case u'x':
+            if (*m_p == u'{')
+                SkipPast(u'}');
+            return false;
+        default:
+            break;
+        }
+        if (c >= u'1' && c <= u'9') {
+            // A back reference matches what its group did: empty when the group can be.
+            std::size_t const group = std::size_t(c - u'0');
+            return group > m_groups.size() || m_groups[group - 1] != 0;
+        }
+        return false;
+    }
+
+    // Past the ']' that closes a class: escapes, POSIX names and nested classes
+    // (subtractions) are stepped over whole.
+    void SkipClass() {
+        if (*m_p == u'^')
+            ++m_p;
+        bool first = true;
+        while (*m_p != 0) {
+            XMLCh const c = *m_p++;
+            if (c == u']' && !first)
+                return;
+            first = false;
+            if (c == u'\\') {
+                XMLCh const e = *m_p;
+                if (e != 0)
+                    ++m_p;
+                if ((e == u'p' || e == u'P' || e == u'x') && *m_p == u'{')
+                    SkipPast(u'}');
+            } else if (c == u'[' && *m_p == u':') {
+                for (++m_p; *m_p != 0 && !(m_p[0] == u':' && m_p[1] == u']'); ++m_p) {
+                }
+                if (*m_p != 0)
+                    m_p += 2;
+            } else if (c == u'[') {
+                SkipClass();
+            }
+        }
+    }
+
+    XMLCh const* m_p;
+    bool m_extended;
+    bool m_found = false;
+    // Per capturing group by number: -1 while open, 1 when it can match the empty text.
+    std::vector<signed char> m_groups;
+};
+
+bool RepeatsEmptyGroup(XMLCh const* pattern, XMLCh const* options) {
+    bool extended = false;
+    for (XMLCh const* o = options; *o != 0; ++o)
+        extended = extended || *o == u'x';
+    return EmptyRepeatScan(pattern, extended).Found();
+}
+
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
 // exceptions while parsing) gives null and the engine's code; running out of memory,
 // a pattern nesting too deep for the stack, or any other failure, is CMemoryException;
@@ -121,7 +342,13 @@ detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int
     if (NestsTooDeep(pattern))
         throw base::CMemoryException(kUnit, __LINE__);
     try {
-        return new (manager) detail::CompiledPattern(pattern, options, manager);
+        std::unique_ptr<detail::CompiledPattern> compiled(
+            new (manager) detail::CompiledPattern(pattern, options, manager));
+        if (RepeatsEmptyGroup(pattern, options))
+            throw base::CMemoryException(kUnit, __LINE__);
+        return compiled.release();
+    } catch (base::CMemoryException const&) {
+        throw;
     } catch (xercesc::OutOfMemoryException const&) {
         throw base::CMemoryException(kUnit, __LINE__);
     } catch (xercesc::XMLException const& e) {
@@ -289,12 +516,18 @@ namespace {
 bool RunEngine(detail::CompiledPattern const& engine, XMLCh const* text, bool ranged,
                std::size_t start, std::size_t end, xercesc::Match* match) {
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
+    bool found;
     try {
-        return ranged ? engine.matches(text, start, end, match, manager)
-                      : engine.matches(text, match, manager);
+        found = ranged ? engine.matches(text, start, end, match, manager)
+                       : engine.matches(text, match, manager);
     } catch (...) {
         throw base::CMemoryException(kUnit, __LINE__);
     }
+    // The engine's string search ends a literal match by the pattern's written length.
+    XMLSize_t const literal = engine.LiteralLength();
+    if (found && match != nullptr && literal != 0)
+        match->setEndPos(0, match->getStartPos(0) + static_cast<int>(literal));
+    return found;
 }
 } // namespace
 
