@@ -166,23 +166,23 @@ void CheckPrint(Input& in) {
     static char const kConversions[] = "diuoxXfFeEgGaAcs%";
     char const conversion = kConversions[in.Pick(sizeof kConversions - 1)];
     bool const text = conversion == 'c' || conversion == 's';
-    std::string spec = "%";
+    std::string directive = "%";
     for (unsigned n = in.Pick(4); n > 0; --n)
-        spec += text ? '-' : kFlags[in.Pick(5)];
+        directive += text ? '-' : kFlags[in.Pick(5)];
     bool const starWidth = in.Pick(8) == 0, starPrecision = in.Pick(8) == 0;
     int const width = int(in.Pick(40)) - 5, precision = int(in.Pick(40)) - 5;
     if (starWidth)
-        spec += '*';
+        directive += '*';
     else if (width > 0)
-        spec += std::to_string(width);
+        directive += std::to_string(width);
     if (conversion != 'c' && conversion != '%' && in.Bool()) {
         if (starPrecision)
-            spec += ".*";
+            directive += ".*";
         else
-            spec += "." + std::to_string(precision < 0 ? 0 : precision);
+            directive += "." + std::to_string(precision < 0 ? 0 : precision);
     }
-    bool const usesStar = spec.find('*') != std::string::npos;
-    bool const twoStars = spec.find('*') != spec.rfind('*');
+    bool const usesStar = directive.find('*') != std::string::npos;
+    bool const twoStars = directive.find('*') != directive.rfind('*');
     unsigned const length = in.Pick(5);
     std::string prefix, suffix;
     for (unsigned n = in.Pick(6); n > 0; --n) {
@@ -195,8 +195,8 @@ void CheckPrint(Input& in) {
     std::uint64_t const bits = in.Value<std::uint64_t>();
 
     auto run = [&](std::string const& lengthModifier, std::string const& wideModifier, auto value) {
-        std::string const format = prefix + spec + lengthModifier + conversion + suffix;
-        std::string const wide = prefix + spec + wideModifier + conversion + suffix;
+        std::string const format = prefix + directive + lengthModifier + conversion + suffix;
+        std::string const wide = prefix + directive + wideModifier + conversion + suffix;
         if (twoStars)
             Compare(format, wide, count, width, precision, value);
         else if (usesStar)
@@ -241,7 +241,7 @@ void CheckPrint(Input& in) {
             run("", "h", s.c_str());
         } else if (!usesStar) {
             Units const u = Widen(s);
-            std::string const format = prefix + spec + "s" + suffix;
+            std::string const format = prefix + directive + "s" + suffix;
             Units const uformat = Widen(format);
             Expect(Snprintf(format, s.c_str()), count,
                    [&](unsigned short* buffer, unsigned long n) {
@@ -251,7 +251,7 @@ void CheckPrint(Input& in) {
         break;
     }
     case '%':
-        if (!usesStar && spec == "%")
+        if (!usesStar && directive == "%")
             Compare(prefix + "%%" + suffix, prefix + "%%" + suffix, count, 0);
         break;
     default: {
