@@ -4,12 +4,13 @@
 #   scripts/fuzz.sh [seconds-per-target] [target...]     (default 60 s, every target)
 # Targets are named as their sources (BinaryData for fuzz/BinaryDataFuzz.cpp). Anything
 # a target finds is kept under build-fuzz/findings/<target>/ and fails the run.
+# BUILD_DIR selects another build directory.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
 shift || true
 
-build=build-fuzz
+build=${BUILD_DIR:-build-fuzz}
 launcher=()
 if command -v ccache >/dev/null; then
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
