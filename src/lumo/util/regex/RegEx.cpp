@@ -114,24 +114,28 @@ bool NestsTooDeep(XMLCh const* pattern) {
 
 // The engine loops without end, until the stack is gone, when a group that can match the
 // empty text is repeated without bound ((a*)*b, (a?)+) and a match has to backtrack into
-// it. The scan below follows the engine's syntax far enough to tell which parts can match
-// the empty text, assuming they can where it is unsure, and finds such repeats. It runs
-// on patterns the engine has accepted.
-class EmptyRepeatScan {
+// it; and its compiler writes a counted repeat out copy by copy, so "a{3000000}" takes
+// hundreds of megabytes. The scan below follows the engine's syntax far enough to tell
+// which parts can match the empty text (assuming they can where it is unsure) and how
+// many atoms the compiled pattern holds once repeats are written out.
+class PatternScan {
 public:
-    EmptyRepeatScan(XMLCh const* pattern, bool extended) : m_p(pattern), m_extended(extended) {}
-
-    bool Found() {
+    PatternScan(XMLCh const* pattern, bool extended) : m_p(pattern), m_extended(extended) {
         while (*m_p != 0) {
             Alternation();
+            m_size = Saturate(m_size + m_last);
             if (*m_p != 0)
                 ++m_p; // an unbalanced ')'
         }
-        return m_found;
     }
+
+    bool RepeatsEmpty() const { return m_found; }
+    // Atoms after repeats are written out (saturating far above any limit).
+    std::uint64_t Size() const { return m_size; }
 
 private:
     static bool IsDigit(XMLCh c) { return c >= u'0' && c <= u'9'; }
+    static std::uint64_t Saturate(std::uint64_t n) { return n < kHuge ? n : kHuge; }
 
     void SkipBlanks() {
         while (m_extended && (*m_p == u' ' || *m_p == u'\t' || *m_p == u'\n' || *m_p == u'\r'))
@@ -143,35 +147,48 @@ private:
         }
     }
 
+    // Each of these returns whether its part can match the empty text and leaves the
+    // part's size in m_last.
     bool Alternation() {
         bool nullable = Sequence();
+        std::uint64_t size = m_last;
         while (*m_p == u'|') {
             ++m_p;
             nullable = Sequence() || nullable;
+            size = Saturate(size + m_last);
         }
+        m_last = size;
         return nullable;
     }
 
     bool Sequence() {
         bool nullable = true;
+        std::uint64_t size = 0;
         for (;;) {
             SkipBlanks();
-            if (*m_p == 0 || *m_p == u'|' || *m_p == u')')
+            if (*m_p == 0 || *m_p == u'|' || *m_p == u')') {
+                m_last = size;
                 return nullable;
+            }
             bool atom = Atom();
+            std::uint64_t atomSize = m_last;
             SkipBlanks();
             bool optional = false, unbounded = false;
-            if (Quantifier(optional, unbounded)) {
+            std::uint64_t copies = 1;
+            if (Quantifier(optional, unbounded, copies)) {
                 if (unbounded && atom)
                     m_found = true;
                 atom = atom || optional;
+                atomSize = Saturate(atomSize * copies);
             }
+            size = Saturate(size + atomSize);
             nullable = nullable && atom;
         }
     }
 
-    // *, +, ?, {n}, {n,}, {n,m}, each perhaps lazy.
-    bool Quantifier(bool& optional, bool& unbounded) {
+    // *, +, ?, {n}, {n,}, {n,m}, each perhaps lazy; `copies` is what the compiler writes
+    // out: the larger count, plus one for an open end.
+    bool Quantifier(bool& optional, bool& unbounded, std::uint64_t& copies) {
         XMLCh const c = *m_p;
         if (c == u'*' || c == u'+' || c == u'?') {
             ++m_p;
@@ -179,20 +196,24 @@ private:
             unbounded = c != u'?';
         } else if (c == u'{') {
             XMLCh const* q = m_p + 1;
-            bool minimum = false, zero = true, comma = false, maximum = false;
+            bool minimum = false, comma = false, maximum = false;
+            std::uint64_t low = 0, high = 0;
             for (; IsDigit(*q); ++q) {
                 minimum = true;
-                zero = zero && *q == u'0';
+                low = Saturate(low * 10 + std::uint64_t(*q - u'0'));
             }
             if (*q == u',') {
                 comma = true;
-                for (++q; IsDigit(*q); ++q)
+                for (++q; IsDigit(*q); ++q) {
                     maximum = true;
+                    high = Saturate(high * 10 + std::uint64_t(*q - u'0'));
+                }
             }
             if (*q != u'}' || (!minimum && !maximum))
                 return false;
-            optional = zero;
+            optional = low == 0;
             unbounded = comma && !maximum;
+            copies = std::max<std::uint64_t>(std::max(low, high), 1) + (unbounded ? 1 : 0);
             m_p = q + 1;
         } else {
             return false;
@@ -204,6 +225,7 @@ private:
 
     // One atom; whether it can match the empty text.
     bool Atom() {
+        m_last = 1;
         XMLCh const c = *m_p++;
         if (c == u'(')
             return Group();
@@ -252,6 +274,7 @@ private:
         }
         std::size_t const index = m_groups.size() - 1;
         bool const nullable = Alternation() || zeroWidth;
+        m_last = Saturate(m_last + 1);
         if (*m_p == u')')
             ++m_p;
         if (capturing)
@@ -291,15 +314,19 @@ private:
     }
 
     // Past the ']' that closes a class: escapes, POSIX names and nested classes
-    // (subtractions) are stepped over whole.
+    // (subtractions) are stepped over whole; nesting is counted, not recursed into.
     void SkipClass() {
+        int depth = 1;
+        bool first = true;
         if (*m_p == u'^')
             ++m_p;
-        bool first = true;
         while (*m_p != 0) {
             XMLCh const c = *m_p++;
-            if (c == u']' && !first)
-                return;
+            if (c == u']' && !first) {
+                if (--depth == 0)
+                    return;
+                continue;
+            }
             first = false;
             if (c == u'\\') {
                 XMLCh const e = *m_p;
@@ -313,7 +340,10 @@ private:
                 if (*m_p != 0)
                     m_p += 2;
             } else if (c == u'[') {
-                SkipClass();
+                ++depth;
+                first = true;
+                if (*m_p == u'^')
+                    ++m_p;
             }
         }
     }
@@ -321,30 +351,41 @@ private:
     XMLCh const* m_p;
     bool m_extended;
     bool m_found = false;
+    std::uint64_t m_last = 0;
+    std::uint64_t m_size = 0;
+    static constexpr std::uint64_t kHuge = std::uint64_t(1) << 40;
     // Per capturing group by number: -1 while open, 1 when it can match the empty text.
     std::vector<signed char> m_groups;
 };
 
-bool RepeatsEmptyGroup(XMLCh const* pattern, XMLCh const* options) {
-    bool extended = false;
+bool Extended(XMLCh const* options) {
     for (XMLCh const* o = options; *o != 0; ++o)
-        extended = extended || *o == u'x';
-    return EmptyRepeatScan(pattern, extended).Found();
+        if (*o == u'x')
+            return true;
+    return false;
 }
+
+// The compiled pattern may hold this many atoms beyond four per pattern unit: about
+// twelve megabytes of the engine's nodes.
+std::uint64_t const kMaxExtraAtoms = 100000;
 
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
 // exceptions while parsing) gives null and the engine's code; running out of memory,
-// a pattern nesting too deep for the stack, or any other failure, is CMemoryException;
+// a pattern nesting too deep for the stack, repeating too much for memory or an empty
+// part without bound, or any other failure, is CMemoryException;
 // an engine not started,
 // CIllegalStateException.
 detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int& code) {
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
     if (NestsTooDeep(pattern))
         throw base::CMemoryException(kUnit, __LINE__);
+    PatternScan const scan(pattern, Extended(options));
+    if (scan.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
+        throw base::CMemoryException(kUnit, __LINE__);
     try {
         std::unique_ptr<detail::CompiledPattern> compiled(
             new (manager) detail::CompiledPattern(pattern, options, manager));
-        if (RepeatsEmptyGroup(pattern, options))
+        if (scan.RepeatsEmpty())
             throw base::CMemoryException(kUnit, __LINE__);
         return compiled.release();
     } catch (base::CMemoryException const&) {

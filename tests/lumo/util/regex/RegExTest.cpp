@@ -239,6 +239,11 @@ TEST(RegExTest, LargeAndPathologicalInputs) {
          {"(a*)*b", "x(a|b*)+", "((a?)){2,}", "(a*c?)*", "(a*|b)*c", "(a*)(\\1)*", "[(]|(a{0,2})*"})
         EXPECT_THROW(CRegEx{looping}, CMemoryException) << looping;
     EXPECT_THROW(CRegEx("( a *)*", "x"), CMemoryException);
+    // Counted repeats are written out copy by copy: a few million copies are refused
+    // before the engine spends hundreds of megabytes on them; thousands are fine.
+    for (char const* huge : {"a{3000000}", "x(a{2000}){2000}", "[ab]{1,3000000}"})
+        EXPECT_THROW(CRegEx{huge}, CMemoryException) << huge;
+    EXPECT_TRUE(CRegEx("^(a{1,20}b){0,2000}$").Matches("aabab"));
     for (char const* fine : {"(a*)?b", "(a*){0,3}b", "(ab*)*c", "[(*)]*a", "(a)\\1*", "(a)(\\1)*"})
         EXPECT_TRUE(CRegEx(fine).Matches("zaac") || CRegEx(fine).Matches("abbbc")) << fine;
     // A text of 1 MiB, matched whole and in a range that leaves the needle out.
