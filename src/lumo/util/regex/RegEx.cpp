@@ -120,7 +120,8 @@ bool NestsTooDeep(XMLCh const* pattern) {
 // many atoms the compiled pattern holds once repeats are written out.
 class PatternScan {
 public:
-    PatternScan(XMLCh const* pattern, bool extended) : m_p(pattern), m_extended(extended) {
+    PatternScan(XMLCh const* pattern, bool extended)
+        : m_text(extended ? Stripped(pattern) : std::u16string(pattern)), m_p(m_text.c_str()) {
         while (*m_p != 0) {
             Alternation();
             m_size = Saturate(m_size + m_last);
@@ -137,9 +138,29 @@ private:
     static bool IsDigit(XMLCh c) { return c >= u'0' && c <= u'9'; }
     static std::uint64_t Saturate(std::uint64_t n) { return n < kHuge ? n : kHuge; }
 
-    void SkipBlanks() {
-        while (m_extended && (*m_p == u' ' || *m_p == u'\t' || *m_p == u'\n' || *m_p == u'\r'))
-            ++m_p;
+    // The pattern as the engine reads it in extended mode: white space dropped and "#"
+    // comments to the line end, except where escaped ("\#" is a "#").
+    static std::u16string Stripped(XMLCh const* p) {
+        std::u16string out;
+        while (*p != 0) {
+            XMLCh const c = *p++;
+            if (c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f')
+                continue;
+            if (c == u'#') {
+                while (*p != 0 && *p != u'\n' && *p != u'\r')
+                    ++p;
+                continue;
+            }
+            if (c == u'\\' && *p != 0) {
+                XMLCh const e = *p++;
+                if (e != u'#')
+                    out += c;
+                out += e;
+                continue;
+            }
+            out += c;
+        }
+        return out;
     }
     // Skips to just past the next `close`, or to the end.
     void SkipPast(XMLCh close) {
@@ -165,14 +186,12 @@ private:
         bool nullable = true;
         std::uint64_t size = 0;
         for (;;) {
-            SkipBlanks();
             if (*m_p == 0 || *m_p == u'|' || *m_p == u')') {
                 m_last = size;
                 return nullable;
             }
             bool atom = Atom();
             std::uint64_t atomSize = m_last;
-            SkipBlanks();
             bool optional = false, unbounded = false;
             std::uint64_t copies = 1;
             if (Quantifier(optional, unbounded, copies)) {
@@ -348,8 +367,8 @@ private:
         }
     }
 
+    std::u16string const m_text;
     XMLCh const* m_p;
-    bool m_extended;
     bool m_found = false;
     std::uint64_t m_last = 0;
     std::uint64_t m_size = 0;

@@ -243,6 +243,8 @@ TEST(RegExTest, LargeAndPathologicalInputs) {
     // before the engine spends hundreds of megabytes on them; thousands are fine.
     for (char const* huge : {"a{3000000}", "x(a{2000}){2000}", "[ab]{1,3000000}"})
         EXPECT_THROW(CRegEx{huge}, CMemoryException) << huge;
+    // Extended mode drops white space and comments before it reads a count.
+    EXPECT_THROW(CRegEx("a{30 00#x\n000}", "x"), CMemoryException);
     EXPECT_TRUE(CRegEx("^(a{1,20}b){0,2000}$").Matches("aabab"));
     for (char const* fine : {"(a*)?b", "(a*){0,3}b", "(ab*)*c", "[(*)]*a", "(a)\\1*", "(a)(\\1)*"})
         EXPECT_TRUE(CRegEx(fine).Matches("zaac") || CRegEx(fine).Matches("abbbc")) << fine;
