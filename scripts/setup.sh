@@ -13,7 +13,7 @@ packages=(
 for group in "$@"; do
     case "$group" in
     docs) packages+=(doxygen) ;;
-    fuzz) packages+=(clang llvm) ;;
+    fuzz) packages+=(clang llvm libclang-rt-14-dev) ;; # the libFuzzer and sanitizer runtimes
     package) packages+=(lintian) ;;
     *)
         echo "setup.sh: unknown group '$group'" >&2

@@ -39,6 +39,9 @@ public:
         ++m_length;
     }
     void Put(Unit const* s, unsigned long n) {
+        // An empty 8-bit text arrives as an empty vector's data(), which may be null.
+        if (n == 0)
+            return;
         if (m_length < m_room) {
             unsigned long const k = n < m_room - m_length ? n : m_room - m_length;
             std::memcpy(m_buffer + m_length, s, k * sizeof(Unit));

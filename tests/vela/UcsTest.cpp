@@ -241,6 +241,9 @@ TEST(UcsFormat, TextArguments) {
                         static_cast<char const*>(nullptr)),
               17);
     EXPECT_EQ(Text(out), u"a\uFFFDz|(null)|(null)");
+    // An 8-bit text that converts to nothing (empty, or cut to no unit) pads alone.
+    EXPECT_EQ(snuprintf(out, 64, W(u"[%hs|%3hs|%.0hs]"), "", "", "abc"), 7);
+    EXPECT_EQ(Text(out), u"[|   |]");
     EXPECT_EQ(snuprintf(out, 64, W(u"%c%lc%hc%3c|%-3c|"), 0x4E2D, 0xE4, 'q', 'r', 's'), 11);
     EXPECT_EQ(Text(out), u"\u4E2D\u00E4q  r|s  |");
     // %n stores nothing; an unknown conversion is copied.

@@ -61,7 +61,9 @@ class CXMLTextWriterContextStack;
 ///     name "Invalid character error."; prefixes: null, empty or "xmlns" "Invalid
 ///     prefix.", illegal characters "Invalid character error.";
 ///   - namespace URIs: null, or empty where a prefix is bound, or another URI for
-///     "xml": "Invalid namespace URI.";
+///     "xml", or a declaration that would bind the XML namespace name to another
+///     prefix or as the default namespace, or declare the xmlns namespace name:
+///     "Invalid namespace URI.";
 ///   - a prefix not declared in an open element (the open start tag included) for
 ///     that URI: "Undeclared namespace."; a second default namespace declaration on
 ///     one start tag: "This start element already contains default namespace
@@ -86,8 +88,8 @@ class CXMLTextWriterContextStack;
 /// A prefixed name given whole (the (name) forms) must use a prefix declared on an
 /// enclosing element or, for attributes, on the open start tag. WriteAttribute
 /// (local, uri, value) uses a prefix declared for the URI (an empty URI: no prefix).
-/// WriteAttribute with the name "xmlns" or a name prefixed "xmlns:" is a namespace
-/// declaration.
+/// WriteAttribute with the name "xmlns" (also as a local name with an empty URI) or a
+/// name prefixed "xmlns:" is a namespace declaration.
 ///
 /// The destructor neither flushes nor closes: what was not flushed is lost.
 class LUMO_API CXMLTextWriter : public CXMLWriter {

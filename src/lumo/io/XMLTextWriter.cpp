@@ -96,6 +96,14 @@ unsigned short const kAttributeOpen[] = {'=', '"'};
 unsigned short const kXmlns[] = {'x', 'm', 'l', 'n', 's', 0};
 unsigned short const kXml[] = {'x', 'm', 'l', 0};
 unsigned short const kEmpty[] = {0};
+// The two namespace names the namespace rules reserve: the first belongs to the prefix
+// "xml" alone, the second to no declaration at all.
+unsigned short const kXmlUri[] = {'h', 't', 't', 'p', ':', '/', '/', 'w', 'w', 'w', '.', 'w', '3',
+                                  '.', 'o', 'r', 'g', '/', 'X', 'M', 'L', '/', '1', '9', '9', '8',
+                                  '/', 'n', 'a', 'm', 'e', 's', 'p', 'a', 'c', 'e', 0};
+unsigned short const kXmlnsUri[] = {'h', 't', 't', 'p', ':', '/', '/', 'w', 'w', 'w',
+                                    '.', 'w', '3', '.', 'o', 'r', 'g', '/', '2', '0',
+                                    '0', '0', '/', 'x', 'm', 'l', 'n', 's', '/', 0};
 
 bool IsNameStartCode(unsigned long c) {
     if (c < 0x80)
@@ -484,6 +492,11 @@ void CXMLTextWriter::CloseStartTag() {
 }
 
 void CXMLTextWriter::AppendDeclaration(CName const& name, unsigned short const* uri) {
+    // Every declaration passes here, inside its call's scope, so a refusal leaves the
+    // output as it was; a reader would reject these bindings as not well formed.
+    if (Vela::ucscmp(uri, kXmlnsUri) == 0 ||
+        (Vela::ucscmp(uri, kXmlUri) == 0 && !SameText(name.prefix, name.prefixLength, kXml)))
+        Fail(__LINE__, "Invalid namespace URI.");
     if (name.prefixLength > 0) {
         AppendAscii(" xmlns:");
         Append(name.prefix, name.prefixLength);
@@ -778,6 +791,10 @@ void CXMLTextWriter::WriteAttribute(unsigned short const* local, unsigned short 
         if (name.prefix == nullptr)
             Fail(__LINE__, "Undeclared namespace.");
         name.prefixLength = Vela::ucslen(name.prefix);
+    } else if (SameText(local, localLength, kXmlns)) {
+        // Unprefixed, "xmlns" is the default namespace declaration, as in the name form.
+        WriteAttrDefaultNamespaceDeclaration(value == nullptr ? kEmpty : value);
+        return;
     }
     AttributeText(name, value);
 }

@@ -298,6 +298,28 @@ TEST(XMLTextWriterTest, FailuresWriteNothingAndKeepTheState) {
          "Invalid prefix."},
         {open, [](CXMLTextWriter& w) { w.WriteStartElement(U("p"), U("a"), nullptr); }, false,
          "Invalid namespace URI."},
+        // The reserved namespace names: the XML one for the prefix xml alone, the xmlns
+        // one for nothing.
+        {open,
+         [](CXMLTextWriter& w) {
+             w.WriteStartElement(U("a"), U("http://www.w3.org/XML/1998/namespace"));
+         },
+         false, "Invalid namespace URI."},
+        {open,
+         [](CXMLTextWriter& w) {
+             w.WriteAttrNamespaceDeclaration(U("p"), U("http://www.w3.org/XML/1998/namespace"));
+         },
+         false, "Invalid namespace URI."},
+        {open,
+         [](CXMLTextWriter& w) {
+             w.WriteAttrDefaultNamespaceDeclaration(U("http://www.w3.org/2000/xmlns/"));
+         },
+         false, "Invalid namespace URI."},
+        {open,
+         [](CXMLTextWriter& w) {
+             w.WriteElementString(U("a"), U("http://www.w3.org/2000/xmlns/"), U("v"));
+         },
+         false, "Invalid namespace URI."},
         {open, [](CXMLTextWriter& w) { w.WriteAttribute(U("q"), U("a"), U("urn:q"), U("v")); },
          false, "Undeclared namespace."},
         {open, [](CXMLTextWriter& w) { w.WriteAttribute(U("a"), U("urn:q"), U("v")); }, false,
@@ -311,6 +333,14 @@ TEST(XMLTextWriterTest, FailuresWriteNothingAndKeepTheState) {
          },
          false, "This start element already contains default namespace declaration.",
          " xmlns=\"urn:1\""},
+        // "xmlns" as a local name without a URI is the same declaration.
+        {open,
+         [](CXMLTextWriter& w) {
+             w.WriteAttrDefaultNamespaceDeclaration(U(""));
+             w.WriteAttribute(U("xmlns"), U(""), U("urn:2"));
+         },
+         false, "This start element already contains default namespace declaration.",
+         " xmlns=\"\""},
         {started,
          [](CXMLTextWriter& w) {
              w.WriteStartElement(U("a"), U(""));

@@ -33,8 +33,12 @@ public:
     /// pattern: CIllegalArgumentException "Invalid pattern."; null options:
     /// CIllegalArgumentException "Invalid options."; a pattern (or option letter) the
     /// engine rejects: CRegExParseException naming the pattern and, where the engine's
-    /// error has a readable counterpart, the reason; no memory, or groups nested more
-    /// than 1000 deep (the engine would exhaust the stack): CMemoryException.
+    /// error has a readable counterpart, the reason; no memory, groups nested more
+    /// than 1000 deep, or a part that can match the empty text repeated without bound,
+    /// as in "(a*)*b" or "(x?)+" (the engine would exhaust the stack, nesting deeper or
+    /// looping without end), or counted repeats that the engine would write out into
+    /// more than about 100000 atoms beyond four per pattern character, as in
+    /// "a{3000000}" or "(a{400}){400}": CMemoryException.
     ///@{
     explicit CRegEx(char const* pattern);
     CRegEx(char const* pattern, char const* options);

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -111,17 +112,303 @@ bool NestsTooDeep(XMLCh const* pattern) {
     return false;
 }
 
+// The engine loops without end, until the stack is gone, when a group that can match the
+// empty text is repeated without bound ((a*)*b, (a?)+) and a match has to backtrack into
+// it; and its compiler writes a counted repeat out copy by copy, so "a{3000000}" takes
+// hundreds of megabytes. The scan below follows the engine's syntax far enough to tell
+// which parts can match the empty text (assuming they can where it is unsure) and how
+// many atoms the compiled pattern holds once repeats are written out.
+class PatternScan {
+public:
+    PatternScan(XMLCh const* pattern, bool extended)
+        : m_text(extended ? Stripped(pattern) : std::u16string(pattern)), m_p(m_text.c_str()) {
+        while (*m_p != 0) {
+            Alternation();
+            m_size = Saturate(m_size + m_last);
+            if (*m_p != 0)
+                ++m_p; // an unbalanced ')'
+        }
+    }
+
+    bool RepeatsEmpty() const { return m_found; }
+    // Atoms after repeats are written out (saturating far above any limit).
+    std::uint64_t Size() const { return m_size; }
+
+private:
+    static bool IsDigit(XMLCh c) { return c >= u'0' && c <= u'9'; }
+    static std::uint64_t Saturate(std::uint64_t n) { return n < kHuge ? n : kHuge; }
+
+    // The pattern as the engine reads it in extended mode: white space dropped and "#"
+    // comments to the line end, except where escaped ("\#" is a "#").
+    static std::u16string Stripped(XMLCh const* p) {
+        std::u16string out;
+        while (*p != 0) {
+            XMLCh const c = *p++;
+            if (c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f')
+                continue;
+            if (c == u'#') {
+                while (*p != 0 && *p != u'\n' && *p != u'\r')
+                    ++p;
+                continue;
+            }
+            if (c == u'\\' && *p != 0) {
+                XMLCh const e = *p++;
+                if (e != u'#')
+                    out += c;
+                out += e;
+                continue;
+            }
+            out += c;
+        }
+        return out;
+    }
+    // Skips to just past the next `close`, or to the end.
+    void SkipPast(XMLCh close) {
+        while (*m_p != 0 && *m_p++ != close) {
+        }
+    }
+
+    // Each of these returns whether its part can match the empty text and leaves the
+    // part's size in m_last.
+    bool Alternation() {
+        bool nullable = Sequence();
+        std::uint64_t size = m_last;
+        while (*m_p == u'|') {
+            ++m_p;
+            nullable = Sequence() || nullable;
+            size = Saturate(size + m_last);
+        }
+        m_last = size;
+        return nullable;
+    }
+
+    bool Sequence() {
+        bool nullable = true;
+        std::uint64_t size = 0;
+        for (;;) {
+            if (*m_p == 0 || *m_p == u'|' || *m_p == u')') {
+                m_last = size;
+                return nullable;
+            }
+            bool atom = Atom();
+            std::uint64_t atomSize = m_last;
+            bool optional = false, unbounded = false;
+            std::uint64_t copies = 1;
+            if (Quantifier(optional, unbounded, copies)) {
+                if (unbounded && atom)
+                    m_found = true;
+                atom = atom || optional;
+                atomSize = Saturate(atomSize * copies);
+            }
+            size = Saturate(size + atomSize);
+            nullable = nullable && atom;
+        }
+    }
+
+    // *, +, ?, {n}, {n,}, {n,m}, each perhaps lazy; `copies` is what the compiler writes
+    // out: the larger count, plus one for an open end.
+    bool Quantifier(bool& optional, bool& unbounded, std::uint64_t& copies) {
+        XMLCh const c = *m_p;
+        if (c == u'*' || c == u'+' || c == u'?') {
+            ++m_p;
+            optional = c != u'+';
+            unbounded = c != u'?';
+        } else if (c == u'{') {
+            XMLCh const* q = m_p + 1;
+            bool minimum = false, comma = false, maximum = false;
+            std::uint64_t low = 0, high = 0;
+            for (; IsDigit(*q); ++q) {
+                minimum = true;
+                low = Saturate(low * 10 + std::uint64_t(*q - u'0'));
+            }
+            if (*q == u',') {
+                comma = true;
+                for (++q; IsDigit(*q); ++q) {
+                    maximum = true;
+                    high = Saturate(high * 10 + std::uint64_t(*q - u'0'));
+                }
+            }
+            if (*q != u'}' || (!minimum && !maximum))
+                return false;
+            optional = low == 0;
+            unbounded = comma && !maximum;
+            copies = std::max<std::uint64_t>(std::max(low, high), 1) + (unbounded ? 1 : 0);
+            m_p = q + 1;
+        } else {
+            return false;
+        }
+        if (*m_p == u'?')
+            ++m_p;
+        return true;
+    }
+
+    // One atom; whether it can match the empty text.
+    bool Atom() {
+        m_last = 1;
+        XMLCh const c = *m_p++;
+        if (c == u'(')
+            return Group();
+        if (c == u'[') {
+            SkipClass();
+            return false;
+        }
+        if (c == u'\\')
+            return Escape();
+        return c == u'^' || c == u'$';
+    }
+
+    bool Group() {
+        bool capturing = false, zeroWidth = false;
+        if (*m_p == u'?') {
+            XMLCh const kind = *++m_p;
+            if (kind == u':' || kind == u'>') {
+                ++m_p;
+            } else if (kind == u'=' || kind == u'!') {
+                ++m_p;
+                zeroWidth = true;
+            } else if (kind == u'<' && (m_p[1] == u'=' || m_p[1] == u'!')) {
+                m_p += 2;
+                zeroWidth = true;
+            } else if (kind == u'#') {
+                SkipPast(u')');
+                return true;
+            } else if (kind == u'(') {
+                // A conditional: a group number or a look-around, then its choices.
+                ++m_p;
+                if (IsDigit(*m_p))
+                    SkipPast(u')');
+                else
+                    Group();
+                zeroWidth = true;
+            } else {
+                // Option letters, then ':' and a group, or ')' alone.
+                while (*m_p != 0 && *m_p != u':' && *m_p != u')')
+                    ++m_p;
+                if (*m_p == 0 || *m_p++ == u')')
+                    return true;
+            }
+        } else {
+            capturing = true;
+            m_groups.push_back(-1);
+        }
+        std::size_t const index = m_groups.size() - 1;
+        bool const nullable = Alternation() || zeroWidth;
+        m_last = Saturate(m_last + 1);
+        if (*m_p == u')')
+            ++m_p;
+        if (capturing)
+            m_groups[index] = nullable ? 1 : 0;
+        return nullable;
+    }
+
+    bool Escape() {
+        XMLCh const c = *m_p;
+        if (c == 0)
+            return false;
+        ++m_p;
+        switch (c) {
+        case u'b':
+        case u'B':
+        case u'A':
+        case u'Z':
+        case u'z':
+        case u'<':
+        case u'>':
+            return true;
+        case u'p':
+        case u'P':
+        case u'x':
+            if (*m_p == u'{')
+                SkipPast(u'}');
+            return false;
+        default:
+            break;
+        }
+        if (c >= u'1' && c <= u'9') {
+            // A back reference matches what its group did: empty when the group can be.
+            std::size_t const group = std::size_t(c - u'0');
+            return group > m_groups.size() || m_groups[group - 1] != 0;
+        }
+        return false;
+    }
+
+    // Past the ']' that closes a class: escapes, POSIX names and nested classes
+    // (subtractions) are stepped over whole; nesting is counted, not recursed into.
+    void SkipClass() {
+        int depth = 1;
+        bool first = true;
+        if (*m_p == u'^')
+            ++m_p;
+        while (*m_p != 0) {
+            XMLCh const c = *m_p++;
+            if (c == u']' && !first) {
+                if (--depth == 0)
+                    return;
+                continue;
+            }
+            first = false;
+            if (c == u'\\') {
+                XMLCh const e = *m_p;
+                if (e != 0)
+                    ++m_p;
+                if ((e == u'p' || e == u'P' || e == u'x') && *m_p == u'{')
+                    SkipPast(u'}');
+            } else if (c == u'[' && *m_p == u':') {
+                for (++m_p; *m_p != 0 && !(m_p[0] == u':' && m_p[1] == u']'); ++m_p) {
+                }
+                if (*m_p != 0)
+                    m_p += 2;
+            } else if (c == u'[') {
+                ++depth;
+                first = true;
+                if (*m_p == u'^')
+                    ++m_p;
+            }
+        }
+    }
+
+    std::u16string const m_text;
+    XMLCh const* m_p;
+    bool m_found = false;
+    std::uint64_t m_last = 0;
+    std::uint64_t m_size = 0;
+    static constexpr std::uint64_t kHuge = std::uint64_t(1) << 40;
+    // Per capturing group by number: -1 while open, 1 when it can match the empty text.
+    std::vector<signed char> m_groups;
+};
+
+bool Extended(XMLCh const* options) {
+    for (XMLCh const* o = options; *o != 0; ++o)
+        if (*o == u'x')
+            return true;
+    return false;
+}
+
+// The compiled pattern may hold this many atoms beyond four per pattern unit: about
+// twelve megabytes of the engine's nodes.
+std::uint64_t const kMaxExtraAtoms = 100000;
+
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
 // exceptions while parsing) gives null and the engine's code; running out of memory,
-// a pattern nesting too deep for the stack, or any other failure, is CMemoryException;
+// a pattern nesting too deep for the stack, repeating too much for memory or an empty
+// part without bound, or any other failure, is CMemoryException;
 // an engine not started,
 // CIllegalStateException.
 detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int& code) {
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
     if (NestsTooDeep(pattern))
         throw base::CMemoryException(kUnit, __LINE__);
+    PatternScan const scan(pattern, Extended(options));
+    if (scan.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
+        throw base::CMemoryException(kUnit, __LINE__);
     try {
-        return new (manager) detail::CompiledPattern(pattern, options, manager);
+        std::unique_ptr<detail::CompiledPattern> compiled(
+            new (manager) detail::CompiledPattern(pattern, options, manager));
+        if (scan.RepeatsEmpty())
+            throw base::CMemoryException(kUnit, __LINE__);
+        return compiled.release();
+    } catch (base::CMemoryException const&) {
+        throw;
     } catch (xercesc::OutOfMemoryException const&) {
         throw base::CMemoryException(kUnit, __LINE__);
     } catch (xercesc::XMLException const& e) {
@@ -289,12 +576,18 @@ namespace {
 bool RunEngine(detail::CompiledPattern const& engine, XMLCh const* text, bool ranged,
                std::size_t start, std::size_t end, xercesc::Match* match) {
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
+    bool found;
     try {
-        return ranged ? engine.matches(text, start, end, match, manager)
-                      : engine.matches(text, match, manager);
+        found = ranged ? engine.matches(text, start, end, match, manager)
+                       : engine.matches(text, match, manager);
     } catch (...) {
         throw base::CMemoryException(kUnit, __LINE__);
     }
+    // The engine's string search ends a literal match by the pattern's written length.
+    XMLSize_t const literal = engine.LiteralLength();
+    if (found && match != nullptr && literal != 0)
+        match->setEndPos(0, match->getStartPos(0) + static_cast<int>(literal));
+    return found;
 }
 } // namespace
 

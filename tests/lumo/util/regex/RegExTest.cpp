@@ -208,6 +208,16 @@ TEST(RegExTest, PositionsInBytesAndUnits) {
     ASSERT_TRUE(CRegEx("x(.)y").Matches("ax\xffyb", match));
     EXPECT_EQ(match.GetStartPosOfGroup(1), 2);
     EXPECT_EQ(match.GetEndPosOfGroup(1), 3);
+    // A pattern that is one literal text, escapes and all, ends where its text does.
+    std::pair<char const*, std::string> const literals[] = {
+        {"a\\.", "a."}, {"\\\\\\\\", "\\\\"}, {"\\.", "."}, {"\\*x", "*x"}};
+    for (auto const& literal : literals) {
+        std::string const subject = "--" + literal.second + "--";
+        ASSERT_TRUE(CRegEx(literal.first).Matches(subject.c_str(), match)) << literal.first;
+        EXPECT_EQ(match.GetStartPosOfGroup(0), 2) << literal.first;
+        EXPECT_EQ(match.GetEndPosOfGroup(0), static_cast<long>(2 + literal.second.size()))
+            << literal.first;
+    }
 }
 
 TEST(RegExTest, LargeAndPathologicalInputs) {
@@ -223,6 +233,21 @@ TEST(RegExTest, LargeAndPathologicalInputs) {
     EXPECT_THROW(CRegEx(std::string(1u << 20, '(').c_str()), CMemoryException);
     EXPECT_TRUE(
         CRegEx((std::string(1000, '(') + "a" + std::string(1000, ')')).c_str()).Matches("a"));
+    // A part that can match nothing, repeated without bound, would loop the engine without
+    // end ("(a*)*b" on "ac" exhausts the stack): refused. Bounded or non-empty repeats stay.
+    for (char const* looping :
+         {"(a*)*b", "x(a|b*)+", "((a?)){2,}", "(a*c?)*", "(a*|b)*c", "(a*)(\\1)*", "[(]|(a{0,2})*"})
+        EXPECT_THROW(CRegEx{looping}, CMemoryException) << looping;
+    EXPECT_THROW(CRegEx("( a *)*", "x"), CMemoryException);
+    // Counted repeats are written out copy by copy: a few million copies are refused
+    // before the engine spends hundreds of megabytes on them; thousands are fine.
+    for (char const* huge : {"a{3000000}", "x(a{2000}){2000}", "[ab]{1,3000000}"})
+        EXPECT_THROW(CRegEx{huge}, CMemoryException) << huge;
+    // Extended mode drops white space and comments before it reads a count.
+    EXPECT_THROW(CRegEx("a{30 00#x\n000}", "x"), CMemoryException);
+    EXPECT_TRUE(CRegEx("^(a{1,20}b){0,2000}$").Matches("aabab"));
+    for (char const* fine : {"(a*)?b", "(a*){0,3}b", "(ab*)*c", "[(*)]*a", "(a)\\1*", "(a)(\\1)*"})
+        EXPECT_TRUE(CRegEx(fine).Matches("zaac") || CRegEx(fine).Matches("abbbc")) << fine;
     // A text of 1 MiB, matched whole and in a range that leaves the needle out.
     std::string text(1u << 20, 'x');
     text.replace(text.size() - 10, 8, "id=12345");

@@ -7,6 +7,7 @@
 #include <lumo/base/Exception.h>
 
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/regx/Match.hpp>
 #include <xercesc/util/regx/RegularExpression.hpp>
 
@@ -28,6 +29,16 @@ class CompiledPattern : public xercesc::RegularExpression {
 public:
     CompiledPattern(XMLCh const* pattern, XMLCh const* options, xercesc::MemoryManager* manager)
         : RegularExpression(pattern, options, manager) {}
+
+    /// A pattern that is one literal text is matched by a plain string search, which
+    /// reports the match's end as its start plus the length of the pattern as written,
+    /// escapes included ("a\\." would end one unit late). This is the literal's own
+    /// length, or 0 when the pattern is not one.
+    XMLSize_t LiteralLength() const {
+        return fFixedStringOnly && fFixedString != nullptr
+                   ? xercesc::XMLString::stringLen(fFixedString)
+                   : 0;
+    }
 };
 
 class MatchRecord : public xercesc::Match {
