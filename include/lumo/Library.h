@@ -11,7 +11,7 @@ namespace lumo {
 /// Counts a client's start; the first start brings up the file layer and the XML
 /// parser (XML classes and regular expressions work from then on). Returns the count,
 /// which stops at 0x7FFFFFFF. CIllegalStateException "Failed to start the XML parser."
-/// when the parser cannot start.
+/// when the parser cannot start; then nothing is counted or left started.
 LUMO_API long Initialize();
 /// Counts a client's end; the last end shuts the XML parser and the file layer down.
 /// Returns the count; a call without a matching Initialize does nothing and returns 0.

@@ -18,13 +18,19 @@ long const kMaxClients = 0x7fffffff;
 long Initialize() {
     if (g_clients == kMaxClients)
         return kMaxClients;
-    ++g_clients;
-    if (g_clients == 1) {
+    if (g_clients == 0) {
+        // A start that fails leaves nothing started and nothing counted, so the client
+        // may try again.
         IO::Init(true);
-        detail::StartXerces();
+        try {
+            detail::StartXerces();
+        } catch (...) {
+            IO::End();
+            throw;
+        }
         net::detail::StartSocketLayer();
     }
-    return g_clients;
+    return ++g_clients;
 }
 
 char const* GetVersion() {
