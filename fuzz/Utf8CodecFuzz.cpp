@@ -3,7 +3,7 @@
 // counters, and the public string conversions built on them.
 #include "FuzzSupport.h"
 
-#include "vela/detail/Utf8Codec.h"
+#include "support/Utf8Reference.h"
 
 #include <lumo/base/String.h>
 
@@ -19,44 +19,15 @@ namespace utf8 = Vela::detail::utf8;
 
 namespace {
 
-utf8::Byte const* BytesOf(std::string const& s) {
-    return reinterpret_cast<utf8::Byte const*>(s.data());
-}
+using lumotest::BytesOf;
+using lumotest::Encoded;
 
-// ICU's strict decoding: the well-formed prefix (units and bytes), and the whole text
-// with each maximal ill-formed subpart of k bytes as k U+FFFD (the library replaces
-// byte by byte).
-struct Reference {
-    Units prefix;
-    std::size_t prefixBytes = 0;
-    Units replaced;
-};
-
-Reference Strict(std::string const& s) {
-    Reference r;
-    auto const* p = BytesOf(s);
-    int32_t const n = int32_t(s.size());
-    bool valid = true;
-    for (int32_t i = 0; i < n;) {
-        int32_t const start = i;
-        UChar32 c;
-        U8_NEXT(p, i, n, c);
-        Units units;
-        if (c < 0) {
-            valid = false;
-            units.assign(std::size_t(i - start), 0xFFFD);
-        } else if (c >= 0x10000) {
-            units = {Units::value_type(U16_LEAD(c)), Units::value_type(U16_TRAIL(c))};
-        } else {
-            units = {Units::value_type(c)};
-        }
-        r.replaced.insert(r.replaced.end(), units.begin(), units.end());
-        if (valid) {
-            r.prefix.insert(r.prefix.end(), units.begin(), units.end());
-            r.prefixBytes = std::size_t(i);
-        }
-    }
-    return r;
+// ICU's UTF-8 of `u`; ICU must succeed.
+std::string IcuToUtf8(Units const& u, UChar32 sub, int32_t* subs) {
+    bool ok = false;
+    std::string out = lumotest::IcuToUtf8(u, sub, subs, ok);
+    FUZZ_CHECK(ok);
+    return out;
 }
 
 Units IcuFromUtf8(std::string const& s) {
@@ -69,18 +40,6 @@ Units IcuFromUtf8(std::string const& s) {
     return Units(out.begin(), out.begin() + length);
 }
 
-std::string IcuToUtf8(Units const& u, UChar32 sub, int32_t* subs) {
-    std::string out(u.size() * 3 + 1, '\0');
-    int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strToUTF8WithSub(&out[0], int32_t(out.size()), &length,
-                       reinterpret_cast<UChar const*>(u.data()), int32_t(u.size()), sub, subs,
-                       &status);
-    FUZZ_CHECK(U_SUCCESS(status));
-    out.resize(std::size_t(length));
-    return out;
-}
-
 template <class Policy>
 Units Decoded(std::string const& s, std::size_t room = ~std::size_t(0) >> 2) {
     Units out(std::min(s.size(), room));
@@ -91,21 +50,13 @@ Units Decoded(std::string const& s, std::size_t room = ~std::size_t(0) >> 2) {
     return out;
 }
 
-template <class Policy> std::string Encoded(Units const& u, Policy& policy, std::size_t room) {
-    std::string out(room, '\0');
-    auto* const b = reinterpret_cast<utf8::Byte*>(&out[0]);
-    auto const r = utf8::Encode(u.data(), u.data() + u.size(), b, b + room, policy);
-    out.resize(r.bytes);
-    return out;
-}
-
 Units UnitsOf(CUnicodeString const& s) {
     unsigned short const* p = s;
     return Units(p, p + s.GetLength());
 }
 
 void CheckBytes(std::string const& s) {
-    Reference const ref = Strict(s);
+    lumotest::Utf8Reference const ref = lumotest::StrictDecoding(s);
     bool const wellFormed = ref.prefixBytes == s.size();
 
     FUZZ_CHECK(Decoded<utf8::StrictStop>(s) == ref.prefix);
