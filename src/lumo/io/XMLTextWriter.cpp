@@ -723,25 +723,30 @@ void CXMLTextWriter::WriteElementUnsignedInt64(unsigned short const* name,
 // ---- attributes -------------------------------------------------------------
 
 void CXMLTextWriter::AttributeText(CName const& name, unsigned short const* value) {
-    // The same qualified name twice would make the start tag ill-formed.
-    unsigned long const length =
-        name.prefixLength > 0 ? name.prefixLength + 1 + name.localLength : name.localLength;
+    // The same qualified name twice, or two prefixes bound to one namespace before the
+    // same local name, would make the start tag ill-formed.
+    unsigned short const* const uri =
+        name.prefixLength > 0 ? m_contexts->LookupPrefix(name.prefix, name.prefixLength) : nullptr;
     for (unsigned long i = 0; i < m_attributeNames.size();) {
         unsigned short const* seen = &m_attributeNames[i];
         unsigned long const seenLength = Vela::ucslen(seen);
-        if (seenLength == length) {
-            bool same;
-            if (name.prefixLength > 0)
-                same =
-                    Vela::ucsncmp(seen, name.prefix, name.prefixLength) == 0 &&
-                    seen[name.prefixLength] == ':' &&
-                    Vela::ucsncmp(seen + name.prefixLength + 1, name.local, name.localLength) == 0;
-            else
-                same = Vela::ucsncmp(seen, name.local, length) == 0;
-            if (same)
-                Fail(__LINE__, "Duplicate attribute.");
-        }
         i += seenLength + 1;
+        unsigned long colon = 0;
+        while (colon < seenLength && seen[colon] != ':')
+            ++colon;
+        bool const seenPrefixed = colon < seenLength;
+        unsigned short const* const seenLocal = seenPrefixed ? seen + colon + 1 : seen;
+        unsigned long const seenLocalLength = seenPrefixed ? seenLength - colon - 1 : seenLength;
+        if (seenLocalLength != name.localLength ||
+            Vela::ucsncmp(seenLocal, name.local, name.localLength) != 0)
+            continue;
+        bool const samePrefix = seenPrefixed ? colon == name.prefixLength &&
+                                                   Vela::ucsncmp(seen, name.prefix, colon) == 0
+                                             : name.prefixLength == 0;
+        unsigned short const* const seenUri =
+            seenPrefixed && uri != nullptr ? m_contexts->LookupPrefix(seen, colon) : nullptr;
+        if (samePrefix || (seenUri != nullptr && Vela::ucscmp(seenUri, uri) == 0))
+            Fail(__LINE__, "Duplicate attribute.");
     }
     CCallScope scope(*this);
     unsigned short const blank = ' ';

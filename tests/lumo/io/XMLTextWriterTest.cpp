@@ -281,6 +281,15 @@ TEST(XMLTextWriterTest, FailuresWriteNothingAndKeepTheState) {
          false, "Attributes must be written at start element."},
         {open, [](CXMLTextWriter& w) { w.WriteAttribute(U("a"), U("2")); }, false,
          "Duplicate attribute."},
+        // Two prefixes for one namespace name the same attribute.
+        {[](CXMLTextWriter& w) {
+             w.WriteStartDocument(), w.WriteStartElement(U("r"));
+             w.WriteAttrNamespaceDeclaration(U("p"), U("urn:x"));
+             w.WriteAttrNamespaceDeclaration(U("q"), U("urn:x"));
+             w.WriteAttribute(U("p"), U("a"), U("urn:x"), U("1"));
+         },
+         [](CXMLTextWriter& w) { w.WriteAttribute(U("q"), U("a"), U("urn:x"), U("2")); }, false,
+         "Duplicate attribute."},
         {open, [](CXMLTextWriter& w) { w.WriteStartElement(nullptr); }, false,
          "Invalid local name."},
         {open, [](CXMLTextWriter& w) { w.WriteStartElement(U("")); }, false, "Invalid local name."},
