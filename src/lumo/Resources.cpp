@@ -21,8 +21,8 @@ char const* const kRegExMessages[] = {
     "Unexpected end of the pattern in a modifier group.",
     "':' is expected.",
     "Unexpected end of the pattern in a conditional group.",
-    "A back reference or an anchor or a lookahead or a lookbehind is expected in a "
-    "conditional pattern.",
+    ("A back reference or an anchor or a lookahead or a lookbehind is expected in a "
+     "conditional pattern."),
     "There are more than three choices in a conditional group.",
     "A character in U+0040-U+005f must follow \\c.",
     "A Category character or '{' is required.",

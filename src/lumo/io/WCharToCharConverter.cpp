@@ -22,10 +22,10 @@ namespace utf8 = Vela::detail::utf8;
 // unit after it, whatever that is, and the two become one "?" (a pair is joined only
 // across calls, through the pending surrogate); a high surrogate that ends the text
 // stops the conversion, to wait for its low half; a low surrogate gets the 3 bytes of
-// its own value.
+// its own value. Only encoding uses it, never the byte count, so it has no
+// kUnpairedBytes.
 struct HighTakesNext {
     static constexpr bool kPairs = false;
-    static constexpr int kUnpairedBytes = 3;
     utf8::Utf16Step Surrogate(unsigned short const* p, unsigned short const* end,
                               utf8::Byte* four) const {
         if (!utf8::IsHighSurrogate(*p))

@@ -3,9 +3,9 @@
 #include <lumo/io/XMLPushbackReader.h>
 
 #include <lumo/base/Exception.h>
-#include <vela/Ucs.h>
 
 #include "detail/XMLTokenSearch.h"
+#include "detail/XMLValueText.h"
 
 #include <new>
 #include <utility>
@@ -30,18 +30,9 @@ detail::CXMLReaderFailures const kFailures = {
     kEndFailure,
 };
 
-unsigned short const kFalse[] = {'f', 'a', 'l', 's', 'e', 0};
-unsigned short const kTrue[] = {'t', 'r', 'u', 'e', 0};
-unsigned short const kShortFormat[] = {'%', 'h', 'd', 0};
-unsigned short const kLongFormat[] = {'%', 'l', 'd', 0};
-unsigned short const kFloatFormat[] = {'%', 'g', 0};
-unsigned short const kDoubleFormat[] = {'%', 'l', 'g', 0};
-
-// Formats one number; every format used here fits the buffer many times over.
-template <class T> CUnicodeString Format(unsigned short const* format, T value) {
-    unsigned short text[64];
-    Vela::snuprintf(text, sizeof text / sizeof text[0], format, value);
-    return CUnicodeString(text);
+// The text the writers would write for the value.
+template <class T> CUnicodeString Text(T value) {
+    return CUnicodeString(detail::CXMLValueText(value));
 }
 
 void CheckText(unsigned short const* text, int line) {
@@ -201,49 +192,48 @@ void CXMLPushbackReader::UnreadElement(CElementName const& name, CUnicodeString 
 }
 
 void CXMLPushbackReader::UnreadElementBool(unsigned short const* name, bool value) {
-    UnreadElement(CElementName(name), CUnicodeString(value ? kTrue : kFalse));
+    UnreadElement(CElementName(name), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementBool(unsigned short const* localName,
                                            unsigned short const* namespaceURI, bool value) {
-    UnreadElement(CElementName(localName, namespaceURI), CUnicodeString(value ? kTrue : kFalse));
+    UnreadElement(CElementName(localName, namespaceURI), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementShort(unsigned short const* name, short value) {
-    UnreadElement(CElementName(name), Format(kShortFormat, value));
+    UnreadElement(CElementName(name), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementShort(unsigned short const* localName,
                                             unsigned short const* namespaceURI, short value) {
-    UnreadElement(CElementName(localName, namespaceURI), Format(kShortFormat, value));
+    UnreadElement(CElementName(localName, namespaceURI), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementLong(unsigned short const* name, long value) {
-    UnreadElement(CElementName(name), Format(kLongFormat, value));
+    UnreadElement(CElementName(name), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementLong(unsigned short const* localName,
                                            unsigned short const* namespaceURI, long value) {
-    UnreadElement(CElementName(localName, namespaceURI), Format(kLongFormat, value));
+    UnreadElement(CElementName(localName, namespaceURI), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementFloat(unsigned short const* name, float value) {
-    UnreadElement(CElementName(name), Format(kFloatFormat, static_cast<double>(value)));
+    UnreadElement(CElementName(name), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementFloat(unsigned short const* localName,
                                             unsigned short const* namespaceURI, float value) {
-    UnreadElement(CElementName(localName, namespaceURI),
-                  Format(kFloatFormat, static_cast<double>(value)));
+    UnreadElement(CElementName(localName, namespaceURI), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementDouble(unsigned short const* name, double value) {
-    UnreadElement(CElementName(name), Format(kDoubleFormat, value));
+    UnreadElement(CElementName(name), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementDouble(unsigned short const* localName,
                                              unsigned short const* namespaceURI, double value) {
-    UnreadElement(CElementName(localName, namespaceURI), Format(kDoubleFormat, value));
+    UnreadElement(CElementName(localName, namespaceURI), Text(value));
 }
 
 void CXMLPushbackReader::UnreadElementString(unsigned short const* name,
