@@ -52,9 +52,10 @@ public:
     base::CString& Get(char const* key);
     base::CString const& Get(char const* key) const;
     ///@}
-    /// Whether `key` is present under the key comparison; false for null.
+    /// Whether `key` is present under the key comparison; CIllegalArgumentException "Invalid key."
+    /// for a null or empty key.
     bool ContainsKey(char const* key) const { return GetIndexOfKey(key) >= 0; }
-    /// -1 when absent.
+    /// -1 when absent; a null or empty key throws as ContainsKey does.
     long GetIndexOfKey(char const* key) const;
     /// Searches the values exactly (a null value stands for an empty one).
     ///@{

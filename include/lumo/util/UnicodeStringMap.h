@@ -49,9 +49,10 @@ public:
     base::CUnicodeString& Get(unsigned short const* key);
     base::CUnicodeString const& Get(unsigned short const* key) const;
     ///@}
-    /// Whether `key` is present; false for null.
+    /// Whether `key` is present; CIllegalArgumentException "Invalid key." for a
+    /// null or empty key.
     bool ContainsKey(unsigned short const* key) const { return GetIndexOfKey(key) >= 0; }
-    /// -1 when absent.
+    /// -1 when absent; a null or empty key throws as ContainsKey does.
     long GetIndexOfKey(unsigned short const* key) const;
     /// Searches the values exactly (a null value stands for an empty one).
     ///@{
