@@ -110,11 +110,7 @@ TEST(Socket, AddressesPortsAndData) {
     EXPECT_EQ(c.accepted->GetPort(), c.client.GetLocalPort());
     EXPECT_EQ(c.accepted->GetLocalPort(), c.server.GetLocalPort());
     EXPECT_TRUE(*c.accepted->GetInetAddress() == Loopback());
-    EXPECT_NE(c.client.GetLocalPort(), 0);
     EXPECT_EQ(c.accepted->GetTimeout(), 0ul);
-    CSocket copy = c.client;
-    EXPECT_TRUE(copy == c.client);
-    EXPECT_TRUE(*c.accepted != c.client);
 
     c.client.GetOutputStream()->Write("hello, server", 13);
     c.client.GetOutputStream()->Write('!');
