@@ -11,11 +11,8 @@
 #include <string>
 #include <type_traits>
 
-using lumo::base::CString;
-using lumo::base::CUnicodeString;
-using lumo::util::GetCStringHashCode;
-using lumo::util::GetCUnicodeStringHashCode;
-using lumo::util::GetStringHashCode;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 

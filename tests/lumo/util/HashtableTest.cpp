@@ -13,10 +13,8 @@
 #include <set>
 #include <string>
 
-using lumo::base::CString;
-using lumo::util::CEnumeration;
-using lumo::util::CHashtable;
-using lumo::util::CNoSuchElementException;
+using namespace lumo::base;
+using namespace lumo::util;
 using lumotest::Tracked;
 
 namespace {

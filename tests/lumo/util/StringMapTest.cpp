@@ -20,13 +20,8 @@
 #include <utility>
 #include <vector>
 
-using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CIllegalArgumentException;
-using lumo::base::CString;
-using lumo::base::CUnicodeString;
-using lumo::util::CNoSuchElementException;
-using lumo::util::CStringMap;
-using lumo::util::CUnicodeStringMap;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 
@@ -158,7 +153,7 @@ TYPED_TEST(StringMaps, RemovalCapacityCopiesAndIterators) {
     EXPECT_EQ(map.GetCapacity(), 0u);
     map.Put(T("again"), T("1"));
     EXPECT_EQ(Str(map.Get(T("again"))), "1");
-    EXPECT_THROW(map.EnsureCapacity(0xFFFFFFFFul), lumo::base::CMemoryException);
+    EXPECT_THROW(map.EnsureCapacity(0xFFFFFFFFul), CMemoryException);
     EXPECT_EQ(map.GetSize(), 1u);
 }
 
@@ -195,7 +190,7 @@ TEST(StringMap, LargeMapsAnswerAsAScanWould) {
         std::uint32_t capacity = 0;
         auto find = [&](std::string const& key) -> long {
             for (std::size_t i = 0; i < model.size(); ++i) {
-                lumo::base::CString stored(model[i].first.c_str());
+                CString stored(model[i].first.c_str());
                 int const order = caseSensitive ? stored.Compare(key.c_str())
                                                 : stored.CompareIgnoreCase(key.c_str());
                 if (order == 0)

@@ -11,11 +11,8 @@
 #include <set>
 #include <string>
 
-using lumo::base::CIllegalArgumentException;
-using lumo::base::CString;
-using lumo::util::CEnumeration;
-using lumo::util::CNoSuchElementException;
-using lumo::util::CStringSet;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 

@@ -15,11 +15,8 @@
 #include <type_traits>
 #include <vector>
 
-using lumo::base::CString;
-using lumo::base::CUnicodeString;
-using lumo::util::CNoSuchElementException;
-using lumo::util::CStringTokenizer;
-using lumo::util::CUnicodeStringTokenizer;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 

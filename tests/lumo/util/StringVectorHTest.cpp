@@ -10,10 +10,8 @@
 #include <string>
 #include <vector>
 
-using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CString;
-using lumo::util::CNoSuchElementException;
-using lumo::util::CStringVectorH;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 

@@ -15,13 +15,8 @@
 #include <type_traits>
 #include <vector>
 
-using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CString;
-using lumo::base::CUnicodeString;
-using lumo::util::CEnumeration;
-using lumo::util::CNoSuchElementException;
-using lumo::util::CStringVector;
-using lumo::util::CUnicodeStringVector;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 

@@ -11,12 +11,8 @@
 #include <stdexcept>
 #include <vector>
 
-using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CIllegalArgumentException;
-using lumo::base::CMemoryException;
-using lumo::util::CEnumeration;
-using lumo::util::CNoSuchElementException;
-using lumo::util::Vector;
+using namespace lumo::base;
+using namespace lumo::util;
 using lumotest::Tracked;
 
 namespace {

@@ -16,13 +16,8 @@
 #include <string>
 #include <vector>
 
-using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CIllegalArgumentException;
-using lumo::base::CMemoryException;
-using lumo::base::CUnicodeString;
-using lumo::util::regex::CRegEx;
-using lumo::util::regex::CRegExMatch;
-using lumo::util::regex::CRegExParseException;
+using namespace lumo::base;
+using namespace lumo::util::regex;
 using lumotest::W;
 
 namespace {
@@ -104,8 +99,8 @@ TEST(RegExTest, NullArgumentsAndRanges) {
 // Regular expressions need the library started.
 TEST(RegExTest, NeedsTheLibraryStarted) {
     ASSERT_EQ(lumo::Terminate(), 0);
-    EXPECT_THROW(CRegEx("a"), lumo::base::CIllegalStateException);
-    EXPECT_THROW(CRegExMatch(), lumo::base::CIllegalStateException);
+    EXPECT_THROW(CRegEx("a"), CIllegalStateException);
+    EXPECT_THROW(CRegExMatch(), CIllegalStateException);
     ASSERT_EQ(lumo::Initialize(), 1);
     EXPECT_TRUE(CRegEx("a").Matches("a"));
 }
@@ -159,7 +154,7 @@ TEST(RegExTest, ParseErrorsComposeMessages) {
     } catch (CRegExParseException const& e) {
         EXPECT_STREQ(e.GetMessage(), "Regular expression '(é' is invalid due to : '')' is "
                                      "expected.'.");
-        EXPECT_TRUE(e.IsInstanceOf(&lumo::base::CException::m_classCException));
+        EXPECT_TRUE(e.IsInstanceOf(&CException::m_classCException));
     }
 }
 
