@@ -25,6 +25,14 @@ std::vector<int> Keys(CObjectHashtable const& table) {
     return keys;
 }
 
+// The elements left in `e`.
+int Count(CEnumeration<CObject>& e) {
+    int n = 0;
+    for (; e.HasMoreElements(); ++n)
+        e.NextElement();
+    return n;
+}
+
 IllegalIn const ExpectIllegal{"lumo/util/ObjectHashtable"};
 
 // Puts new keys 1000 + size, ... (distinct hashes) until the table holds `count`
@@ -203,12 +211,7 @@ TEST(ObjectHashtable, EnumerationsFollowBucketsChainsAndRehashOrder) {
     EXPECT_EQ(ValueOf(values.NextElement()), -3);
     EXPECT_EQ(ValueOf(shared.NextElement()), -2); // one enumeration behind both
     shared.Reset();
-    int seen = 0;
-    while (values.HasMoreElements()) {
-        values.NextElement();
-        ++seen;
-    }
-    EXPECT_EQ(seen, 9);
+    EXPECT_EQ(Count(values), 9);
     EXPECT_THROW(values.NextElement(), CNoSuchElementException);
 
     table.Put(new CValue(10, 10), new CValue(-10)); // rehash to 25 reverses bucket 0
@@ -219,12 +222,7 @@ TEST(ObjectHashtable, EnumerationsFollowBucketsChainsAndRehashOrder) {
     CEnumeration<CObject> keys = table.GetKeys();
     EXPECT_EQ(ValueOf(keys.NextElement()), 1);
     table.Put(new CValue(11, 11), new CValue(-11));
-    seen = 1;
-    while (keys.HasMoreElements()) {
-        keys.NextElement();
-        ++seen;
-    }
-    EXPECT_EQ(seen, 11);
+    EXPECT_EQ(Count(keys), 10);
     CObjectHashtable empty;
     EXPECT_FALSE(empty.GetKeys().HasMoreElements());
     EXPECT_THROW(empty.GetElements().NextElement(), CNoSuchElementException);
