@@ -1,10 +1,10 @@
 // TCP client and server sockets over loopback: options by id, the timeout rule, the
 // read and send rules at the edges of a connection, failures with their codes, and
-// descriptors after many connections. Every loop is bounded in count and time.
+// descriptors after many connections, and concurrent clients, each served on a thread.
+// Every loop is bounded in count and time.
 // ctest-labels: concurrency
 #include "support/Net.h"
 
-#include <lumo/base/Thread.h>
 #include <lumo/io/IOException.h>
 #include <lumo/net/SocketException.h>
 #include <lumo/net/TCPIPSocketImplFactory.h>
@@ -268,51 +268,23 @@ TEST(Socket, DescriptorsAfterTenThousandConnections) {
     EXPECT_EQ(lumotest::CountOpenDescriptors(), before);
 }
 
-// A server thread and a client thread talk over one connection.
-class CEchoServer : public lumo::base::CThread {
-public:
-    explicit CEchoServer(CServerSocket& server) : m_server(server) {}
-    void Run() override {
-        CRef<CSocket> peer = m_server.Accept(20000);
-        peer->SetTimeout(20000);
-        char buf[4096];
-        for (long n; (n = peer->GetInputStream()->Read(buf, 0, sizeof buf)) > 0;)
-            peer->GetOutputStream()->Write(buf, 0, static_cast<unsigned long>(n));
-    }
-
-private:
-    CServerSocket& m_server;
-};
-
-TEST(Socket, ClientAndServerThreads) {
-    CServerSocket server(0, 4, Loopback());
-    CEchoServer echo(server);
-    echo.Start();
-    {
-        CSocket client("localhost", server.GetLocalPort());
-        client.SetTimeout(20000);
-        std::string const data = lumotest::RandomBytes(200000);
-        for (std::size_t off = 0; off < data.size(); off += 20000) {
-            client.GetOutputStream()->Write(data.data(), static_cast<unsigned long>(off), 20000);
-            EXPECT_EQ(lumotest::ReadUpTo(client.GetInputStream(), 20000), data.substr(off, 20000));
-        }
-    }
-    EXPECT_TRUE(echo.Join(20000));
-}
-
-// Many clients at once, each served on a thread of its own; each worker alone holds
-// its connection (reference counts are not atomic).
+// Many clients at once, each served on a thread of its own, each sending a byte and a
+// block that come back (the byte plus one); each worker alone holds its connection
+// (reference counts are not atomic).
 TEST(Socket, ConcurrentClientsAndWorkers) {
     int const clients = 32;
+    unsigned long const size = 50000;
     CServerSocket server(0, clients, Loopback());
-    std::vector<int> answers(clients, -1);
+    std::vector<char> answered(clients, 0);
     std::thread acceptor([&] {
         std::vector<std::thread> workers;
         for (int i = 0; i < clients; ++i)
-            workers.emplace_back([peer = server.Accept(20000)]() mutable {
+            workers.emplace_back([peer = server.Accept(20000), size]() mutable {
                 peer->SetTimeout(20000);
                 long const b = peer->GetInputStream()->Read();
+                std::string const block = lumotest::ReadUpTo(peer->GetInputStream(), size);
                 peer->GetOutputStream()->Write(static_cast<char>(b + 1));
+                peer->GetOutputStream()->Write(block.data(), 0, size);
                 peer = nullptr;
             });
         for (auto& w : workers)
@@ -323,14 +295,17 @@ TEST(Socket, ConcurrentClientsAndWorkers) {
         threads.emplace_back([&, i] {
             CSocket socket("127.0.0.1", server.GetLocalPort());
             socket.SetTimeout(20000);
+            std::string const data = lumotest::RandomBytes(size);
             socket.GetOutputStream()->Write(static_cast<char>(i));
-            answers[i] = static_cast<int>(socket.GetInputStream()->Read());
+            socket.GetOutputStream()->Write(data.data(), 0, size);
+            answered[i] = socket.GetInputStream()->Read() == i + 1 &&
+                          lumotest::ReadUpTo(socket.GetInputStream(), size) == data;
         });
     for (auto& t : threads)
         t.join();
     acceptor.join();
     for (int i = 0; i < clients; ++i)
-        EXPECT_EQ(answers[i], i + 1);
+        EXPECT_TRUE(answered[i]) << i;
 }
 
 } // namespace
