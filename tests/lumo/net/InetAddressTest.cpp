@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <sstream>
 #include <vector>
@@ -47,10 +48,7 @@ std::vector<std::string> GetentAddresses(std::string const& name) {
 }
 
 bool Contains(std::vector<std::string> const& list, std::string const& s) {
-    for (auto const& item : list)
-        if (item == s)
-            return true;
-    return false;
+    return std::find(list.begin(), list.end(), s) != list.end();
 }
 
 TEST(InetAddress, BytesTextAndMulticast) {
@@ -86,8 +84,7 @@ TEST(InetAddress, EqualityIgnoresCachedNames) {
     CInetAddress const plain = Address(127, 0, 0, 1);
     named.GetHostName(); // fills the cache of one side only
     EXPECT_TRUE(named == plain);
-    EXPECT_FALSE(named != plain);
-    EXPECT_TRUE(named != Address(127, 0, 0, 2));
+    EXPECT_FALSE(named == Address(127, 0, 0, 2));
     CInetAddress copy = Address(1, 2, 3, 4);
     copy = named;
     EXPECT_TRUE(copy == plain);

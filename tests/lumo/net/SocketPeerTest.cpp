@@ -5,12 +5,8 @@
 // ctest-labels: concurrency
 #include "support/Net.h"
 
-#include <lumo/base/Thread.h>
-
-#include <unistd.h>
-
 #include <cstdlib>
-#include <fstream>
+#include <thread>
 
 using namespace lumo::net;
 using lumo::base::CRef;
@@ -67,43 +63,17 @@ bool HavePython() {
     return std::system("python3 -c pass >/dev/null 2>&1") == 0;
 }
 
-// A script in a temporary file for the time of a test.
-class ScriptFile {
-public:
-    explicit ScriptFile(char const* text) {
-        char path[] = "/tmp/lumo-peer-XXXXXX";
-        int const fd = mkstemp(path);
-        if (fd >= 0)
-            close(fd);
-        m_path = path;
-        std::ofstream(m_path) << text;
-    }
-    ~ScriptFile() { std::remove(m_path.c_str()); }
-    std::string const& Path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
-
-class CWriter : public lumo::base::CThread {
-public:
-    CWriter(CSocket& socket, std::string const& data) : m_socket(socket), m_data(data) {}
-    void Run() override {
-        for (std::size_t off = 0; off < m_data.size(); off += 65536)
-            m_socket.GetOutputStream()->Write(m_data.data(), static_cast<unsigned long>(off),
-                                              65536);
-    }
-
-private:
-    CSocket& m_socket;
-    std::string const& m_data;
-};
+// Starts `python3 -c script args`, reading its output; the script goes through the
+// environment, so no file and no quoting is needed.
+FILE* StartPython(char const* script, std::string const& args) {
+    setenv("LUMO_PEER_SCRIPT", script, 1);
+    return popen(("python3 -c \"$LUMO_PEER_SCRIPT\" " + args).c_str(), "r");
+}
 
 TEST(SocketPeer, PythonEchoServer) {
     if (!HavePython())
         GTEST_SKIP() << "python3 is not installed; the Python peer check is skipped";
-    ScriptFile script(kEchoServer);
-    FILE* child = popen(("python3 " + script.Path() + " " + std::to_string(kSize)).c_str(), "r");
+    FILE* child = StartPython(kEchoServer, std::to_string(kSize));
     ASSERT_NE(child, nullptr);
     char line[32] = {0};
     ASSERT_NE(std::fgets(line, sizeof line, child), nullptr);
@@ -112,11 +82,14 @@ TEST(SocketPeer, PythonEchoServer) {
         CSocket socket(Loopback(), port);
         socket.SetTimeout(30000);
         std::string const data = lumotest::RandomBytes(kSize);
-        CWriter writer(socket, data); // writes while this thread reads the echo
-        writer.Start();
+        std::thread writer([&] { // writes while this thread reads the echo
+            for (std::size_t off = 0; off < data.size(); off += 65536)
+                socket.GetOutputStream()->Write(data.data(), static_cast<unsigned long>(off),
+                                                65536);
+        });
         std::string const echo = lumotest::ReadUpTo(socket.GetInputStream(), kSize);
         std::string const digest = lumotest::ReadUpTo(socket.GetInputStream(), 64);
-        EXPECT_TRUE(writer.Join(30000));
+        writer.join();
         EXPECT_TRUE(echo == data) << "echo differs";
         EXPECT_EQ(digest, lumotest::Sha256Hex(data));
         EXPECT_EQ(socket.GetInputStream()->Read(line, 0, 1), 0); // the server closed
@@ -127,12 +100,9 @@ TEST(SocketPeer, PythonEchoServer) {
 TEST(SocketPeer, PythonClient) {
     if (!HavePython())
         GTEST_SKIP() << "python3 is not installed; the Python peer check is skipped";
-    ScriptFile script(kClient);
     CServerSocket server(0, 1, Loopback());
-    FILE* child = popen(("python3 " + script.Path() + " " + std::to_string(server.GetLocalPort()) +
-                         " " + std::to_string(kSize))
-                            .c_str(),
-                        "r");
+    FILE* child =
+        StartPython(kClient, std::to_string(server.GetLocalPort()) + " " + std::to_string(kSize));
     ASSERT_NE(child, nullptr);
     {
         CRef<CSocket> peer = server.Accept(30000);

@@ -1,14 +1,13 @@
 // TCP client and server sockets over loopback: options by id, the timeout rule, the
 // read and send rules at the edges of a connection, failures with their codes, and
-// descriptors after many connections. Every loop is bounded in count and time.
+// descriptors after many connections, and concurrent clients, each served on a thread.
+// Every loop is bounded in count and time.
 // ctest-labels: concurrency
 #include "support/Net.h"
 
-#include <lumo/base/Thread.h>
 #include <lumo/io/IOException.h>
 #include <lumo/net/SocketException.h>
 #include <lumo/net/TCPIPSocketImplFactory.h>
-#include <lumo/net/UnknownHostException.h>
 #include <lumo/net/WinSocketException.h>
 
 #include <cerrno>
@@ -29,16 +28,17 @@ namespace {
 ::testing::Environment* const g_env =
     ::testing::AddGlobalTestEnvironment(new lumotest::NetEnvironment);
 
-// The error code of the CWinSocketException that f throws (0 when none).
-template <class F> unsigned long CodeOf(F&& f, std::string* description = nullptr) {
+// "code: description" of the CWinSocketException that f throws ("" when none).
+template <class F> std::string Failure(F&& f) {
     try {
         f();
     } catch (CWinSocketException const& e) {
-        if (description != nullptr)
-            *description = e.GetErrorDescription();
-        return e.GetErrorCode();
+        return std::to_string(e.GetErrorCode()) + ": " + e.GetErrorDescription();
     }
-    return 0;
+    return "";
+}
+std::string Failure(int code, char const* description) {
+    return std::to_string(code) + ": " + description;
 }
 
 template <class F> double SecondsOf(F&& f) {
@@ -94,12 +94,10 @@ TEST(Socket, OptionsById) {
 
     // On a closed socket the system refuses, with its code.
     c.client.Close();
-    std::string what;
-    EXPECT_EQ(CodeOf([&] { c.client.GetTCPNoDelay(); }, &what), static_cast<unsigned long>(EBADF));
-    EXPECT_EQ(what, "Failed to get the specified option.");
-    EXPECT_EQ(CodeOf([&] { c.client.SetKeepAlive(true); }, &what),
-              static_cast<unsigned long>(EBADF));
-    EXPECT_EQ(what, "Failed to set the specified option.");
+    EXPECT_EQ(Failure([&] { c.client.GetTCPNoDelay(); }),
+              Failure(EBADF, "Failed to get the specified option."));
+    EXPECT_EQ(Failure([&] { c.client.SetKeepAlive(true); }),
+              Failure(EBADF, "Failed to set the specified option."));
 }
 
 TEST(Socket, AddressesPortsAndData) {
@@ -111,11 +109,7 @@ TEST(Socket, AddressesPortsAndData) {
     EXPECT_EQ(c.accepted->GetPort(), c.client.GetLocalPort());
     EXPECT_EQ(c.accepted->GetLocalPort(), c.server.GetLocalPort());
     EXPECT_TRUE(*c.accepted->GetInetAddress() == Loopback());
-    EXPECT_NE(c.client.GetLocalPort(), 0);
     EXPECT_EQ(c.accepted->GetTimeout(), 0ul);
-    CSocket copy = c.client;
-    EXPECT_TRUE(copy == c.client);
-    EXPECT_TRUE(*c.accepted != c.client);
 
     c.client.GetOutputStream()->Write("hello, server", 13);
     c.client.GetOutputStream()->Write('!');
@@ -142,10 +136,10 @@ TEST(Socket, AddressesPortsAndData) {
     EXPECT_EQ(in->Read(buf, 0, sizeof buf), 0);
     EXPECT_EQ(in->Read(), lumo::io::CInputStream::EOS);
     c.client.Close(); // a second close does nothing
-    std::string what;
-    EXPECT_EQ(CodeOf([&] { c.client.GetInputStream()->Read(buf, 0, 1); }, &what),
-              static_cast<unsigned long>(EBADF));
-    EXPECT_EQ(what, "Failed to read the specified number of bytes from the socket input stream.");
+    EXPECT_EQ(
+        Failure([&] { c.client.GetInputStream()->Read(buf, 0, 1); }),
+        Failure(EBADF,
+                "Failed to read the specified number of bytes from the socket input stream."));
 }
 
 TEST(Socket, TimeoutRule) {
@@ -166,13 +160,11 @@ TEST(Socket, TimeoutRule) {
     c.accepted->GetOutputStream()->Write("ab", 2);
     EXPECT_EQ(lumotest::ReadUpTo(in, 2), "ab");
 
-    // Accept: the stored timeout for Accept(), the argument alone for Accept(t).
+    // Accept: the stored timeout for Accept(), the argument alone for Accept(t) (the wait
+    // itself is the one timed above).
+    c.server.SetTimeout(999);
+    EXPECT_EQ(Thrown<CInterruptedIOException>([&] { c.server.Accept(); }), "Accept timed-out.");
     c.server.SetTimeout(1999);
-    double const accept = SecondsOf([&] {
-        EXPECT_EQ(Thrown<CInterruptedIOException>([&] { c.server.Accept(); }), "Accept timed-out.");
-    });
-    EXPECT_GE(accept, 1.0);
-    EXPECT_LT(accept, 1.9);
     EXPECT_LT(SecondsOf([&] { Thrown<CInterruptedIOException>([&] { c.server.Accept(999); }); }),
               0.5);
     EXPECT_EQ(c.server.GetTimeout(), 1999ul);
@@ -181,7 +173,8 @@ TEST(Socket, TimeoutRule) {
     EXPECT_TRUE(lumotest::WaitUntil([&] { return c.server.IsPending(); }));
     EXPECT_EQ(c.server.Accept(0)->GetPort(), other.GetLocalPort());
     c.server.Close();
-    EXPECT_EQ(CodeOf([&] { c.server.IsPending(); }), static_cast<unsigned long>(EBADF));
+    EXPECT_EQ(Failure([&] { c.server.IsPending(); }),
+              Failure(EBADF, "Failed to determine if there are pending connection requests."));
 }
 
 TEST(Socket, PeerGoneAwayIsAnExceptionNotASignal) {
@@ -192,12 +185,11 @@ TEST(Socket, PeerGoneAwayIsAnExceptionNotASignal) {
         c.accepted->Close();
         std::string const block(65536, 'x');
         std::string what;
-        unsigned long code = 0;
-        for (int i = 0; i < 100 && code == 0; ++i)
-            code =
-                CodeOf([&] { c.client.GetOutputStream()->Write(block.data(), 0, 65536); }, &what);
-        EXPECT_TRUE(code == EPIPE || code == ECONNRESET) << code;
-        EXPECT_EQ(what, "Failed to send the specified data.");
+        for (int i = 0; i < 100 && what.empty(); ++i)
+            what = Failure([&] { c.client.GetOutputStream()->Write(block.data(), 0, 65536); });
+        EXPECT_TRUE(what == Failure(EPIPE, "Failed to send the specified data.") ||
+                    what == Failure(ECONNRESET, "Failed to send the specified data."))
+            << what;
     }
     {
         // Closing with unread data resets the connection: the reader sees ECONNRESET.
@@ -207,8 +199,9 @@ TEST(Socket, PeerGoneAwayIsAnExceptionNotASignal) {
             lumotest::WaitUntil([&] { return c.accepted->GetInputStream()->GetAvailable() == 6; }));
         c.accepted->Close();
         char buf[16];
-        EXPECT_EQ(CodeOf([&] { c.client.GetInputStream()->Read(buf, 0, sizeof buf); }),
-                  static_cast<unsigned long>(ECONNRESET));
+        EXPECT_EQ(Failure([&] { c.client.GetInputStream()->Read(buf, 0, sizeof buf); }),
+                  Failure(ECONNRESET, "Failed to read the specified number of bytes from the "
+                                      "socket input stream."));
     }
     std::signal(SIGPIPE, previous);
 }
@@ -220,29 +213,20 @@ TEST(Socket, ConnectAndBindFailures) {
         CServerSocket server(0, 1, CInetAddress::AnyInetAddress);
         port = server.GetLocalPort();
         EXPECT_TRUE(*server.GetInetAddress() == CInetAddress::AnyInetAddress);
-        std::string what;
-        EXPECT_EQ(CodeOf([&] { CServerSocket again(port, 1, Loopback()); }, &what),
-                  static_cast<unsigned long>(EADDRINUSE));
-        EXPECT_EQ(what, "Bind socket failed.");
-        EXPECT_EQ(CodeOf([&] { CSocket client(Loopback(), port, Loopback(), port); }, &what),
-                  static_cast<unsigned long>(EADDRINUSE));
-        EXPECT_EQ(what, "Bind socket failed.");
+        EXPECT_EQ(Failure([&] { CServerSocket again(port, 1, Loopback()); }),
+                  Failure(EADDRINUSE, "Bind socket failed."));
+        EXPECT_EQ(Failure([&] { CSocket client(Loopback(), port, Loopback(), port); }),
+                  Failure(EADDRINUSE, "Bind socket failed."));
     }
     // The port is closed now.
-    std::string what;
-    EXPECT_EQ(CodeOf([&] { CSocket client("127.0.0.1", port); }, &what),
-              static_cast<unsigned long>(ECONNREFUSED));
-    EXPECT_EQ(what, "Connect socket failed.");
+    EXPECT_EQ(Failure([&] { CSocket client("127.0.0.1", port); }),
+              Failure(ECONNREFUSED, "Connect socket failed."));
     CRef<CSocketImpl> impl = CTCPIPSocketImplFactory().CreateSocketImpl();
     impl->Create(false);
     impl->SetTimeout(5000);
-    EXPECT_EQ(CodeOf([&] { impl->Connect(Loopback(), port); }, &what),
-              static_cast<unsigned long>(ECONNREFUSED));
-    EXPECT_EQ(what, "connect failed.");
+    EXPECT_EQ(Failure([&] { impl->Connect(Loopback(), port); }),
+              Failure(ECONNREFUSED, "connect failed."));
     EXPECT_FALSE(impl->IsConnected());
-    std::string const unknown = std::string(64, 'y') + ".invalid";
-    EXPECT_EQ(Thrown<CUnknownHostException>([&] { CSocket s(unknown.c_str(), 1); }),
-              "Unknown host name.");
     impl = nullptr;
     EXPECT_EQ(lumotest::CountOpenDescriptors(), descriptors); // failed sockets are closed
 }
@@ -265,13 +249,9 @@ TEST(Socket, ConnectTimeoutToFullBacklogReturnsSilently) {
     ASSERT_FALSE(impl->IsConnected());
     EXPECT_TRUE(impl->GetInetAddress().IsNull());
     // The next use of the socket fails clearly.
-    std::string what;
-    EXPECT_EQ(CodeOf([&] { impl->GetOutputStream()->Write("x", 1); }, &what),
-              static_cast<unsigned long>(EBADF));
-    EXPECT_EQ(what, "Failed to send the specified data.");
-    EXPECT_EQ(CodeOf([&] { impl->GetInputStream()->Read(); }, &what),
-              static_cast<unsigned long>(EBADF));
-    EXPECT_EQ(what, "select failed.");
+    EXPECT_EQ(Failure([&] { impl->GetOutputStream()->Write("x", 1); }),
+              Failure(EBADF, "Failed to send the specified data."));
+    EXPECT_EQ(Failure([&] { impl->GetInputStream()->Read(); }), Failure(EBADF, "select failed."));
 }
 
 TEST(Socket, DescriptorsAfterTenThousandConnections) {
@@ -288,51 +268,23 @@ TEST(Socket, DescriptorsAfterTenThousandConnections) {
     EXPECT_EQ(lumotest::CountOpenDescriptors(), before);
 }
 
-// A server thread and a client thread talk over one connection.
-class CEchoServer : public lumo::base::CThread {
-public:
-    explicit CEchoServer(CServerSocket& server) : m_server(server) {}
-    void Run() override {
-        CRef<CSocket> peer = m_server.Accept(20000);
-        peer->SetTimeout(20000);
-        char buf[4096];
-        for (long n; (n = peer->GetInputStream()->Read(buf, 0, sizeof buf)) > 0;)
-            peer->GetOutputStream()->Write(buf, 0, static_cast<unsigned long>(n));
-    }
-
-private:
-    CServerSocket& m_server;
-};
-
-TEST(Socket, ClientAndServerThreads) {
-    CServerSocket server(0, 4, Loopback());
-    CEchoServer echo(server);
-    echo.Start();
-    {
-        CSocket client("localhost", server.GetLocalPort());
-        client.SetTimeout(20000);
-        std::string const data = lumotest::RandomBytes(200000);
-        for (std::size_t off = 0; off < data.size(); off += 20000) {
-            client.GetOutputStream()->Write(data.data(), static_cast<unsigned long>(off), 20000);
-            EXPECT_EQ(lumotest::ReadUpTo(client.GetInputStream(), 20000), data.substr(off, 20000));
-        }
-    }
-    EXPECT_TRUE(echo.Join(20000));
-}
-
-// Many clients at once, each served on a thread of its own; each worker alone holds
-// its connection (reference counts are not atomic).
+// Many clients at once, each served on a thread of its own, each sending a byte and a
+// block that come back (the byte plus one); each worker alone holds its connection
+// (reference counts are not atomic).
 TEST(Socket, ConcurrentClientsAndWorkers) {
     int const clients = 32;
+    unsigned long const size = 50000;
     CServerSocket server(0, clients, Loopback());
-    std::vector<int> answers(clients, -1);
+    std::vector<char> answered(clients, 0);
     std::thread acceptor([&] {
         std::vector<std::thread> workers;
         for (int i = 0; i < clients; ++i)
-            workers.emplace_back([peer = server.Accept(20000)]() mutable {
+            workers.emplace_back([peer = server.Accept(20000), size]() mutable {
                 peer->SetTimeout(20000);
                 long const b = peer->GetInputStream()->Read();
+                std::string const block = lumotest::ReadUpTo(peer->GetInputStream(), size);
                 peer->GetOutputStream()->Write(static_cast<char>(b + 1));
+                peer->GetOutputStream()->Write(block.data(), 0, size);
                 peer = nullptr;
             });
         for (auto& w : workers)
@@ -343,14 +295,17 @@ TEST(Socket, ConcurrentClientsAndWorkers) {
         threads.emplace_back([&, i] {
             CSocket socket("127.0.0.1", server.GetLocalPort());
             socket.SetTimeout(20000);
+            std::string const data = lumotest::RandomBytes(size);
             socket.GetOutputStream()->Write(static_cast<char>(i));
-            answers[i] = static_cast<int>(socket.GetInputStream()->Read());
+            socket.GetOutputStream()->Write(data.data(), 0, size);
+            answered[i] = socket.GetInputStream()->Read() == i + 1 &&
+                          lumotest::ReadUpTo(socket.GetInputStream(), size) == data;
         });
     for (auto& t : threads)
         t.join();
     acceptor.join();
     for (int i = 0; i < clients; ++i)
-        EXPECT_EQ(answers[i], i + 1);
+        EXPECT_TRUE(answered[i]) << i;
 }
 
 } // namespace

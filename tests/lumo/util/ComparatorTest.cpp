@@ -72,31 +72,26 @@ TEST(Comparator, QsortPlacesEqualElementsAsTheAlgorithmDefines) {
 TEST(Comparator, QsortSortsAnyWidthAndShape) {
     CByKey byKey;
     std::mt19937 random(42);
-    for (unsigned count : {2u, 8u, 9u, 10u, 100u, 5000u}) {
-        std::vector<Record> records(count);
-        for (unsigned i = 0; i < count; ++i)
-            records[i] = {static_cast<int>(random() % (count / 2 + 1)), static_cast<int>(i)};
-        std::vector<Record> sorted = records;
-        lumo::util::qsort(sorted.data(), count, sizeof(Record), byKey);
-        ASSERT_TRUE(std::is_sorted(sorted.begin(), sorted.end(),
-                                   [](Record const& a, Record const& b) { return a.key < b.key; }))
-            << count;
-        // Same elements, just reordered.
-        std::vector<int> before = Tags(records), after = Tags(sorted);
-        std::sort(after.begin(), after.end());
-        EXPECT_EQ(before, after);
-    }
-    // Presorted, reversed and constant inputs of many elements.
-    std::vector<Record> up(100000), down(100000), flat(100000);
-    for (int i = 0; i < 100000; ++i) {
-        up[i] = {i, i};
-        down[i] = {100000 - i, i};
-        flat[i] = {3, i};
-    }
-    for (auto* v : {&up, &down, &flat}) {
-        lumo::util::qsort(v->data(), static_cast<unsigned>(v->size()), sizeof(Record), byKey);
-        EXPECT_TRUE(std::is_sorted(v->begin(), v->end(),
-                                   [](Record const& a, Record const& b) { return a.key < b.key; }));
+    // Random keys with repeats, then presorted, reversed and constant inputs.
+    for (int shape = 0; shape < 4; ++shape) {
+        for (unsigned count : {2u, 8u, 9u, 10u, 100u, 5000u, 100000u}) {
+            std::vector<Record> records(count);
+            for (unsigned i = 0; i < count; ++i) {
+                int const keys[] = {static_cast<int>(random() % (count / 2 + 1)),
+                                    static_cast<int>(i), static_cast<int>(count - i), 3};
+                records[i] = {keys[shape], static_cast<int>(i)};
+            }
+            lumo::util::qsort(records.data(), count, sizeof(Record), byKey);
+            ASSERT_TRUE(
+                std::is_sorted(records.begin(), records.end(),
+                               [](Record const& a, Record const& b) { return a.key < b.key; }))
+                << shape << " " << count;
+            // Same elements, just reordered.
+            std::vector<int> tags = Tags(records);
+            std::sort(tags.begin(), tags.end());
+            for (unsigned i = 0; i < count; ++i)
+                ASSERT_EQ(tags[i], static_cast<int>(i));
+        }
     }
 
     // Odd widths: 1 byte, 3 bytes, and 100 bytes (beyond any single-step swap).

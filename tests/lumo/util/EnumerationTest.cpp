@@ -7,10 +7,8 @@
 
 #include "support/TestObject.h"
 
-using lumo::base::CNullReferenceException;
-using lumo::util::CEnumeration;
-using lumo::util::CNoSuchElementException;
-using lumo::util::IEnumeration;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 

@@ -1,5 +1,5 @@
-// Tests of the text hash: factor 37 for short texts, sampling with 39 for long ones, and
-// the string classes hashing like their texts.
+// Tests of the text hash against the rule written out (factor 37 for short texts,
+// sampling with 39 for long ones), and the string classes hashing like their texts.
 #include <lumo/util/HashCode.h>
 
 #include <lumo/base/String.h>
@@ -9,57 +9,43 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
-using lumo::base::CString;
-using lumo::base::CUnicodeString;
-using lumo::util::GetCStringHashCode;
-using lumo::util::GetCUnicodeStringHashCode;
-using lumo::util::GetStringHashCode;
+using namespace lumo::base;
+using namespace lumo::util;
 
-TEST(HashCode, ShortTextsUse37AndLongTextsAreSampledWith39) {
-    EXPECT_EQ(GetStringHashCode(nullptr), 0);
-    EXPECT_EQ(GetStringHashCode(""), 0);
-    EXPECT_EQ(GetStringHashCode("a"), 97);
-    EXPECT_EQ(GetStringHashCode("\xff"), 255); // bytes count unsigned
+namespace {
 
-    std::string fifteen = "abcdefghijklmno";
+// Under 16 units: h * 37 + unit over every unit; from 16 on, h * 39 + unit at every
+// (length / 8)th unit. Units count unsigned; h wraps at 32 bits.
+template <class Unit> std::int32_t Reference(std::basic_string<Unit> const& s) {
+    std::size_t const n = s.size(), step = n < 16 ? 1 : n / 8;
     std::uint32_t h = 0;
-    for (char c : fifteen)
-        h = h * 37u + static_cast<unsigned char>(c);
-    EXPECT_EQ(GetStringHashCode(fifteen.c_str()), static_cast<std::int32_t>(h));
-
-    std::string const sixteen = "ABCDEFGHIJKLMNOP";
-    h = 0;
-    for (std::size_t i = 0; i < 16; i += 2)
-        h = h * 39u + static_cast<unsigned char>(sixteen[i]);
-    EXPECT_EQ(GetStringHashCode(sixteen.c_str()), static_cast<std::int32_t>(h));
-
-    // 17 units: step 2, so index 16 is sampled too.
-    std::string const seventeen = sixteen + "Q";
-    EXPECT_EQ(GetStringHashCode(seventeen.c_str()), static_cast<std::int32_t>(h * 39u + 'Q'));
-    // Units between the samples do not count.
-    std::string other = sixteen;
-    other[1] = 'z';
-    EXPECT_EQ(GetStringHashCode(other.c_str()), GetStringHashCode(sixteen.c_str()));
+    for (std::size_t i = 0; i < n; i += step)
+        h = h * (n < 16 ? 37u : 39u) + static_cast<std::make_unsigned_t<Unit>>(s[i]);
+    return static_cast<std::int32_t>(h);
 }
 
-TEST(HashCode, StringClassesHashLikeTheirTexts) {
-    for (char const* text : {"", "a", "hello world", "0123456789abcdefghij", "\xc3\xa9t\xc3\xa9"}) {
-        EXPECT_EQ(GetCStringHashCode(CString(text)), GetStringHashCode(text)) << text;
-    }
-    EXPECT_EQ(GetCStringHashCode(CString()), 0);
-    EXPECT_EQ(GetCUnicodeStringHashCode(CUnicodeString()), 0);
+} // namespace
 
-    // UTF-16 units are hashed whole, not as bytes.
-    unsigned short const units[] = {0x20AC, 0x0041, 0};
-    EXPECT_EQ(GetCUnicodeStringHashCode(CUnicodeString(units)),
-              static_cast<std::int32_t>(0x20ACu * 37u + 0x41u));
-    std::u16string const long16 = u"abcdefghijklmnopqrstuvwx"; // 24 units: step 3
-    CUnicodeString wide(reinterpret_cast<unsigned short const*>(long16.c_str()));
-    std::uint32_t h = 0;
-    for (std::size_t i = 0; i < long16.size(); i += 3)
-        h = h * 39u + long16[i];
-    EXPECT_EQ(GetCUnicodeStringHashCode(wide), static_cast<std::int32_t>(h));
-    EXPECT_EQ(GetCUnicodeStringHashCode(CUnicodeString("abcdefghijklmnopqrstuvwx")),
-              GetStringHashCode("abcdefghijklmnopqrstuvwx"));
+TEST(HashCode, TextsHashByTheRule) {
+    EXPECT_EQ(GetStringHashCode(nullptr), 0);
+    EXPECT_EQ(GetStringHashCode("a"), 97);
+    EXPECT_EQ(GetCUnicodeStringHashCode(CUnicodeString()), 0);
+    // Lengths around the switch at 16 and the step changes at 24 and 32; bytes above
+    // 0x7f count unsigned.
+    std::string const all = "\xff\xe9 ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789abcdefghijklmnop";
+    for (std::size_t length : {0, 1, 2, 15, 16, 17, 23, 24, 31, 32, 33, 50}) {
+        std::string const text = all.substr(0, length);
+        std::u16string const wide(text.begin(), text.end());
+        SCOPED_TRACE(length);
+        EXPECT_EQ(GetStringHashCode(text.c_str()), Reference(text));
+        EXPECT_EQ(GetCStringHashCode(CString(text.c_str())), Reference(text));
+        CUnicodeString const units(reinterpret_cast<unsigned short const*>(wide.c_str()));
+        EXPECT_EQ(GetCUnicodeStringHashCode(units), Reference(wide));
+    }
+    std::u16string const euro = u"\u20acA"; // UTF-16 units are hashed whole, not as bytes
+    EXPECT_EQ(GetCUnicodeStringHashCode(
+                  CUnicodeString(reinterpret_cast<unsigned short const*>(euro.c_str()))),
+              Reference(euro));
 }

@@ -11,9 +11,8 @@
 
 #include <stdexcept>
 
-using lumo::base::CRef;
-using lumo::util::CEmptyQueueException;
-using lumo::util::Queue;
+using namespace lumo::base;
+using namespace lumo::util;
 using lumotest::CValue;
 using lumotest::Tracked;
 
@@ -53,7 +52,7 @@ TEST(Queue, FirstInFirstOutAcrossWrapAroundGrowthAndShrink) {
     big.Enqueue(1);
     big.Clear();
     EXPECT_TRUE(big.IsEmpty());
-    EXPECT_THROW((Queue<int>(2, 0)), lumo::base::CIllegalArgumentException);
+    EXPECT_THROW((Queue<int>(2, 0)), CIllegalArgumentException);
 }
 
 TEST(Queue, ValuesAreReleasedExactlyOnce) {

@@ -1,6 +1,9 @@
-// Tests of CStringMap: keys in insertion order with and without case, removal,
-// capacity, copies and iterators.
+// Tests of CStringMap and CUnicodeStringMap, one typed suite over both (the same UTF-8
+// texts, as bytes and as UTF-16 units): exact keys in insertion order, removal, capacity,
+// copies and iterators; then the 8-bit map's keys without case, and large maps against a
+// scan.
 #include <lumo/util/StringMap.h>
+#include <lumo/util/UnicodeStringMap.h>
 
 #include <lumo/base/Exception.h>
 #include <lumo/util/NoSuchElementException.h>
@@ -13,109 +16,131 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
-using lumo::base::CArrayIndexOutOfBoundsException;
-using lumo::base::CIllegalArgumentException;
-using lumo::util::CNoSuchElementException;
-using lumo::util::CStringMap;
+using namespace lumo::base;
+using namespace lumo::util;
 
 namespace {
 
-std::vector<std::string> KeysOf(CStringMap const& map) {
-    std::vector<std::string> keys;
-    CStringMap::CKeyIterator it = map.GetKeyIterator();
+using Strings = std::vector<std::string>;
+
+template <class M> struct Traits;
+template <> struct Traits<CStringMap> {
+    static constexpr char const* unit = "lumo/util/StringMap";
+    static CString T(char const* utf8) { return CString(utf8); }
+    static CStringMap Make(unsigned long initial, unsigned long increment) {
+        return CStringMap(true, initial, increment);
+    }
+};
+template <> struct Traits<CUnicodeStringMap> {
+    static constexpr char const* unit = "lumo/util/UnicodeStringMap";
+    static CUnicodeString T(char const* utf8) { return CUnicodeString::FromUTF8(utf8); }
+    static CUnicodeStringMap Make(unsigned long initial, unsigned long increment) {
+        return CUnicodeStringMap(initial, increment);
+    }
+};
+
+std::string Str(CString const& s) {
+    return static_cast<char const*>(s);
+}
+std::string Str(CUnicodeString const& s) {
+    return static_cast<char const*>(s.ToUTF8());
+}
+
+template <class M> Strings KeysOf(M const& map) {
+    Strings keys;
+    typename M::CKeyIterator it = map.GetKeyIterator();
     while (it.HasMoreElements())
-        keys.push_back(static_cast<char const*>(it.NextElement()));
+        keys.push_back(Str(it.NextElement()));
     return keys;
 }
 
-template <class F> void ExpectInvalidKey(F f) {
-    lumotest::ExpectThrowIn<CIllegalArgumentException>("lumo/util/StringMap", f, "Invalid key.");
-}
+template <class M> class StringMaps : public ::testing::Test {};
+struct Names {
+    template <class M> static std::string GetName(int) {
+        return std::is_same_v<M, CStringMap> ? "Bytes" : "Utf16";
+    }
+};
+using Kinds = ::testing::Types<CStringMap, CUnicodeStringMap>;
+TYPED_TEST_SUITE(StringMaps, Kinds, Names);
 
 } // namespace
 
-TEST(StringMap, KeysInInsertionOrderWithOrWithoutCase) {
-    CStringMap map(false, 0, 0); // increment 0 means steps of 5
-    EXPECT_FALSE(map.IsKeyCaseSensitive());
-    map.Put("Key", "one");
+TYPED_TEST(StringMaps, ExactKeysInInsertionOrder) {
+    using K = Traits<TypeParam>;
+    auto const T = &K::T;
+    TypeParam map = K::Make(0, 0); // increment 0 means steps of 5
+    map.Put(T("Key"), T("one"));
     EXPECT_EQ(map.GetCapacity(), 5u);
-    map.Put("KEY", "two"); // the same key: value replaced, first spelling kept
-    map.Put("beta", nullptr);
-    map.Put("alpha", "three");
-    EXPECT_EQ(map.GetSize(), 3u);
-    EXPECT_EQ(KeysOf(map), (std::vector<std::string>{"Key", "beta", "alpha"}));
-    EXPECT_STREQ(map.Get("key"), "two");
-    EXPECT_TRUE(map.Get("BETA").IsEmpty());
-    map.Put("beta", "x");
-    map.Put("beta", nullptr); // a null value empties the stored one
-    EXPECT_TRUE(map.GetAt(1).IsEmpty());
-    EXPECT_STREQ(map.GetKeyAt(2), "alpha");
-    EXPECT_EQ(map.GetIndexOfKey("ALPHA"), 2);
-    EXPECT_EQ(map.GetIndexOfKey("gamma"), -1);
-    EXPECT_TRUE(map.ContainsKey("kEY"));
-    EXPECT_EQ(map.GetIndexOf("three"), 2);
-    EXPECT_EQ(map.GetIndexOf("THREE"), -1); // values compare exactly
-    EXPECT_TRUE(map.Contains(""));
+    map.Put(T("KEY"), T("two")); // keys compare exactly
+    map.Put(T("é"), nullptr);
+    map.Put(T("alpha"), T("three"));
+    map.Put(T("Key"), T("replaced")); // the value replaced in place
+    EXPECT_EQ(KeysOf(map), (Strings{"Key", "KEY", "é", "alpha"}));
+    EXPECT_EQ(Str(map.Get(T("Key"))), "replaced");
+    EXPECT_TRUE(map.Get(T("é")).IsEmpty());
+    map.Put(T("é"), T("x"));
+    map.Put(T("é"), nullptr); // a null value empties the stored one
+    EXPECT_TRUE(map.GetAt(2).IsEmpty());
+    EXPECT_EQ(Str(map.GetKeyAt(3)), "alpha");
+    EXPECT_EQ(map.GetIndexOfKey(T("KEY")), 1);
+    EXPECT_EQ(map.GetIndexOfKey(T("key")), -1);
+    EXPECT_TRUE(map.ContainsKey(T("é")));
+    EXPECT_EQ(map.GetIndexOf(T("three")), 3);
+    EXPECT_EQ(map.GetIndexOf(T("THREE")), -1); // values compare exactly
+    EXPECT_TRUE(map.Contains(T("")));
     EXPECT_TRUE(map.Contains(nullptr));
-    EXPECT_THROW(map.GetKeyAt(3), CArrayIndexOutOfBoundsException);
-    EXPECT_THROW(map.GetAt(3), CArrayIndexOutOfBoundsException);
-    lumotest::ExpectThrowIn<CNoSuchElementException>("lumo/util/StringMap",
-                                                     [&] { map.Get("gamma"); });
-    for (int i = 0; i < 3; ++i)
-        map.Put(std::to_string(i).c_str(), "n");
+    EXPECT_THROW(map.GetKeyAt(4), CArrayIndexOutOfBoundsException);
+    EXPECT_THROW(map.GetAt(4), CArrayIndexOutOfBoundsException);
+    lumotest::ExpectThrowIn<CNoSuchElementException>(K::unit, [&] { map.Get(T("key")); });
+    for (char const* key : {"0", "1"})
+        map.Put(T(key), T("n"));
     EXPECT_EQ(map.GetCapacity(), 10u);
 
-    CStringMap exact;
-    exact.Put("Key", "1");
-    exact.Put("KEY", "2");
-    EXPECT_EQ(exact.GetSize(), 2u);
-    EXPECT_THROW(exact.Get("key"), CNoSuchElementException);
-
-    ExpectInvalidKey([&] { exact.Put("", "v"); });
-    ExpectInvalidKey([&] { exact.Put(nullptr, "v"); });
-    ExpectInvalidKey([&] { exact.Get(""); });
-    ExpectInvalidKey([&] { exact.ContainsKey(nullptr); });
-    ExpectInvalidKey([&] { exact.GetIndexOfKey(""); });
-    ExpectInvalidKey([&] { exact.Remove(nullptr); });
-    EXPECT_EQ(exact.GetSize(), 2u);
+    lumotest::IllegalIn const invalid{K::unit};
+    invalid([&] { map.Put(T(""), T("v")); }, "Invalid key.");
+    invalid([&] { map.Put(nullptr, T("v")); }, "Invalid key.");
+    invalid([&] { map.Get(T("")); }, "Invalid key.");
+    invalid([&] { map.ContainsKey(nullptr); }, "Invalid key.");
+    invalid([&] { map.GetIndexOfKey(T("")); }, "Invalid key.");
+    invalid([&] { map.Remove(nullptr); }, "Invalid key.");
+    EXPECT_EQ(map.GetSize(), 6u);
 }
 
-TEST(StringMap, RemovalCapacityCopiesAndIterators) {
-    CStringMap map(true, 7, 3);
+TYPED_TEST(StringMaps, RemovalCapacityCopiesAndIterators) {
+    auto const T = &Traits<TypeParam>::T;
+    TypeParam map = Traits<TypeParam>::Make(7, 3);
     EXPECT_EQ(map.GetCapacity(), 9u);
     for (int i = 0; i < 8; ++i)
-        map.Put(("k" + std::to_string(i)).c_str(), std::to_string(i * i).c_str());
-    map.Remove("k2");
-    map.Remove("absent"); // nothing
+        map.Put(T(("k" + std::to_string(i)).c_str()), T(std::to_string(i * i).c_str()));
+    map.Remove(T("k2"));
+    map.Remove(T("absent")); // nothing
     EXPECT_EQ(map.GetSize(), 7u);
-    EXPECT_STREQ(map.GetKeyAt(2), "k3");
-    EXPECT_STREQ(map.GetAt(2), "9"); // the values moved with their keys
-    map.Remove("k0");
-    map.Remove("k1");
+    EXPECT_EQ(Str(map.GetKeyAt(2)), "k3");
+    EXPECT_EQ(Str(map.GetAt(2)), "9"); // the values moved with their keys
+    map.Remove(T("k0"));
+    map.Remove(T("k1"));
     EXPECT_EQ(map.GetCapacity(), 6u);
 
-    CStringMap copy(map);
+    TypeParam copy(map);
     EXPECT_TRUE(copy == map);
-    copy.Get("k7") = "changed";
+    copy.Get(T("k7")) = T("changed");
     EXPECT_TRUE(copy != map);
-    EXPECT_STREQ(map.Get("k7"), "49");
-    CStringMap folded(false);
-    folded.Put("A", "1");
-    folded = map;
-    EXPECT_TRUE(folded.IsKeyCaseSensitive());
-    EXPECT_TRUE(folded == map);
+    EXPECT_EQ(Str(map.Get(T("k7"))), "49");
+    copy = map;
+    EXPECT_TRUE(copy == map);
 
-    CStringMap::CConstValueIterator values = map.GetValueIterator();
-    std::vector<std::string> seen;
+    typename TypeParam::CConstValueIterator values = map.GetValueIterator();
+    Strings seen;
     while (values.HasMoreElements())
-        seen.push_back(static_cast<char const*>(values.NextElement()));
-    EXPECT_EQ(seen, (std::vector<std::string>{"9", "16", "25", "36", "49"}));
+        seen.push_back(Str(values.NextElement()));
+    EXPECT_EQ(seen, (Strings{"9", "16", "25", "36", "49"}));
     EXPECT_THROW(values.NextElement(), CNoSuchElementException);
     values.Reset();
-    EXPECT_STREQ(values.NextElement(), "9");
+    EXPECT_EQ(Str(values.NextElement()), "9");
 
     map.TrimToSize();
     EXPECT_EQ(map.GetCapacity(), 5u);
@@ -126,10 +151,28 @@ TEST(StringMap, RemovalCapacityCopiesAndIterators) {
     EXPECT_EQ(map.GetCapacity(), 3u);
     map.TrimToSize();
     EXPECT_EQ(map.GetCapacity(), 0u);
-    map.Put("again", "1");
-    EXPECT_STREQ(map.Get("again"), "1");
-    EXPECT_THROW(map.EnsureCapacity(0xFFFFFFFFul), lumo::base::CMemoryException);
+    map.Put(T("again"), T("1"));
+    EXPECT_EQ(Str(map.Get(T("again"))), "1");
+    EXPECT_THROW(map.EnsureCapacity(0xFFFFFFFFul), CMemoryException);
     EXPECT_EQ(map.GetSize(), 1u);
+}
+
+TEST(StringMap, KeysWithoutCaseKeepTheFirstSpelling) {
+    CStringMap map(false);
+    EXPECT_FALSE(map.IsKeyCaseSensitive());
+    map.Put("Key", "one");
+    map.Put("KEY", "two"); // the same key: value replaced, first spelling kept
+    map.Put("beta", "b");
+    EXPECT_EQ(KeysOf(map), (Strings{"Key", "beta"}));
+    EXPECT_STREQ(map.Get("key"), "two");
+    EXPECT_EQ(map.GetIndexOfKey("BETA"), 1);
+    EXPECT_TRUE(map.ContainsKey("kEY"));
+    EXPECT_EQ(map.GetIndexOf("TWO"), -1); // values compare exactly
+    // Assignment and copies take the key comparison along.
+    map = CStringMap();
+    EXPECT_TRUE(map.IsKeyCaseSensitive());
+    CStringMap const folded(false);
+    EXPECT_FALSE(CStringMap(folded).IsKeyCaseSensitive());
 }
 
 // Random operations on maps large enough to be indexed, against a scan over a plain
@@ -147,7 +190,7 @@ TEST(StringMap, LargeMapsAnswerAsAScanWould) {
         std::uint32_t capacity = 0;
         auto find = [&](std::string const& key) -> long {
             for (std::size_t i = 0; i < model.size(); ++i) {
-                lumo::base::CString stored(model[i].first.c_str());
+                CString stored(model[i].first.c_str());
                 int const order = caseSensitive ? stored.Compare(key.c_str())
                                                 : stored.CompareIgnoreCase(key.c_str());
                 if (order == 0)
