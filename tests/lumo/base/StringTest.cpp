@@ -13,6 +13,8 @@
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -261,163 +263,163 @@ TYPED_TEST(StringTypes, Compare) {
     EXPECT_TRUE(abc < "abd" && "abd" > abc && abc <= "abc" && abc >= "ab");
 }
 
-TYPED_TEST(StringTypes, SearchAndPieces) {
+// Searches, pieces and changes on random ASCII texts against std::string, under the
+// documented rules: the last match for ReverseFind is one at or after `start`; an empty
+// pattern is never found; SubString and Mid give nothing at or past the end; Right(n)
+// ends one byte before the last one for n below the length; an index beyond the text
+// is cut to it; Delete returns the length before, Insert the length after.
+TYPED_TEST(StringTypes, AgreesWithStdString) {
     using S = TypeParam;
-    S const s("abcabc");
-    EXPECT_EQ(1, s.Find('b'));
-    EXPECT_EQ(4, s.Find('b', 2));
-    EXPECT_EQ(-1, s.Find('b', 6));
-    EXPECT_EQ(-1, s.Find('z'));
-    EXPECT_EQ(-1, S().Find('a'));
-    EXPECT_EQ(4, s.ReverseFind('b'));
-    EXPECT_EQ(-1, s.ReverseFind('a', 6));
-    EXPECT_EQ(3, s.Find("abc", 1));
-    EXPECT_EQ(-1, s.Find(""));
-    EXPECT_EQ(-1, s.Find(kNull));
-    EXPECT_EQ(-1, s.Find(S()));
-    EXPECT_EQ(0, s.Find(S("ab")));
-    EXPECT_EQ(-1, s.Find("ABC"));
-    EXPECT_EQ(3, s.FindIgnoreCase("ABC", 1));
-    EXPECT_EQ(3, s.ReverseFind("abc"));
-    EXPECT_EQ(3, s.ReverseFind(S("a")));
-    EXPECT_EQ(-1, s.ReverseFind("abc", 4));
-    EXPECT_EQ(4, s.ReverseFindIgnoreCase("BC", 0));
-    EXPECT_EQ(-1, s.ReverseFindIgnoreCase(kNull));
-    EXPECT_EQ(2, S("aaaa").ReverseFind("aa")); // overlapping matches: the last one wins
-
-    EXPECT_TRUE(s.StartsWith("abc"));
-    EXPECT_TRUE(s.StartsWith(""));
-    EXPECT_FALSE(s.StartsWith(kNull));
-    EXPECT_FALSE(s.StartsWith("abcabcd"));
-    EXPECT_FALSE(s.StartsWith("ABC"));
-    EXPECT_TRUE(s.StartsWithIgnoreCase("ABC"));
-    EXPECT_TRUE(s.EndsWith(S("cabc")));
-    EXPECT_FALSE(s.EndsWith("ab"));
-    EXPECT_TRUE(s.EndsWithIgnoreCase("BC"));
-    EXPECT_FALSE(S().StartsWith("a"));
-
-    S const abcde("abcde");
-    struct Case {
-        S piece;
-        char const* expected;
-    } const pieces[] = {
-        {abcde.SubString(2, 2), ""},
-        {abcde.SubString(1, 1000), "bcde"},
-        {abcde.SubString(5), ""},
-        {abcde.SubString(3, 1), ""},
-        {S().SubString(0, 5), ""},
-        {abcde.Mid(1, 1), "b"},
-        {abcde.Mid(2), "cde"},
-        {abcde.Mid(1, -1), ""},
-        {abcde.Mid(1, 0x7FFFFFFF), "bcde"},
-        {abcde.Left(2), "ab"},
-        {abcde.Left(0), ""},
-        // Right keeps its placement: the n units that end one before the last.
-        {abcde.Right(2), "cd"},
-        {abcde.Right(1), "d"},
-        {abcde.Right(4), "abcd"},
-        {abcde.Right(0), ""},
-        {S().Right(3), ""},
-        {abcde + S("de"), "abcdede"},
-        {abcde + "de", "abcdede"},
-        {"xy" + abcde, "xyabcde"},
-        {abcde + S(kNull), "abcde"},
-        {kNull + abcde, "abcde"},
-        {S() + "de", "de"},
+    auto const npos = std::string::npos;
+    std::mt19937 rng(11);
+    auto random = [&rng](std::size_t maxLength) {
+        std::string t(rng() % (maxLength + 1), ' ');
+        for (char& c : t)
+            c = "abAB \t"[rng() % 6];
+        return t;
     };
-    for (auto const& test : pieces)
-        EXPECT_EQ(test.expected, Str(test.piece)) << &test - pieces;
-    EXPECT_EQ(Ptr(abcde), Ptr(abcde.Left(5)));
-    EXPECT_EQ(Ptr(abcde), Ptr(abcde.Right(5)));
+    auto lower = [](std::string t) {
+        for (char& c : t)
+            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        return t;
+    };
+    for (int round = 0; round < 4000; ++round) {
+        std::string const text = random(12), pattern = random(3);
+        std::size_t const length = text.size();
+        unsigned long const start = rng() % (length + 2), n = rng() % (length + 2);
+        char const c = "abA "[rng() % 4];
+        S const s(text.c_str());
+        SCOPED_TRACE("text \"" + text + "\" pattern \"" + pattern + "\" start " +
+                     std::to_string(start) + " n " + std::to_string(n));
+        auto first = [&](std::string const& t, std::string const& p) {
+            std::size_t const at = p.empty() || start > length ? npos : t.find(p, start);
+            return at == npos ? -1L : long(at);
+        };
+        auto last = [&](std::string const& t, std::string const& p) {
+            std::size_t const at = p.empty() ? npos : t.rfind(p);
+            return at == npos || at < start ? -1L : long(at);
+        };
+        std::string const one(1, c), lowText = lower(text), lowPattern = lower(pattern);
+        EXPECT_EQ(first(text, pattern), s.Find(pattern.c_str(), start));
+        EXPECT_EQ(last(text, pattern), s.ReverseFind(pattern.c_str(), start));
+        EXPECT_EQ(first(text, one), s.Find(c, start));
+        EXPECT_EQ(last(text, one), s.ReverseFind(c, start));
+        EXPECT_EQ(first(lowText, lowPattern), s.FindIgnoreCase(pattern.c_str(), start));
+        EXPECT_EQ(last(lowText, lowPattern), s.ReverseFindIgnoreCase(pattern.c_str(), start));
+        bool const starts = text.compare(0, pattern.size(), pattern) == 0;
+        bool const ends =
+            pattern.size() <= length && text.compare(length - pattern.size(), npos, pattern) == 0;
+        EXPECT_EQ(starts, s.StartsWith(pattern.c_str()));
+        EXPECT_EQ(ends, s.EndsWith(pattern.c_str()));
+        EXPECT_EQ(lowText.compare(0, pattern.size(), lowPattern) == 0,
+                  s.StartsWithIgnoreCase(pattern.c_str()));
+        EXPECT_EQ(pattern.size() <= length &&
+                      lowText.compare(length - pattern.size(), npos, lowPattern) == 0,
+                  s.EndsWithIgnoreCase(pattern.c_str()));
+
+        long const count = long(n) - 1;
+        std::string const tail = start < length ? text.substr(start) : "";
+        EXPECT_EQ(start < n ? tail.substr(0, n - start) : "", Str(s.SubString(start, n)));
+        EXPECT_EQ(tail, Str(s.Mid(start)));
+        EXPECT_EQ(count > 0 ? tail.substr(0, count) : "", Str(s.Mid(start, count)));
+        EXPECT_EQ(text.substr(0, n), Str(s.Left(n)));
+        EXPECT_EQ(n >= length ? text : text.substr(length - 1 - n, n), Str(s.Right(n)));
+
+        S changed(s);
+        std::string model = text;
+        EXPECT_EQ(length, changed.Delete(start, n));
+        if (start < length)
+            model.erase(start, n);
+        EXPECT_EQ(model.size() + pattern.size(), changed.Insert(start, pattern.c_str()));
+        model.insert(std::min<std::size_t>(start, model.size()), pattern);
+        EXPECT_EQ(model.size() + 1, changed.Insert(n, c));
+        model.insert(std::min<std::size_t>(n, model.size()), one);
+        EXPECT_EQ(model, Str(changed));
+
+        std::string const replacement = random(2);
+        std::size_t replaced = 0;
+        for (std::size_t at = model.find(pattern); !pattern.empty() && at != npos;
+             at = model.find(pattern, at + replacement.size()), ++replaced)
+            model.replace(at, pattern.size(), replacement);
+        EXPECT_EQ(replaced, changed.Replace(pattern.c_str(), replacement.c_str()));
+        EXPECT_EQ(model, Str(changed));
+        std::size_t const swapped = std::count(model.begin(), model.end(), c);
+        std::replace(model.begin(), model.end(), c, 'z');
+        EXPECT_EQ(swapped, changed.Replace(c, 'z'));
+        model.erase(std::remove(model.begin(), model.end(), 'z'), model.end());
+        EXPECT_EQ(swapped, changed.Remove('z'));
+        EXPECT_EQ(model, Str(changed));
+
+        // Trims: white space, a run of one character, any character of a set.
+        auto strip = [](std::string t, std::string const& left, std::string const& right) {
+            t.erase(0, std::min(t.find_first_not_of(left), t.size()));
+            t.erase(t.find_last_not_of(right) + 1);
+            return t;
+        };
+        std::string const spaces = " \t", set = pattern.empty() ? "b" : pattern;
+        S trimmed(s), cut(s);
+        trimmed.TrimLeft();
+        trimmed.TrimRight();
+        EXPECT_EQ(strip(text, spaces, spaces), Str(trimmed));
+        trimmed.TrimLeft(set.c_str());
+        trimmed.TrimRight(c);
+        EXPECT_EQ(strip(strip(text, spaces, spaces), set, one), Str(trimmed));
+        cut.TrimLeft(c);
+        cut.TrimRight(set.c_str());
+        EXPECT_EQ(strip(text, one, set), Str(cut));
+    }
 }
 
-TYPED_TEST(StringTypes, Changes) {
+// What a model cannot show: null and empty operands, texts from the string's own
+// buffer, pieces and appends that share, and the concatenations.
+TYPED_TEST(StringTypes, NullOwnAndSharedOperands) {
     using S = TypeParam;
+    S const abcde("abcde");
+    EXPECT_EQ(-1, abcde.Find(kNull));
+    EXPECT_EQ(-1, abcde.Find(S()));
+    EXPECT_EQ(0, abcde.Find(S("ab")));
+    EXPECT_EQ(3, abcde.ReverseFind(S("d")));
+    EXPECT_EQ(-1, abcde.ReverseFindIgnoreCase(kNull));
+    EXPECT_FALSE(abcde.StartsWith(kNull));
+    EXPECT_TRUE(abcde.EndsWith(S("cde")));
+    EXPECT_EQ(Ptr(abcde), Ptr(abcde.Left(5)));
+    EXPECT_EQ(Ptr(abcde), Ptr(abcde.Right(5)));
+    EXPECT_EQ("abcdede", Str(abcde + S("de")));
+    EXPECT_EQ("abcdede", Str(abcde + "de"));
+    EXPECT_EQ("xyabcde", Str("xy" + abcde));
+    EXPECT_EQ("abcde", Str(abcde + S(kNull)));
+    EXPECT_EQ("abcde", Str(kNull + abcde));
+    EXPECT_EQ("de", Str(S() + "de"));
+
     S s;
     s += S();
     s += kNull;
     EXPECT_EQ(0u, s.GetCapacity());
-    S const shared("abc");
-    s += shared; // appending to an empty string shares
-    EXPECT_EQ(Ptr(shared), Ptr(s));
-    s += "def";
-    s += 'g';
-    EXPECT_EQ("abcdefg", Str(s));
-    EXPECT_EQ("abc", Str(shared));
+    s += abcde; // appending to an empty string shares
+    EXPECT_EQ(Ptr(abcde), Ptr(s));
+    s += 'f';
+    EXPECT_EQ("abcde", Str(abcde));
     s += s;
-    EXPECT_EQ("abcdefgabcdefg", Str(s));
-    s += Ptr(s) + 7;
-    EXPECT_EQ("abcdefgabcdefgabcdefg", Str(s));
-
-    S t("ac");
-    EXPECT_EQ(3u, t.Insert(1, 'b'));
-    EXPECT_EQ(5u, t.Insert(99, "de"));
-    EXPECT_EQ(6u, t.Insert(0, Ptr(t) + 4));
-    EXPECT_EQ("eabcde", Str(t));
-    EXPECT_EQ(6u, t.Insert(2, kNull));
-    EXPECT_EQ(2u, S().Insert(5, "xy"));
-
-    S d("abc"); // Delete returns the length before
-    EXPECT_EQ(3u, d.Delete(1, 1));
-    EXPECT_EQ("ac", Str(d));
-    EXPECT_EQ(2u, d.Delete(2, 1));
-    EXPECT_EQ(2u, d.Delete(0, 0));
-    EXPECT_EQ(2u, d.Delete(1, 50)); // stops at the end
-    EXPECT_EQ("a", Str(d));
-    EXPECT_EQ(0u, S().Delete(0, 1));
+    s += Ptr(s) + 9;
+    EXPECT_EQ("abcdefabcdefdef", Str(s));
+    EXPECT_EQ(15u, s.Insert(2, kNull));
+    EXPECT_EQ(18u, s.Insert(0, Ptr(s) + 12));
+    EXPECT_EQ("defabcdefabcdefdef", Str(s));
 
     S r("a-b-c");
     EXPECT_EQ(2u, r.Replace('-', '+'));
     EXPECT_EQ("a+b+c", Str(r));
-    EXPECT_EQ(0u, r.Replace('x', 'y'));
-    EXPECT_EQ(2u, r.Replace("+", "--"));
-    EXPECT_EQ("a--b--c", Str(r));
-    EXPECT_EQ(2u, r.Replace("--", kNull));
-    EXPECT_EQ("abc", Str(r));
+    EXPECT_EQ(2u, r.Replace("+", kNull)); // a null replacement removes
     EXPECT_EQ(0u, r.Replace(kNull, "x"));
-    EXPECT_EQ(0u, r.Replace("", "x"));
-    EXPECT_EQ(1u, r.Replace("abc", ""));
-    EXPECT_TRUE(r.IsEmpty());
+    EXPECT_EQ("abc", Str(r));
     S self("xx");
     EXPECT_EQ(2u, self.Replace(S("x"), self));
     EXPECT_EQ("xxxx", Str(self));
-
-    S m("banana");
-    EXPECT_EQ(3u, m.Remove('a'));
-    EXPECT_EQ("bnn", Str(m));
-    EXPECT_EQ(3u, m.GetLength());
-    EXPECT_EQ(0u, m.Remove('z'));
-}
-
-TYPED_TEST(StringTypes, Trims) {
-    using S = TypeParam;
-    S s(" \t abc \n ");
-    s.TrimLeft();
-    EXPECT_EQ("abc \n ", Str(s));
-    s.TrimRight();
-    EXPECT_EQ("abc", Str(s));
-    S blank("   ");
-    blank.TrimRight();
-    EXPECT_TRUE(blank.IsEmpty());
-
-    S x("xxaxx");
-    x.TrimLeft('x');
-    EXPECT_EQ("axx", Str(x));
-    x.TrimRight('x');
-    EXPECT_EQ("a", Str(x));
-
-    S set("-+-a+b-+");
-    set.TrimLeft("+-");
-    EXPECT_EQ("a+b-+", Str(set));
-    set.TrimRight(S("-+"));
-    EXPECT_EQ("a+b", Str(set));
-    set.TrimLeft(kNull);
-    set.TrimRight("");
-    EXPECT_EQ("a+b", Str(set));
-    S empty;
-    empty.TrimLeft();
-    empty.TrimRight("x");
-    EXPECT_TRUE(empty.IsEmpty());
+    self.TrimLeft(kNull);
+    self.TrimRight("");
+    EXPECT_EQ("xxxx", Str(self));
+    self.TrimRight(S("x"));
+    EXPECT_TRUE(self.IsEmpty());
 }
 
 // Appends by the thousand against std::string; the buffer grows geometrically, not
