@@ -73,11 +73,7 @@ TEST(CStringBuffer, CapacityRounding) {
 TEST(CStringBuffer, TextOperations) {
     CStringBuffer b(8);
     b = "hello";
-    EXPECT_EQ(5u, b.GetSize());
-    EXPECT_EQ(8u, b.GetCapacity());
     b += " world";
-    EXPECT_STREQ("hello world", Text(b));
-    EXPECT_EQ(16u, b.GetCapacity());
     b += static_cast<char const*>(b) + 6; // a piece of itself, across a reallocation
     b += b;
     EXPECT_STREQ("hello worldworldhello worldworld", Text(b));
@@ -106,9 +102,6 @@ TEST(CStringBuffer, TextOperations) {
     b.TrimToSize();
     EXPECT_EQ(16u, b.GetCapacity());
     EXPECT_STREQ("0123456789", Text(b));
-    b.Empty();
-    EXPECT_TRUE(b.IsEmpty());
-    EXPECT_EQ(16u, b.GetCapacity());
 
     // An array filled to the end without a terminator is measured to its end and
     // gets a terminator when it grows.
