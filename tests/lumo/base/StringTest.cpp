@@ -85,6 +85,27 @@ template <> struct Traits<CUnicodeString> {
     static constexpr unsigned long kLine = 2294;
 };
 
+// A terminated array of the type's own units from ASCII text.
+template <class S> std::vector<typename Traits<S>::Unit> Native(std::string const& ascii) {
+    std::vector<typename Traits<S>::Unit> units(ascii.begin(), ascii.end());
+    units.push_back(0);
+    return units;
+}
+
+void FormatInto(CString& s, char const* format, ...) {
+    va_list args;
+    va_start(args, format);
+    s.FormatV(format, args);
+    va_end(args);
+}
+
+void FormatInto(CUnicodeString& s, unsigned short const* format, ...) {
+    va_list args;
+    va_start(args, format);
+    s.FormatV(format, args);
+    va_end(args);
+}
+
 template <class S> class StringTypes : public ::testing::Test {};
 using BothStringTypes = ::testing::Types<CString, CUnicodeString>;
 TYPED_TEST_SUITE(StringTypes, BothStringTypes);
@@ -422,6 +443,31 @@ TYPED_TEST(StringTypes, NullOwnAndSharedOperands) {
     EXPECT_TRUE(self.IsEmpty());
 }
 
+// printf into a 1024-unit work buffer: a result of exactly 1023 units takes a second
+// round and comes out whole, a longer one is kept cut to what fitted (keep it so).
+TYPED_TEST(StringTypes, Format) {
+    using S = TypeParam;
+    S s("old");
+    s.Format(Native<S>("%d-%05.1f").data(), 42, 3.14159);
+    EXPECT_EQ("42-003.1", Str(s));
+    std::string const x1020(1020, 'x');
+    FormatInto(s, Native<S>(x1020 + "%d").data(), 123);
+    EXPECT_EQ(x1020 + "123", Str(s));
+    FormatInto(s, Native<S>(x1020 + "%d").data(), 1234);
+    EXPECT_EQ(x1020 + "123", Str(s));
+    FormatInto(s, Native<S>(std::string(3000, 'y') + "%d").data(), 5);
+    EXPECT_EQ(std::string(1023, 'y'), Str(s));
+
+    FormatInto(s, nullptr);
+    EXPECT_TRUE(s.IsEmpty());
+    s = "x";
+    FormatInto(s, Native<S>("").data());
+    EXPECT_TRUE(s.IsEmpty());
+    s = "abc"; // formatting a string into itself reads the old text
+    FormatInto(s, Native<S>("[%s]").data(), Ptr(s));
+    EXPECT_EQ("[abc]", Str(s));
+}
+
 // Appends by the thousand against std::string; the buffer grows geometrically, not
 // piece by piece.
 TYPED_TEST(StringTypes, LargeAppends) {
@@ -445,24 +491,6 @@ TYPED_TEST(StringTypes, LargeAppends) {
     s.Delete(0, 1);
     EXPECT_TRUE(s == copy);
 }
-
-namespace {
-
-void FormatInto(CString& s, char const* format, ...) {
-    va_list args;
-    va_start(args, format);
-    s.FormatV(format, args);
-    va_end(args);
-}
-
-void FormatInto(CUnicodeString& s, unsigned short const* format, ...) {
-    va_list args;
-    va_start(args, format);
-    s.FormatV(format, args);
-    va_end(args);
-}
-
-} // namespace
 
 TEST(CString, ConstructionAndConversion) {
     CString none;
@@ -534,34 +562,6 @@ TEST(CString, MultibyteText) {
     EXPECT_STREQ("x\xC3\xA8", Ptr(trimmed));
     trimmed.TrimRight("\xC3\xA9");
     EXPECT_STREQ("x\xC3\xA8", Ptr(trimmed));
-}
-
-TEST(CString, Format) {
-    CString s("old");
-    s.Format("%d-%s-%05.1f", 42, "x", 3.14159);
-    EXPECT_STREQ("42-x-003.1", Ptr(s));
-
-    // Exactly 1023 bytes takes a second round and comes out whole; longer texts do
-    // not fit the first buffer and are kept cut.
-    std::string const exact(1023, 'e');
-    s.Format("%s", exact.c_str());
-    EXPECT_EQ(exact, Str(s));
-    std::string const longer(1500, 'l');
-    s.Format("%s", longer.c_str());
-    EXPECT_EQ(longer.substr(0, 1023), Str(s));
-    s.Format("%s!", std::string(1022, 'b').c_str());
-    EXPECT_EQ(1023u, s.GetLength());
-    EXPECT_EQ('!', s[1022]);
-
-    FormatInto(s, nullptr);
-    EXPECT_TRUE(s.IsEmpty());
-    s = "x";
-    s.Format("%s", "");
-    EXPECT_TRUE(s.IsEmpty());
-    // Formatting a string into itself reads the old text.
-    s = "abc";
-    s.Format("[%s]", Ptr(s));
-    EXPECT_STREQ("[abc]", Ptr(s));
 }
 
 TEST(CUnicodeString, ConstructionAndConversion) {
@@ -649,24 +649,6 @@ TEST(CUnicodeString, NonAsciiText) {
     CUnicodeString set("xyabcyx");
     set.TrimRight(U(u"xy").data());
     EXPECT_EQ(u"xyabc", Text(set));
-}
-
-TEST(CUnicodeString, Format) {
-    CUnicodeString s;
-    s.Format(U(u"%d-%d").data(), 12, 34);
-    EXPECT_EQ(u"12-34", Text(s));
-    s.Format(nullptr);
-    EXPECT_TRUE(s.IsEmpty());
-
-    // 1023 units fill the first work buffer exactly and take a second round; anything
-    // longer does not fit, and the cut result is kept as it is.
-    std::u16string const x1020(1020, u'x');
-    FormatInto(s, U(x1020 + u"%d").data(), 123);
-    EXPECT_EQ(x1020 + u"123", Text(s));
-    FormatInto(s, U(x1020 + u"%d").data(), 1234);
-    EXPECT_EQ(x1020 + u"123", Text(s));
-    FormatInto(s, U(std::u16string(3000, u'y') + u"%d").data(), 5);
-    EXPECT_EQ(1023u, s.GetLength());
 }
 
 namespace {
