@@ -180,7 +180,6 @@ TEST(Object, IdentitySemantics) {
     EXPECT_FALSE(a.Equals(nullptr));
     EXPECT_EQ(a.Clone(), nullptr);
     EXPECT_NE(a.GetHashCode(), b.GetHashCode());
-    EXPECT_EQ(a.GetHashCode(), a.GetHashCode());
 }
 
 TEST(Object, AllocationFailureNamesTheSite) {
