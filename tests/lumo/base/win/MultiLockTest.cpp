@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <random>
 #include <thread>
@@ -174,17 +175,9 @@ TEST(MultiLock, StressWaitAllOnOverlappingMutexes) {
         threads.emplace_back([&, t] {
             std::mt19937 random(t + 1);
             for (int round = 0; round < kRounds; ++round) {
-                int picks[3];
-                int n = 2 + static_cast<int>(random() % 2);
-                for (int i = 0; i < n; ++i) {
-                    bool again;
-                    do {
-                        picks[i] = static_cast<int>(random() % kMutexes);
-                        again = false;
-                        for (int j = 0; j < i; ++j)
-                            again = again || picks[j] == picks[i];
-                    } while (again);
-                }
+                int picks[kMutexes] = {0, 1, 2, 3, 4, 5}; // two or three distinct ones
+                std::shuffle(picks, picks + kMutexes, random);
+                int const n = 2 + static_cast<int>(random() % 2);
                 CSyncObject* objects[3];
                 for (int i = 0; i < n; ++i)
                     objects[i] = &mutexes[picks[i]];
