@@ -80,38 +80,26 @@ long ReferenceSearch(std::string const& text, std::string const& pattern, bool f
 
 // Random text from pieces that exercise every decoder path.
 std::string RandomText(std::mt19937& rng, int maxPieces) {
-    static char const* const pieces[] = {
-        "a",
-        "b",
-        "A",
-        "B",
-        "k",
-        "K",
-        "s",
-        "S",
-        " ",
-        "z",
-        "\xC3\xA4",         // ä
-        "\xC3\x84",         // Ä
-        "\xC3\x9F",         // ß
-        "\xC5\xBF",         // ſ (folds to s)
-        "\xE2\x84\xAA",     // Kelvin sign (folds to k)
-        "\xE4\xB8\xAD",     // 中
-        "\xF0\x9F\x98\x80", // U+1F600
-        "\xF0\x90\x90\x80", // U+10400 (folds to U+10428)
-        "\xF0\x90\x90\xA8", // U+10428
-        "\xA4",             // stray continuation byte
-        "\xC3",             // lone lead byte
-        "\xE4\xB8",         // truncated sequence
-        "\xC0\xAF",         // overlong
-        "\xED\xA0\x80",     // encoded surrogate
-        "\xFF",
-        "abcdefghijklmnopqrstuvwxyz", // long ASCII runs, and the neighbours of the letters
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZ",
-        "@[`{0123456789@[`{",
-    };
+    // Letters and their folds (ä Ä ß ſ, the Kelvin sign, CJK, U+1F600, U+10400 and
+    // U+10428), malformed bytes (stray continuation, lone lead, truncated, overlong,
+    // encoded surrogate, FF), and long ASCII runs with the neighbours of the letters.
+    static std::vector<std::string> const pieces = [] {
+        std::string const all =
+            "a|b|A|B|k|K|s|S| |z|\xC3\xA4|\xC3\x84|\xC3\x9F|\xC5\xBF|\xE2\x84\xAA|"
+            "\xE4\xB8\xAD|\xF0\x9F\x98\x80|\xF0\x90\x90\x80|\xF0\x90\x90\xA8|"
+            "\xA4|\xC3|\xE4\xB8|\xC0\xAF|\xED\xA0\x80|\xFF|"
+            "abcdefghijklmnopqrstuvwxyz|ABCDEFGHIJKLMNOPQRSTUVWXYZ|@[`{0123456789@[`{";
+        std::vector<std::string> split(1);
+        for (char c : all) {
+            if (c == '|')
+                split.emplace_back();
+            else
+                split.back() += c;
+        }
+        return split;
+    }();
     std::uniform_int_distribution<int> count(0, maxPieces);
-    std::uniform_int_distribution<int> pick(0, int(sizeof pieces / sizeof *pieces) - 1);
+    std::uniform_int_distribution<int> pick(0, int(pieces.size()) - 1);
     std::string s;
     for (int n = count(rng); n > 0; --n)
         s += pieces[pick(rng)];
@@ -161,37 +149,33 @@ std::string ToUtf8(std::u16string const& s) {
 } // namespace
 
 TEST(Chars, CompareTexts) {
-    // With case: code point order, which UTF-8 byte order agrees with.
-    EXPECT_EQ(CHCompareTexts("abc", -1, "abc", -1, 1), 0);
-    EXPECT_LT(CHCompareTexts("abc", -1, "abd", -1, 1), 0);
-    EXPECT_GT(CHCompareTexts("abcd", -1, "abc", -1, 1), 0);
-    EXPECT_LT(CHCompareTexts("Abc", -1, "abc", -1, 1), 0);
-    EXPECT_LT(CHCompareTexts("\xC3\xA9", -1, "\xE4\xB8\xAD", -1, 1), 0);
-    EXPECT_LT(CHCompareTexts("\xEF\xBF\xBD", -1, "\xF0\x9F\x98\x80", -1, 1), 0);
-    // Lengths cut the texts; a 0 byte ends them too.
-    EXPECT_EQ(CHCompareTexts("abcX", 3, "abcY", 3, 1), 0);
-    EXPECT_EQ(CHCompareTexts("ab\0x", 4, "ab", -1, 1), 0);
-    // Null texts are empty.
-    EXPECT_EQ(CHCompareTexts(nullptr, -1, "", -1, 1), 0);
-    EXPECT_LT(CHCompareTexts(nullptr, -1, "a", -1, 1), 0);
-    EXPECT_GT(CHCompareTexts("a", -1, nullptr, 5, 0), 0);
-    // A malformed byte sorts after every character and equals only itself.
-    EXPECT_GT(CHCompareTexts("\xA4", -1, "\xF4\x8F\xBF\xBF", -1, 1), 0);
-    EXPECT_GT(CHCompareTexts("\xC3", -1, "\xC3\xA4", -1, 1), 0);
-    EXPECT_LT(CHCompareTexts("\xC3\xA4", -1, "\xC3", -1, 1), 0);
-    EXPECT_NE(CHCompareTexts("\xC3\xA4\x80", -1, "\xC3\xA4\x81", -1, 1), 0);
-
-    // Without case: simple case folding.
-    EXPECT_EQ(CHCompareTexts("\xC3\x84\xC3\x96\xC3\x9C", -1, "\xC3\xA4\xC3\xB6\xC3\xBC", -1, 0), 0);
-    EXPECT_NE(CHCompareTexts("\xC3\x84\xC3\x96\xC3\x9C", -1, "\xC3\xA4\xC3\xB6\xC3\xBC", -1, 1), 0);
-    EXPECT_EQ(CHCompareTexts("HeLLo World", -1, "hello world", -1, 0), 0);
-    EXPECT_EQ(CHCompareTexts("\xE2\x84\xAA", -1, "K", -1, 0), 0); // Kelvin sign
-    EXPECT_EQ(CHCompareTexts("x\xF0\x90\x90\x80y", -1, "X\xF0\x90\x90\xA8Y", -1, 0), 0);
-    EXPECT_NE(CHCompareTexts("Stra\xC3\x9F"
-                             "e",
-                             -1, "STRASSE", -1, 0),
-              0); // no full folding
-    EXPECT_LT(CHCompareTexts("apple", -1, "BANANA", -1, 0), 0);
+    // What the model below does not reach: lengths cut the texts, a 0 byte ends them,
+    // null texts are empty. With case the order is the code points' (UTF-8 byte order);
+    // without, simple case folding; a malformed byte sorts after every character.
+    struct Case {
+        char const* a;
+        long aLength;
+        char const* b;
+        long bLength;
+        int withCase, sign;
+    } const cases[] = {
+        {"abcX", 3, "abcY", 3, 1, 0},
+        {"ab\0x", 4, "ab", -1, 1, 0},
+        {nullptr, -1, "", -1, 1, 0},
+        {nullptr, -1, "a", -1, 1, -1},
+        {"a", -1, nullptr, 5, 0, 1},
+        {"\xEF\xBF\xBD", -1, "\xF0\x9F\x98\x80", -1, 1, -1},
+        {"\xA4", -1, "\xF4\x8F\xBF\xBF", -1, 1, 1},
+        {"\xC3\xA4\x80", -1, "\xC3\xA4\x81", -1, 1, -1},
+        {"HeLLo World", -1, "hello world", -1, 0, 0},
+        {"Stra\xC3\x9F"
+         "e",
+         -1, "STRASSE", -1, 0, 1}, // no full folding
+    };
+    for (auto const& test : cases)
+        EXPECT_EQ(Sign(CHCompareTexts(test.a, test.aLength, test.b, test.bLength, test.withCase)),
+                  test.sign)
+            << &test - cases;
 
     // Against the character-by-character model, on texts sharing long prefixes.
     std::mt19937 rng(7);
@@ -216,24 +200,14 @@ TEST(Chars, SearchChar) {
                         "b\xE4\xB8\xAD"
                         "a\xC3\xA4";
     long const n = long(std::strlen(text));
-    EXPECT_EQ(CHSearchCharLeft(text, -1, 'a'), text);
-    EXPECT_EQ(CHSearchCharRight(text, -1, 'a'), text + 7);
-    EXPECT_EQ(CHSearchCharLeft(text, n, 0xE4), text + 1); // ä as a character
-    EXPECT_EQ(CHSearchCharRight(text, n, 0xE4), text + 8);
-    EXPECT_EQ(CHSearchCharLeft(text, -1, 0x4E2D), text + 4); // 中
-    EXPECT_EQ(CHSearchCharRight(text, -1, 0x4E2D), text + 4);
-    EXPECT_EQ(CHSearchCharLeft(text, 4, 0x4E2D), nullptr); // cut by the length
+    // Beside the model below: lengths that cut the text or a character in it.
+    EXPECT_EQ(CHSearchCharLeft(text, 4, 0x4E2D), nullptr);
     EXPECT_EQ(CHSearchCharLeft(text, 6, 0x4E2D), nullptr); // the character is cut
     EXPECT_EQ(CHSearchCharRight(text, 7, 'a'), text);
     // Values 0xFF80-0xFFFF are raw bytes (a sign-extended char), found anywhere.
-    EXPECT_EQ(CHSearchCharLeft(text, -1, 0xFFA4), text + 2);
-    EXPECT_EQ(CHSearchCharRight(text, -1, 0xFFA4), text + 9);
     EXPECT_EQ(
         CHSearchCharLeft(text, n, static_cast<unsigned short>(static_cast<signed char>('\xB8'))),
         text + 5);
-    // A character never matches inside another: U+00A4 (C2 A4) is not in ä (C3 A4).
-    EXPECT_EQ(CHSearchCharLeft(text, -1, 0xA4), nullptr);
-    EXPECT_EQ(CHSearchCharRight(text, n, 0xA4), nullptr);
     // Surrogates and the terminator are never found; a 0 byte ends a text.
     EXPECT_EQ(CHSearchCharLeft(text, -1, 0xD800), nullptr);
     EXPECT_EQ(CHSearchCharLeft(text, n, 0), nullptr);
@@ -279,10 +253,7 @@ TEST(Chars, SearchChar) {
 
 TEST(Chars, SearchSubstring) {
     char const text[] = "xx\xC3\xA4yy\xC3\x84zz";
-    EXPECT_EQ(CHSearchSubstring(text, -1, "yy", -1, 1), text + 4);
-    EXPECT_EQ(CHSearchSubstring(text, -1, "\xC3\x84", -1, 1), text + 6);
-    EXPECT_EQ(CHSearchSubstring(text, -1, "\xC3\x84", -1, 0), text + 2);
-    EXPECT_EQ(CHSearchSubstring(text, -1, "YY\xC3\xA4Z", -1, 0), text + 4);
+    // Beside the model below: lengths, 0 bytes, empty and null texts.
     EXPECT_EQ(CHSearchSubstring(text, 5, "yy", -1, 1), nullptr);
     EXPECT_EQ(CHSearchSubstring(text, -1, "yyQ", 2, 1), text + 4); // pattern length
     EXPECT_EQ(CHSearchSubstring(text, -1, "", -1, 1), text);
@@ -290,18 +261,8 @@ TEST(Chars, SearchSubstring) {
     char const nul[] = "ab\0cd";
     EXPECT_EQ(CHSearchSubstring(nul, 5, "cd", -1, 1), nullptr);
     EXPECT_EQ(CHSearchSubstring(nul, 5, "cd", -1, 0), nullptr);
-    // Matches start on character boundaries and take whole characters.
-    EXPECT_EQ(CHSearchSubstring("\xC3\xA4", -1, "\xA4", -1, 1), nullptr);
-    char const stray[] = "x\xA4";
-    EXPECT_EQ(CHSearchSubstring(stray, -1, "\xA4", -1, 1), stray + 1);
-    EXPECT_EQ(CHSearchSubstring("\xC3\xA4", -1, "\xC3", -1, 1), nullptr);
-    char const lone[] = "\xC3\xA4\xC3z";
-    EXPECT_EQ(CHSearchSubstring(lone, -1, "\xC3", -1, 1), lone + 2);
-    char const kelvin[] = "a\xE2\x84\xAA";
-    EXPECT_EQ(CHSearchSubstring(kelvin, -1, "k", -1, 0), kelvin + 1);
-    EXPECT_EQ(CHSearchSubstring(kelvin, -1, "k", -1, 1), nullptr);
-
-    // Against the model.
+    // Against the model: matches start on character boundaries and take whole
+    // characters.
     std::mt19937 rng(11);
     for (int round = 0; round < 20000; ++round) {
         std::string const text = RandomText(rng, 10);
@@ -339,38 +300,30 @@ TEST(Chars, NextCharPtr) {
 }
 
 TEST(Chars, CaseMapping) {
-    char text[64];
-    std::strcpy(text, "abc \xC3\xA4\xC3\xB6\xC3\xBC stra\xC3\x9F"
-                      "e \xF0\x90\x90\xA8");
-    long const n = long(std::strlen(text));
-    EXPECT_EQ(CHtoUpper(text, -1), n);
-    EXPECT_STREQ(text, "ABC \xC3\x84\xC3\x96\xC3\x9C STRA\xC3\x9F"
-                       "E \xF0\x90\x90\x80");
-    EXPECT_EQ(CHtoLower(text, n), n);
-    EXPECT_STREQ(text, "abc \xC3\xA4\xC3\xB6\xC3\xBC stra\xC3\x9F"
-                       "e \xF0\x90\x90\xA8");
-
-    // Shorter mappings shrink the text: U+0130 -> i, U+017F -> S, U+2C65 -> U+023A.
-    std::strcpy(text, "x\xC4\xB0y");
-    EXPECT_EQ(CHtoLower(text, -1), 3);
-    EXPECT_STREQ(text, "xiy");
-    std::strcpy(text, "\xC5\xBF\xE2\xB1\xA5!");
-    EXPECT_EQ(CHtoUpper(text, -1), 4);
-    EXPECT_STREQ(text, "S\xC8\xBA!");
-    // Longer mappings leave the character: U+023A -> U+2C65 would need 3 bytes.
-    std::strcpy(text, "\xC8\xBA"
-                      "A");
-    EXPECT_EQ(CHtoLower(text, -1), 3);
-    EXPECT_STREQ(text, "\xC8\xBA"
-                       "a");
-    // Malformed bytes stay; the length limits the work.
-    std::strcpy(text, "a\xC3"
-                      "b\xA4"
-                      "c");
-    EXPECT_EQ(CHtoUpper(text, 3), 3);
-    EXPECT_STREQ(text, "A\xC3"
-                       "B\xA4"
-                       "c");
+    // Simple mappings in place. Shorter ones shrink the text (U+0130 -> i, U+017F -> S,
+    // U+2C65 -> U+023A); longer ones leave the character (U+023A -> U+2C65 would need
+    // 3 bytes); malformed bytes stay; the length limits the work.
+    struct Case {
+        long (*map)(char*, long, int);
+        char const* text;
+        long length, result;
+        char const* expected;
+    } const cases[] = {
+        {CHtoUpper, "abc \xC3\xA4\xC3\xB6\xC3\xBC stra\xC3\x9F\x65 \xF0\x90\x90\xA8", -1, 23,
+         "ABC \xC3\x84\xC3\x96\xC3\x9C STRA\xC3\x9F\x45 \xF0\x90\x90\x80"},
+        {CHtoLower, "ABC \xC3\x84\xC3\x96\xC3\x9C STRA\xC3\x9F\x45 \xF0\x90\x90\x80", 23, 23,
+         "abc \xC3\xA4\xC3\xB6\xC3\xBC stra\xC3\x9F\x65 \xF0\x90\x90\xA8"},
+        {CHtoLower, "x\xC4\xB0y", -1, 3, "xiy"},
+        {CHtoUpper, "\xC5\xBF\xE2\xB1\xA5!", -1, 4, "S\xC8\xBA!"},
+        {CHtoLower, "\xC8\xBA\x41", -1, 3, "\xC8\xBA\x61"},
+        {CHtoUpper, "a\xC3\x62\xA4\x63", 3, 3, "A\xC3\x42\xA4\x63"},
+    };
+    for (auto const& test : cases) {
+        char text[64];
+        std::strcpy(text, test.text);
+        EXPECT_EQ(test.map(text, test.length, 0), test.result) << &test - cases;
+        EXPECT_STREQ(text, test.expected) << &test - cases;
+    }
     EXPECT_EQ(CHtoUpper(nullptr, -1), 0);
 }
 
@@ -392,28 +345,24 @@ TEST(Chars, CopyAndTruncate) {
     EXPECT_EQ(CHCopyC(target, sizeof target, nullptr), 0);
     EXPECT_STREQ(target, "");
 
-    EXPECT_EQ(CHTruncate(target, sizeof target, source, 3), 1); // cuts 中
-    EXPECT_STREQ(target, "a");
-    EXPECT_EQ(CHTruncate(target, sizeof target, source, 4), 4);
-    EXPECT_EQ(CHTruncate(target, sizeof target, source, 100), 5);
-    EXPECT_EQ(CHTruncate(target, sizeof target, source, -1), 5);
-    EXPECT_EQ(CHTruncate(target, 3, source, 100), 1);
-    // Only maxLength bytes are read: a buffer without terminator is fine.
-    std::vector<char> exact(source, source + 3);
-    EXPECT_EQ(CHTruncate(target, sizeof target, exact.data(), 3), 1);
-    // A lead byte at the cut may start a character the cut split: it is left out.
-    EXPECT_EQ(CHTruncate(target, sizeof target,
-                         "a\xE4"
-                         "b",
-                         2),
-              1);
-    EXPECT_EQ(CHTruncate(target, sizeof target,
-                         "a\xE4"
-                         "b",
-                         3),
-              3); // a malformed byte stays
-    EXPECT_EQ(CHTruncate(target, sizeof target, "a\xA4\xA4", 3), 3);
-    EXPECT_EQ(CHTruncate(target, sizeof target, "a\xC3\xA4", 2), 1);
+    // Only maxLength bytes are read (no terminator needed); a lead byte at the cut may
+    // start a character the cut split, and is left out; other malformed bytes stay.
+    char const noTerminator[] = {'a', '\xE4', '\xB8'};
+    char const leadThenB[] = {'a', '\xE4', 'b', 0};
+    struct Case {
+        char const* source;
+        long size, maxLength, written;
+    } const cases[] = {
+        {source, 16, 3, 1},      {source, 16, 4, 4},    {source, 16, 100, 5},
+        {source, 16, -1, 5},     {source, 3, 100, 1},   {noTerminator, 16, 3, 1},
+        {leadThenB, 16, 2, 1},   {leadThenB, 16, 3, 3}, {"a\xA4\xA4", 16, 3, 3},
+        {"a\xC3\xA4", 16, 2, 1},
+    };
+    for (auto const& test : cases) {
+        EXPECT_EQ(CHTruncate(target, test.size, test.source, test.maxLength), test.written)
+            << &test - cases;
+        EXPECT_EQ(std::string(target), std::string(test.source, size_t(test.written)));
+    }
 }
 
 TEST(Chars, Conversions) {

@@ -13,8 +13,6 @@
 using lumotest::TempDir;
 using lumotest::WriteAll;
 
-namespace {} // namespace
-
 TEST(FileTest, WriteTruncatesAppendAppendsReadReadsBack) {
     TempDir dir;
     ASSERT_TRUE(dir.Ok());

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace Vela;
@@ -47,34 +48,47 @@ TEST(Ucs, LengthAndCompare) {
     EXPECT_EQ(ucslen(W(u"")), 0u);
     EXPECT_EQ(ucslen(nullptr), 0u);
 
-    EXPECT_EQ(ucscmp(W(u"abc"), W(u"abc")), 0);
-    EXPECT_LT(ucscmp(W(u"abc"), W(u"abd")), 0);
-    EXPECT_GT(ucscmp(W(u"abcd"), W(u"abc")), 0);
-    EXPECT_LT(ucscmp(W(u"\xD83D\xDE00"), W(u"\xFFFF")), 0); // unit values, not code points
-    EXPECT_EQ(ucscmp(nullptr, W(u"")), 0);
-    EXPECT_LT(ucscmp(nullptr, W(u"a")), 0);
-    EXPECT_GT(ucscmp(W(u"a"), nullptr), 0);
-
-    EXPECT_EQ(ucsncmp(W(u"abcX"), W(u"abcY"), 3), 0);
-    EXPECT_LT(ucsncmp(W(u"abcX"), W(u"abcY"), 4), 0);
-    EXPECT_EQ(ucsncmp(W(u"ab"), W(u"ab"), 10), 0);
-    EXPECT_GT(ucsncmp(W(u"abc"), W(u"ab"), 10), 0);
-    EXPECT_EQ(ucsncmp(W(u"x"), W(u"y"), 0), 0);
-
-    // Without case: simple case folding, also beyond ASCII and the BMP.
-    EXPECT_EQ(ucsicmp(W(u"\u00C4\u00D6\u00DC"), W(u"\u00E4\u00F6\u00FC")), 0);
-    EXPECT_NE(ucscmp(W(u"\u00C4\u00D6\u00DC"), W(u"\u00E4\u00F6\u00FC")), 0);
-    EXPECT_EQ(ucsicmp(W(u"Hello WORLD"), W(u"hello world")), 0);
-    EXPECT_EQ(ucsicmp(W(u"\x212A"), W(u"k")), 0);                    // Kelvin sign
-    EXPECT_EQ(ucsicmp(W(u"a\xD801\xDC00"), W(u"A\xD801\xDC28")), 0); // Deseret
-    EXPECT_NE(ucsicmp(W(u"Stra\u00DFe"), W(u"STRASSE")), 0);         // no full folding
-    EXPECT_LT(ucsicmp(W(u"apple"), W(u"BANANA")), 0);
-    EXPECT_GT(ucsicmp(W(u"apples"), W(u"APPLE")), 0);
-    EXPECT_EQ(ucsicmp(nullptr, W(u"")), 0);
-    EXPECT_LT(ucsicmp(nullptr, W(u"a")), 0);
-    EXPECT_EQ(ucsnicmp(W(u"ABCx"), W(u"abcy"), 3), 0);
-    EXPECT_LT(ucsnicmp(W(u"ABCx"), W(u"abcy"), 4), 0);
-    EXPECT_EQ(ucsnicmp(W(u"\u00C4x"), W(u"\u00E4y"), 1), 0);
+    // ucsncmp / ucsnicmp when n is set. Without case: simple case folding, also beyond
+    // ASCII and the BMP, but no full folding. Null texts are empty.
+    unsigned long const all = ~0ul;
+    struct Case {
+        char16_t const* a;
+        char16_t const* b;
+        unsigned long n;
+        int withCase, withoutCase;
+    } const cases[] = {
+        {u"abc", u"abc", all, 0, 0},
+        {u"abc", u"abd", all, -1, -1},
+        {u"abcd", u"abc", all, 1, 1},
+        {u"\xD83D\xDE00", u"\xFFFF", all, -1, -1}, // unit values, not code points
+        {nullptr, u"", all, 0, 0},
+        {nullptr, u"a", all, -1, -1},
+        {u"a", nullptr, all, 1, 1},
+        {u"abcX", u"abcY", 3, 0, 0},
+        {u"abcX", u"abcY", 4, -1, -1},
+        {u"ab", u"ab", 10, 0, 0},
+        {u"abc", u"ab", 10, 1, 1},
+        {u"x", u"y", 0, 0, 0},
+        {u"\u00C4\u00D6\u00DC", u"\u00E4\u00F6\u00FC", all, -1, 0},
+        {u"Hello WORLD", u"hello world", all, -1, 0},
+        {u"\x212A", u"k", all, 1, 0},                    // Kelvin sign
+        {u"a\xD801\xDC00", u"A\xD801\xDC28", all, 1, 0}, // Deseret
+        {u"Stra\u00DFe", u"STRASSE", all, 1, 1},
+        {u"apple", u"BANANA", all, 1, -1},
+        {u"apples", u"APPLE", all, 1, 1},
+        {u"ABCx", u"abcy", 3, -1, 0},
+        {u"ABCx", u"abcy", 4, -1, -1},
+        {u"\u00C4x", u"\u00E4y", 1, -1, 0},
+    };
+    for (auto const& test : cases) {
+        unsigned short const* a = reinterpret_cast<unsigned short const*>(test.a);
+        unsigned short const* b = reinterpret_cast<unsigned short const*>(test.b);
+        bool const limited = test.n != all;
+        EXPECT_EQ(Sign(limited ? ucsncmp(a, b, test.n) : ucscmp(a, b)), test.withCase)
+            << &test - cases;
+        EXPECT_EQ(Sign(limited ? ucsnicmp(a, b, test.n) : ucsicmp(a, b)), test.withoutCase)
+            << &test - cases;
+    }
 
     // Texts without letters compare alike with and without case.
     std::mt19937 rng(5);
@@ -136,21 +150,17 @@ TEST(Ucs, CaseReverseClasses) {
     EXPECT_EQ(one, u"x");
     EXPECT_EQ(ucsrev(nullptr), nullptr);
 
-    for (unsigned short c : {' ', '\t', '\n', '\r', '\v', '\f'})
+    using List = std::initializer_list<unsigned short>;
+    for (unsigned short c : List{' ', '\t', '\n', '\r', '\v', '\f', 0x3000, 0x2028, 0x00A0})
         EXPECT_TRUE(isuspace(c)) << c;
-    EXPECT_TRUE(isuspace(0x3000));
-    EXPECT_TRUE(isuspace(0x2028));
-    EXPECT_TRUE(isuspace(0x00A0));
-    EXPECT_FALSE(isuspace('a'));
-    EXPECT_FALSE(isuspace(0));
-    EXPECT_FALSE(isuspace(0xD800));
-    for (unsigned short c = '0'; c <= '9'; ++c)
-        EXPECT_TRUE(isudigit(c));
-    EXPECT_TRUE(isudigit(0x0663)); // Arabic-Indic three
-    EXPECT_TRUE(isudigit(0xFF15)); // full-width five
-    EXPECT_FALSE(isudigit('a'));
-    EXPECT_FALSE(isudigit(0x00B2)); // superscript two is no decimal digit
-    EXPECT_FALSE(isudigit(0xDC00));
+    for (unsigned short c : List{'a', 0, 0xD800})
+        EXPECT_FALSE(isuspace(c)) << c;
+    // Decimal digits of any script (Arabic-Indic three, full-width five), but not the
+    // superscript two.
+    for (unsigned short c : List{'0', '5', '9', 0x0663, 0xFF15})
+        EXPECT_TRUE(isudigit(c)) << c;
+    for (unsigned short c : List{'/', ':', 'a', 0x00B2, 0xDC00})
+        EXPECT_FALSE(isudigit(c)) << c;
 
     EXPECT_STREQ(EOL, "\n");
 }
@@ -298,54 +308,59 @@ TEST(UcsFormat, FitBoundary) {
     EXPECT_EQ(Text(out), u"1-2");
 }
 
-TEST(UcsScan, Conversions) {
-    int a = 0, b = 0, c = 0;
-    EXPECT_EQ(suscanf(W(u"  12 -34\t+5"), W(u"%d %d %d"), &a, &b, &c), 3);
-    EXPECT_EQ(a, 12);
-    EXPECT_EQ(b, -34);
-    EXPECT_EQ(c, 5);
-    unsigned u = 0, x = 0, o = 0;
-    int i1 = 0, i2 = 0, i3 = 0;
-    EXPECT_EQ(
-        suscanf(W(u"42 ff 17 0x1A 017 9"), W(u"%u %x %o %i %i %i"), &u, &x, &o, &i1, &i2, &i3), 6);
-    EXPECT_EQ(u, 42u);
-    EXPECT_EQ(x, 0xFFu);
-    EXPECT_EQ(o, 017u);
-    EXPECT_EQ(i1, 0x1A);
-    EXPECT_EQ(i2, 017);
-    EXPECT_EQ(i3, 9);
-    long l = 0;
-    unsigned long ul = 0;
-    long long ll = 0;
-    short h = 0;
-    EXPECT_EQ(
-        suscanf(W(u"-7 4000000000 -9000000000000 123"), W(u"%ld %lu %lld %hd"), &l, &ul, &ll, &h),
-        4);
-    EXPECT_EQ(l, -7);
-    EXPECT_EQ(ul, 4000000000ul);
-    EXPECT_EQ(ll, -9000000000000ll);
-    EXPECT_EQ(h, 123);
-    float f = 0;
-    double d = 0, e = 0, g = 0;
-    EXPECT_EQ(suscanf(W(u"1.5 -2.25e3 6E-2 0.125"), W(u"%f %lf %le %lg"), &f, &d, &e, &g), 4);
-    EXPECT_EQ(f, 1.5f);
-    EXPECT_EQ(d, -2250.0);
-    EXPECT_EQ(e, 0.06);
-    EXPECT_EQ(g, 0.125);
+namespace {
 
-    // Widths, suppression, literals.
-    EXPECT_EQ(suscanf(W(u"12345"), W(u"%2d%3d"), &a, &b), 2);
-    EXPECT_EQ(a, 12);
-    EXPECT_EQ(b, 345);
-    EXPECT_EQ(suscanf(W(u"7 8 9"), W(u"%*d %d %d"), &a, &b), 2);
-    EXPECT_EQ(a, 8);
-    EXPECT_EQ(b, 9);
-    EXPECT_EQ(suscanf(W(u"x=3, y=4"), W(u"x=%d, y=%d"), &a, &b), 2);
-    EXPECT_EQ(a, 3);
-    EXPECT_EQ(b, 4);
-    EXPECT_EQ(suscanf(W(u"10%"), W(u"%d%%"), &a), 1);
+// Scans with suscanf and with the C library's sscanf (over the narrow text and
+// format), into values of the types given.
+template <typename... T> void ExpectScanLikeC(char const* text, char const* format) {
+    std::tuple<T...> narrow{}, wide{};
+    int const expected =
+        std::apply([&](T&... v) { return std::sscanf(text, format, &v...); }, narrow);
+    int const got =
+        std::apply([&](T&... v) { return suscanf(W(Widen(text)), W(Widen(format)), &v...); }, wide);
+    EXPECT_EQ(got, expected) << '"' << text << "\" \"" << format << '"';
+    // (A NaN equals nothing, itself included: then both sides must hold one.)
+    EXPECT_TRUE(wide == narrow || (wide != wide && narrow != narrow))
+        << '"' << text << "\" \"" << format << '"';
+}
 
-    // Texts.
+} // namespace
+
+TEST(UcsScan, NumbersLikeC) {
+    ExpectScanLikeC<int, int, int>("  12 -34\t+5", "%d %d %d");
+    ExpectScanLikeC<unsigned, unsigned, unsigned, int, int, int>("42 ff 17 0x1A 017 9",
+                                                                 "%u %x %o %i %i %i");
+    ExpectScanLikeC<long, unsigned long, long long, short>("-7 4000000000 -9000000000000 123",
+                                                           "%ld %lu %lld %hd");
+    ExpectScanLikeC<float, double, double, double>("1.5 -2.25e3 6E-2 0.125", "%f %lf %le %lg");
+    // Widths, suppression, literals, %n.
+    ExpectScanLikeC<int, int>("12345", "%2d%3d");
+    ExpectScanLikeC<int, int>("7 8 9", "%*d %d %d");
+    ExpectScanLikeC<int, int>("x=3, y=4", "x=%d, y=%d");
+    ExpectScanLikeC<int>("10%", "%d%%");
+    ExpectScanLikeC<int, int>("12 34", "%d%n");
+
+    // The number of conversions, and -1 only when input ends before the first.
+    struct Case {
+        char const* text;
+        char const* format;
+    } const cases[] = {
+        {"", "%d"},        {"   ", "%d"}, {"abc", "%d"},   {"1", "%d %d"}, {"1 x", "%d %d"},
+        {"1 2", "%d %d"},  {"", "abc%d"}, {"ab", "abc%d"}, {"x", "y%d"},   {"5", "%*d"},
+        {"5 6", "%*d %d"}, {"-", "%d"},   {"+", "%d"},     {"1", "%d%d"},  {"", ""},
+        {"abc", ""},       {" 1", " %d"}, {"0x", "%x"},    {"-0", "%u"},   {"12abc", "%d%d"},
+        {"3", "%d %n"},    {"", "%n"},    {"a", "%d"},
+    };
+    for (auto const& test : cases)
+        ExpectScanLikeC<int, int>(test.text, test.format);
+    for (char const* text : {"1.5e", "inf", "nan"})
+        ExpectScanLikeC<float, float>(text, "%f");
+    EXPECT_EQ(suscanf(nullptr, W(u"%d"), nullptr), -1);
+    EXPECT_EQ(suscanf(W(u"1"), nullptr), -1);
+}
+
+TEST(UcsScan, Texts) {
+    int a = 0;
     unsigned short word[16], rest[16];
     char narrow[16];
     EXPECT_EQ(suscanf(W(u"  h\u00E9llo w\xD83D\xDE00rld x"), W(u"%ls %hs %s"), word, narrow, rest),
@@ -359,49 +374,10 @@ TEST(UcsScan, Conversions) {
     unsigned short chars[4] = {0, 0, 0, 0};
     char hc = 0;
     EXPECT_EQ(suscanf(W(u" xy\u00E4"), W(u"%c%2c%hc"), chars, chars + 1, &hc), 3);
-    EXPECT_EQ(chars[0], ' '); // %c does not skip white space
-    EXPECT_EQ(chars[1], 'x');
-    EXPECT_EQ(chars[2], 'y');
+    EXPECT_EQ(std::u16string(u" xy"), Text(chars)); // %c does not skip white space
     EXPECT_EQ(hc, '?');
     EXPECT_EQ(suscanf(W(u"key-42:rest"), W(u"%[a-z]-%d:%[^\n]"), word, &a, rest), 3);
     EXPECT_EQ(Text(word), u"key");
     EXPECT_EQ(a, 42);
     EXPECT_EQ(Text(rest), u"rest");
-    int consumed = 0;
-    EXPECT_EQ(suscanf(W(u"12 34"), W(u"%d%n"), &a, &consumed), 1);
-    EXPECT_EQ(consumed, 2);
-}
-
-TEST(UcsScan, ReturnsLikeC) {
-    // The number of conversions, and -1 only when input ends before the first.
-    struct Case {
-        char const* text;
-        char const* format;
-    } const cases[] = {
-        {"", "%d"},        {"   ", "%d"}, {"abc", "%d"},   {"1", "%d %d"}, {"1 x", "%d %d"},
-        {"1 2", "%d %d"},  {"", "abc%d"}, {"ab", "abc%d"}, {"x", "y%d"},   {"5", "%*d"},
-        {"5 6", "%*d %d"}, {"-", "%d"},   {"+", "%d"},     {"1", "%d%d"},  {"", ""},
-        {"abc", ""},       {" 1", " %d"}, {"0x", "%x"},    {"-0", "%u"},   {"12abc", "%d%d"},
-        {"1.5e", "%f"},    {"inf", "%f"}, {"nan", "%f"},   {"3", "%d %n"}, {"", "%n"},
-        {"a", "%d"},
-    };
-    for (auto const& test : cases) {
-        int narrow[2] = {-1, -1}, wide[2] = {-1, -1};
-        bool const floating = std::strchr(test.format, 'f') != nullptr;
-        float nf[2] = {0, 0}, wf[2] = {0, 0};
-        int expected, got;
-        if (floating) {
-            expected = std::sscanf(test.text, test.format, &nf[0], &nf[1]);
-            got = suscanf(W(Widen(test.text)), W(Widen(test.format)), &wf[0], &wf[1]);
-        } else {
-            expected = std::sscanf(test.text, test.format, &narrow[0], &narrow[1]);
-            got = suscanf(W(Widen(test.text)), W(Widen(test.format)), &wide[0], &wide[1]);
-        }
-        EXPECT_EQ(got, expected) << '"' << test.text << "\" \"" << test.format << '"';
-        if (!floating && got == expected && got > 0) {
-            EXPECT_EQ(wide[0], narrow[0]) << '"' << test.text << "\" \"" << test.format << '"';
-        }
-    }
-    EXPECT_EQ(suscanf(nullptr, W(u"%d"), nullptr), -1);
-    EXPECT_EQ(suscanf(W(u"1"), nullptr), -1);
 }

@@ -84,9 +84,6 @@ TEST(BinaryData, Base64MatchesOpenSslForEveryLength) {
             std::free(back);
         }
     }
-    EXPECT_EQ(std::string(CBinaryData::ToBase64String("Man", 3)), "TWFu");
-    EXPECT_EQ(std::string(CBinaryData::ToBase64String("M", 1)), "TQ==");
-    EXPECT_EQ(std::string(CBinaryData::ToBase64String("Ma", 2)), "TWE=");
     EXPECT_TRUE(CBinaryData::ToBase64UnicodeString("x", 0).IsEmpty());
 }
 

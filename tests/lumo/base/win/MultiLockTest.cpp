@@ -1,13 +1,19 @@
+// Tests of the lock objects over waitable objects: CSingleLock, CDualLock and
+// CMultiLock, their argument checks, what they record as locked, and wait-all under
+// contention.
 // ctest-labels: concurrency
 #include <lumo/base/win/CriticalSection.h>
+#include <lumo/base/win/DualLock.h>
 #include <lumo/base/win/Event.h>
 #include <lumo/base/win/MultiLock.h>
 #include <lumo/base/win/Mutex.h>
+#include <lumo/base/win/SingleLock.h>
 
 #include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <random>
 #include <thread>
@@ -16,6 +22,87 @@
 using namespace lumo::base;
 using namespace lumo::base::win;
 using lumotest::Thrown;
+
+namespace {
+
+// Whether another thread can take `o` at once (and gives it back if so).
+bool FreeForOthers(CSyncObject& o) {
+    bool free = false;
+    std::thread([&] {
+        free = o.TryAcquire(0);
+        if (free)
+            o.Release();
+    }).join();
+    return free;
+}
+
+} // namespace
+
+TEST(SingleLock, LocksOnceAndUnlocksOnce) {
+    EXPECT_EQ(lumotest::Thrown<CIllegalArgumentException>([] { CSingleLock l(nullptr); }),
+              "Invalid sync object.");
+    CMutex m;
+    m.Acquire();
+    {
+        CSingleLock lock(&m, true);
+        EXPECT_TRUE(lock.IsLocked());
+        lock.Unlock();
+        lock.Unlock(); // the second does nothing
+        EXPECT_FALSE(lock.IsLocked());
+        EXPECT_FALSE(FreeForOthers(m)); // our own Acquire still holds it
+        EXPECT_TRUE(lock.Lock(0));
+    } // the destructor unlocks
+    m.Release();
+    EXPECT_TRUE(FreeForOthers(m));
+
+    CCriticalSection cs;
+    CSingleLock lock(&cs);
+    EXPECT_FALSE(lock.IsLocked());
+    lock.Lock();
+    std::thread([&] {
+        CSingleLock other(&cs);
+        EXPECT_FALSE(other.Lock(100));
+        EXPECT_FALSE(other.IsLocked());
+    }).join();
+}
+
+TEST(DualLock, RejectsMissingAndUnwaitableObjects) {
+    CMutex m;
+    CCriticalSection cs;
+    EXPECT_EQ(Thrown<CIllegalArgumentException>([&] { CDualLock l(nullptr, &m); }),
+              "Sync object 1 is invalid.");
+    EXPECT_EQ(Thrown<CIllegalArgumentException>([&] { CDualLock l(&cs, &m); }),
+              "Sync object 1 is not waitable.");
+    EXPECT_EQ(Thrown<CIllegalArgumentException>([&] { CDualLock l(&m, nullptr); }),
+              "Sync object 2 is invalid.");
+    EXPECT_EQ(Thrown<CIllegalArgumentException>([&] { CDualLock l(&m, &cs); }),
+              "Sync object 2 is not waitable.");
+    EXPECT_EQ(Thrown<CIllegalArgumentException>([&] { CDualLock l(&m, &m, true); }),
+              "Invalid wait handle array.");
+}
+
+TEST(DualLock, LocksEitherOrBoth) {
+    CEvent e;
+    CMutex m;
+    {
+        CDualLock lock(&e, &m, true); // wait-any: the free mutex
+        EXPECT_FALSE(lock.IsLocked(0));
+        EXPECT_TRUE(lock.IsLocked(1));
+        EXPECT_EQ(Thrown<CArrayIndexOutOfBoundsException>([&] { lock.IsLocked(2); }),
+                  "<no description>");
+        EXPECT_EQ(lock.Lock(true, 0), CSyncObject::Wait_Timeout);
+        e.SetEvent();
+        EXPECT_EQ(lock.Lock(true, CSyncObject::Timeout_Infinite), CSyncObject::Wait_Object_0);
+        EXPECT_TRUE(lock.IsLocked(0));
+        lock.Unlock();
+        EXPECT_FALSE(lock.IsLocked(0));
+        EXPECT_FALSE(lock.IsLocked(1));
+        // The mutex was taken twice (recursion) and released once by Unlock.
+        EXPECT_FALSE(FreeForOthers(m));
+        m.Release();
+    }
+    EXPECT_TRUE(FreeForOthers(m));
+}
 
 TEST(MultiLock, ArgumentsAreChecked) {
     CMutex a, b;
@@ -88,17 +175,9 @@ TEST(MultiLock, StressWaitAllOnOverlappingMutexes) {
         threads.emplace_back([&, t] {
             std::mt19937 random(t + 1);
             for (int round = 0; round < kRounds; ++round) {
-                int picks[3];
-                int n = 2 + static_cast<int>(random() % 2);
-                for (int i = 0; i < n; ++i) {
-                    bool again;
-                    do {
-                        picks[i] = static_cast<int>(random() % kMutexes);
-                        again = false;
-                        for (int j = 0; j < i; ++j)
-                            again = again || picks[j] == picks[i];
-                    } while (again);
-                }
+                int picks[kMutexes] = {0, 1, 2, 3, 4, 5}; // two or three distinct ones
+                std::shuffle(picks, picks + kMutexes, random);
+                int const n = 2 + static_cast<int>(random() % 2);
                 CSyncObject* objects[3];
                 for (int i = 0; i < n; ++i)
                     objects[i] = &mutexes[picks[i]];

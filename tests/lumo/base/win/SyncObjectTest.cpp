@@ -1,15 +1,24 @@
+// Tests of the waitable objects (critical sections, events, mutexes) and of the waits
+// on them: argument checks, wait-any and wait-all, time-outs, abandonment, named and
+// counted kernel objects.
 // ctest-labels: concurrency
+#include <lumo/base/win/CriticalSection.h>
 #include <lumo/base/win/Event.h>
+#include <lumo/base/win/LazyCriticalSection.h>
 #include <lumo/base/win/Mutex.h>
 #include <lumo/base/win/SyncObject.h>
+#include <lumo/base/win/WinSystemErrorException.h>
 
 #include "support/Concurrency.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <thread>
+#include <vector>
 
 using namespace lumo::base;
 using namespace lumo::base::win;
@@ -17,7 +26,20 @@ using lumotest::Thrown;
 using lumotest::WaitUntil;
 
 namespace {
+
 typedef CSyncObject S;
+
+// Whether another thread can take `o` at once (and gives it back if so).
+bool FreeForOthers(CSyncObject& o) {
+    bool free = false;
+    std::thread([&] {
+        free = o.TryAcquire(0);
+        if (free)
+            o.Release();
+    }).join();
+    return free;
+}
+
 } // namespace
 
 TEST(SyncObject, ArgumentsAreChecked) {
@@ -168,7 +190,7 @@ TEST(SyncObject, KernelObjectsAreCountedAndNamesShared) {
         EXPECT_EQ(e.GetHandle(), f.GetHandle());
         // One object, so ownership taken through one handle shows through the other.
         a.Acquire();
-        std::thread([&] { EXPECT_FALSE(b.TryAcquire(0)); }).join();
+        EXPECT_FALSE(FreeForOthers(b));
         b.Release();
         // A name belongs to one kind of object.
         EXPECT_EQ(Thrown<CMemoryException>([] { CEvent clash("lumo-test-sync-name"); }),
@@ -178,4 +200,147 @@ TEST(SyncObject, KernelObjectsAreCountedAndNamesShared) {
     // Once its last holder is gone the name is free again, with a new initial state.
     CEvent fresh("lumo-test-sync-event", true);
     EXPECT_TRUE(fresh.TryAcquire(0));
+}
+
+TEST(CriticalSection, ReentrantExclusiveAndNotWaitable) {
+    CCriticalSection cs;
+    EXPECT_EQ(cs.GetHandle(), nullptr);
+    EXPECT_FALSE(cs.IsTimeoutSupported());
+    EXPECT_FALSE(cs.IsNamed());
+    cs.Acquire();
+    EXPECT_TRUE(cs.TryAcquire(0));
+    // TryAcquire never waits, whatever the timeout.
+    std::thread([&] { EXPECT_FALSE(cs.TryAcquire(CSyncObject::Timeout_Infinite)); }).join();
+    cs.Release();
+    cs.Release();
+    EXPECT_TRUE(FreeForOthers(cs));
+}
+
+TEST(CriticalSection, LazyOneIsNeverCreated) {
+    CLazyCriticalSection lazy;
+    EXPECT_EQ(lazy.GetHandle(), nullptr);
+    lazy.Release(); // nothing to leave
+    EXPECT_EQ(Thrown<CSynchronizationException>([&] { lazy.Acquire(); }),
+              "Failed to enter critical section.");
+    EXPECT_EQ(Thrown<CSynchronizationException>([&] { lazy.TryAcquire(0); }),
+              "Failed to enter critical section.");
+    try {
+        lazy.Acquire();
+    } catch (CSynchronizationException const& e) {
+        EXPECT_STREQ(e.GetSourceFile(), "lumo/base/win/LazyCriticalSection");
+    }
+}
+
+TEST(Event, AutoAndManualReset) {
+    CEvent automatic;
+    EXPECT_TRUE(automatic.IsTimeoutSupported());
+    EXPECT_FALSE(automatic.TryAcquire(0));
+    automatic.SetEvent();
+    automatic.SetEvent(); // no count: still one pass
+    EXPECT_TRUE(automatic.TryAcquire(0));
+    EXPECT_FALSE(automatic.TryAcquire(5));
+    automatic.Release(); // gives nothing back
+    EXPECT_FALSE(automatic.TryAcquire(0));
+
+    CEvent manual(nullptr, true, true);
+    EXPECT_TRUE(manual.TryAcquire(0));
+    manual.Acquire();
+    manual.ResetEvent();
+    EXPECT_FALSE(manual.TryAcquire(0));
+}
+
+TEST(Event, AutoResetLetsOneWaiterThroughPerSet) {
+    CEvent e;
+    std::atomic<int> through{0};
+    std::vector<std::thread> waiters;
+    for (int i = 0; i < 3; ++i)
+        waiters.emplace_back([&] {
+            e.Acquire();
+            ++through;
+        });
+    for (int expected = 1; expected <= 3; ++expected) {
+        e.SetEvent();
+        ASSERT_TRUE(WaitUntil([&] { return through.load() >= expected; }));
+        // The pass was consumed by exactly one waiter (none is left for us) ...
+        EXPECT_FALSE(e.TryAcquire(0));
+        EXPECT_EQ(through.load(), expected);
+    }
+    for (auto& t : waiters)
+        t.join();
+}
+
+TEST(Event, ManualResetReleasesEveryWaiter) {
+    CEvent e(nullptr, false, true);
+    std::vector<std::thread> waiters;
+    for (int i = 0; i < 4; ++i)
+        waiters.emplace_back([&] { EXPECT_TRUE(e.TryAcquire(CSyncObject::Timeout_Infinite)); });
+    e.SetEvent();
+    for (auto& t : waiters)
+        t.join();
+    EXPECT_TRUE(e.TryAcquire(0));
+}
+
+TEST(Mutex, RecursionOwnershipAndReleaseErrors) {
+    CMutex m;
+    EXPECT_TRUE(m.IsTimeoutSupported());
+    EXPECT_STREQ(m.GetClass()->GetQualifiedName(), "lumo::base::win::CMutex");
+    EXPECT_TRUE(m.IsInstanceOf(&CSyncObject::m_classCSyncObject));
+    m.Acquire();
+    EXPECT_TRUE(m.TryAcquire(0));
+    std::thread([&] {
+        EXPECT_FALSE(m.TryAcquire(0));
+        EXPECT_FALSE(m.TryAcquire(15));
+        // Only the owner may release.
+        try {
+            m.Release();
+            ADD_FAILURE() << "a thread that does not own the mutex released it";
+        } catch (CWinSystemErrorException const& e) {
+            EXPECT_STREQ(e.GetErrorDescription(), "Failed to release the underlying mutex object.");
+            EXPECT_EQ(e.GetErrorCode(), static_cast<unsigned long>(EPERM));
+            EXPECT_STREQ(e.GetMessage(), std::strerror(EPERM));
+            EXPECT_STREQ(e.GetSourceFile(), "lumo/base/win/Mutex");
+        }
+    }).join();
+    m.Release();
+    EXPECT_FALSE(FreeForOthers(m)); // still held once
+    m.Release();
+    EXPECT_TRUE(FreeForOthers(m));
+    EXPECT_EQ(lumotest::Thrown<CWinSystemErrorException>([&] { m.Release(); }),
+              "Failed to release the underlying mutex object.");
+}
+
+TEST(Mutex, InitialOwnerAndNamedOpening) {
+    CMutex owned(nullptr, true);
+    EXPECT_FALSE(FreeForOthers(owned));
+    owned.Release();
+    EXPECT_TRUE(FreeForOthers(owned));
+
+    CMutex first("lumo-test-mutex");
+    std::thread([&] {
+        // Opening the existing mutex ignores initialOwner.
+        CMutex second("lumo-test-mutex", true);
+        EXPECT_TRUE(second.TryAcquire(0));
+        second.Release();
+    }).join();
+}
+
+TEST(Mutex, StressExcludesUnderContention) {
+    CMutex m;
+    long counter = 0; // plain: the mutex alone must order the increments
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 5000; ++i) {
+                if (i % 2 == 0)
+                    m.Acquire();
+                else
+                    while (!m.TryAcquire(1)) {
+                    }
+                ++counter;
+                m.Release();
+            }
+        });
+    for (auto& t : threads)
+        t.join();
+    EXPECT_EQ(counter, 20000);
 }
