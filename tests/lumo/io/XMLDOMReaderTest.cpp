@@ -1,6 +1,6 @@
 // Tests of the DOM reader and its tokens: documents parsed by Xerces-C's own DOM
 // parser read the same as through the text reader, tokens outlive their reader, and
-// every failure carries the documented message.
+// the failures the shared navigation script (XMLNavigationTest) does not reach.
 #include <lumo/io/DOM_Document.h>
 #include <lumo/io/XMLDOMReader.h>
 #include <lumo/io/XMLDOMStartElementToken.h>
@@ -133,27 +133,6 @@ TEST(XMLDOMReaderTest, TokensOutliveReaderAndDocumentHandle) {
     EXPECT_EQ(Utf8(text->GetValue()), "hello");
 }
 
-TEST(XMLDOMReaderTest, SearchesAndTextReads) {
-    DOM_Document const document =
-        Parse("<r xmlns:n='urn:n'><a>skip</a><n:b k='v'>one<![CDATA[two]]>three<c/>four</n:b>"
-              "<d>5</d><e> 1.5 </e></r>");
-    CXMLDOMReader reader(document);
-    reader.ReadStartElement(W("b"), W("urn:n"));
-    EXPECT_EQ(Utf8(reader.ReadAttribute(W("k"))), "v");
-    lumo::base::CUnicodeString joined;
-    reader.ReadElementText(joined);
-    EXPECT_EQ(Utf8(joined), "onetwothree");
-    ASSERT_TRUE(reader.ReadToken());
-    EXPECT_EQ(Utf8(reader.GetCurrentTokenValue()), "c"); // kept back by the text read
-    EXPECT_FALSE(reader.ReadElementTextIfAvailable());   // the end of c comes next
-    reader.ReadEndElement(W("n:b"));
-    EXPECT_EQ(reader.ReadElementLong(W("d")), 5);
-    EXPECT_EQ(reader.ReadElementDouble(W("e")), 1.5);
-    reader.ReadEndElement();
-    EXPECT_EQ(Utf8(reader.GetCurrentTokenValue()), "r");
-    EXPECT_FALSE(reader.ReadToken());
-}
-
 void ExpectFailure(std::function<void()> const& call, char const* message, bool xml) {
     try {
         call();
@@ -172,12 +151,6 @@ TEST(XMLDOMReaderTest, Failures) {
 
     DOM_Document const document = Parse("<r a='1'><b/></r>");
     CXMLDOMReader reader(document);
-    ExpectFailure([&] { reader.GetCurrentTokenType(); }, "There is no valid token.", false);
-    ExpectFailure([&] { reader.GetCurrentTokenValue(); }, "There is no valid token.", false);
-    ExpectFailure([&] { reader.HasAttribute(W("a")); },
-                  "Attributes available only in start element nodes.", false);
-    ExpectFailure([&] { reader.ReadStartElement(W("x:y"), W("")); },
-                  "Local name must be unqualified name.", true);
     ExpectFailure([&] { reader.ReadStartElement(W("")); }, "Invalid local name.", true);
     ExpectFailure([&] { reader.ReadStartElement(W("y"), nullptr); }, "Invalid namespace URI.",
                   true);
@@ -188,8 +161,7 @@ TEST(XMLDOMReaderTest, Failures) {
     ExpectFailure([&] { reader.HasAttribute(nullptr); }, "Invalid qualidied name.", true);
     ExpectFailure([&] { reader.ReadStartElement(W("nowhere")); }, "End of stream reached.", false);
     reader.Close();
-    reader.Close();
-    ExpectFailure([&] { reader.ReadToken(); }, "Reader closed.", false);
+    reader.Close(); // a second Close does nothing
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The navigation the three XML readers share, run as one script over the text reader,
-// the DOM reader and the pushback reader: they must move alike, and each failure must
-// name the reader's own unit and message.
+// the DOM reader and the pushback reader: they must move alike (searches past other
+// elements and into namespaces, text joined across CDATA, typed element reads), and
+// each failure must name the reader's own unit, message and exception class.
 #include <lumo/base/Exception.h>
 #include <lumo/io/DOM_Document.h>
 #include <lumo/io/XMLDOMReader.h>
@@ -25,7 +26,9 @@ using lumotest::W;
 ::testing::Environment* const kEnv =
     ::testing::AddGlobalTestEnvironment(new lumotest::LibraryEnvironment);
 
-char const kDoc[] = "<r><a k='v'>x<![CDATA[y]]>z</a><b/><c>t</c><d>1</d></r>";
+// Searches skip <s>, find names in a namespace and end elements by qualified name.
+char const kDoc[] = "<r xmlns:n='urn:n'><s>skip</s><a k='v'>x<![CDATA[y]]>z</a><b/><c>t</c>"
+                    "<n:d>1</n:d><e> 1.5 </e><n:f/></r>";
 
 DOM_Document Parse(std::string const& text) {
     xercesc::XercesDOMParser parser;
@@ -42,7 +45,8 @@ std::string Current(CXMLReader& reader) {
     return token.IsNull() ? "-" : std::to_string(token->GetType()) + Utf8(token->GetValue());
 }
 
-// Each step's result, or its failure as "!message@unit".
+// Each step's result, or its failure as "!X message@unit" (X: an XML exception, I: any
+// other I/O exception).
 std::vector<std::string> RunScript(CXMLReader& reader) {
     std::vector<std::function<std::string()>> const steps = {
         [&] { return std::to_string(reader.GetCurrentTokenType()); },
@@ -56,7 +60,12 @@ std::vector<std::string> RunScript(CXMLReader& reader) {
         [&] { return reader.ReadElementTextIfAvailable() ? "text" : Current(reader); },
         [&] { return reader.ReadEndElement(W("b")), Current(reader); },
         [&] { return Utf8(reader.ReadElementString(W("c"))); },
-        [&] { return std::to_string(reader.ReadElementLong(W("d"), W(""))); },
+        [&] { return std::to_string(reader.ReadElementLong(W("d"), W("urn:n"))); },
+        [&] { return std::to_string(reader.ReadElementDouble(W("e"), W(""))); },
+        [&] {
+            return reader.ReadStartElement(W("f"), W("urn:n")), reader.ReadEndElement(W("n:f")),
+                   Current(reader);
+        },
         [&] { return reader.ReadEndElement(), Current(reader); },
         [&] { return reader.ReadStartElement(W("x:y"), W("")), ""; },
         [&] { return reader.ReadEndElement(W("r")), ""; },
@@ -68,7 +77,9 @@ std::vector<std::string> RunScript(CXMLReader& reader) {
         try {
             outcomes.push_back(step());
         } catch (lumo::base::CException const& e) {
-            outcomes.push_back(std::string("!") + e.GetErrorDescription() + "@" +
+            // The class too: an XML exception or a plain I/O one.
+            bool const xml = dynamic_cast<CXMLException const*>(&e) != nullptr;
+            outcomes.push_back(std::string(xml ? "!X " : "!I ") + e.GetErrorDescription() + "@" +
                                e.GetSourceFile());
         }
     }
@@ -80,21 +91,23 @@ std::vector<std::string> Expected(std::string const& unit, std::string const& no
                                   std::string const& noTokenValue, std::string const& attrUnit) {
     return {noTokenType,
             noTokenValue,
-            "!Attributes available only in start element nodes.@" + attrUnit,
+            "!I Attributes available only in start element nodes.@" + attrUnit,
             "v",
             "3xyz",
             "6a",
-            "!Attributes available only in start element nodes.@" + attrUnit,
+            "!I Attributes available only in start element nodes.@" + attrUnit,
             "5b",
             "5b",
             "6b",
             "t",
             "1",
+            "1.500000",
+            "6n:f",
             "6r",
-            "!Local name must be unqualified name.@" + unit,
-            "!End of stream reached.@" + unit,
+            "!X Local name must be unqualified name.@" + unit,
+            "!I End of stream reached.@" + unit,
             "",
-            "!Reader closed.@" + unit};
+            "!I Reader closed.@" + unit};
 }
 
 TEST(XMLNavigation, ReadersMoveAlikeAndFailInTheirOwnWords) {
@@ -103,21 +116,22 @@ TEST(XMLNavigation, ReadersMoveAlikeAndFailInTheirOwnWords) {
         auto text = lumotest::ReaderOver(kDoc);
         EXPECT_EQ(RunScript(*text),
                   Expected("lumo/io/XMLTextReader",
-                           "!Failed to get the token type of current XML token.@" + base,
-                           "!Failed to get the value of current XML token.@" + base, base));
+                           "!I Failed to get the token type of current XML token.@" + base,
+                           "!I Failed to get the value of current XML token.@" + base, base));
     }
     {
         std::string const unit = "lumo/io/XMLDOMReader";
         CXMLDOMReader dom(Parse(kDoc));
-        EXPECT_EQ(RunScript(dom), Expected(unit, "!There is no valid token.@" + unit,
-                                           "!There is no valid token.@" + unit, unit));
+        EXPECT_EQ(RunScript(dom), Expected(unit, "!I There is no valid token.@" + unit,
+                                           "!I There is no valid token.@" + unit, unit));
     }
     {
         std::string const unit = "lumo/io/XMLPushbackReader";
         CXMLPushbackReader pushback(CRef<CXMLReader>(lumotest::ReaderOver(kDoc).release()), 4);
         EXPECT_EQ(RunScript(pushback),
-                  Expected(unit, "!Failed to get the token type of the current XML token.@" + unit,
-                           "!Failed to get the value of the current XML token.@" + unit, base));
+                  Expected(unit,
+                           "!I Failed to get the token type of the current XML token.@" + unit,
+                           "!I Failed to get the value of the current XML token.@" + unit, base));
     }
 }
 
