@@ -75,18 +75,19 @@ double Expected(double v) {
     return std::strtod(text, nullptr);
 }
 
-// The pushback reader's whole-element forms; there is none for unsigned long.
+// Pushes an element back in both of the pushback reader's forms, the plain one on top;
+// there are none for unsigned long.
 template <class T> bool Unread(CXMLPushbackReader& p, T v) {
     if constexpr (std::is_same_v<T, bool>)
-        p.UnreadElementBool(W("Bool"), W(kUri), v);
+        p.UnreadElementBool(W("Bool"), W(kUri), v), p.UnreadElementBool(W("Bool"), v);
     else if constexpr (std::is_same_v<T, short>)
-        p.UnreadElementShort(W("Short"), W(kUri), v);
+        p.UnreadElementShort(W("Short"), W(kUri), v), p.UnreadElementShort(W("Short"), v);
     else if constexpr (std::is_same_v<T, long>)
-        p.UnreadElementLong(W("Long"), W(kUri), v);
+        p.UnreadElementLong(W("Long"), W(kUri), v), p.UnreadElementLong(W("Long"), v);
     else if constexpr (std::is_same_v<T, float>)
-        p.UnreadElementFloat(W("Float"), W(kUri), v);
+        p.UnreadElementFloat(W("Float"), W(kUri), v), p.UnreadElementFloat(W("Float"), v);
     else if constexpr (std::is_same_v<T, double>)
-        p.UnreadElementDouble(W("Double"), W(kUri), v);
+        p.UnreadElementDouble(W("Double"), W(kUri), v), p.UnreadElementDouble(W("Double"), v);
     else
         return false;
     return true;
@@ -131,7 +132,7 @@ void WriteAll(CXMLTextWriter& w) {
 }
 
 // Reads everything back with the typed reads. With a pushback reader, every element
-// is also pushed back whole and read a second time, so its formats meet the reads.
+// is also pushed back whole in both forms and read again, so its formats meet the reads.
 void ReadAll(CXMLReader& r, CXMLPushbackReader* pushback) {
     r.ReadStartElement(W("root"));
 #define READ_ELEMENTS(Kind, values)                                                                \
@@ -140,6 +141,7 @@ void ReadAll(CXMLReader& r, CXMLPushbackReader* pushback) {
         EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind)));                                     \
         EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind), W(kUri)));                            \
         if (pushback != nullptr && Unread(*pushback, Expected(v))) {                               \
+            EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind)));                                 \
             EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind), W(kUri)));                        \
         }                                                                                          \
     }
@@ -148,8 +150,10 @@ void ReadAll(CXMLReader& r, CXMLPushbackReader* pushback) {
         EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"))));
         EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"), W(kUri))));
         if (pushback != nullptr) {
+            pushback->UnreadElementString(W("string"), W(kUri), W(v));
             pushback->UnreadElementString(W("string"), W(v));
             EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"))));
+            EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"), W(kUri))));
         }
     }
     r.ReadStartElement(W("attrs"));
@@ -190,7 +194,7 @@ TEST(XMLRoundTrip, TypedValuesReadBackEqual) {
     }
     {
         SCOPED_TRACE("pushback reader over a text reader");
-        CXMLPushbackReader pushback(CRef<CXMLReader>(ReaderOver(document).release()), 3);
+        CXMLPushbackReader pushback(CRef<CXMLReader>(ReaderOver(document).release()), 6);
         ReadAll(pushback, &pushback);
     }
     // An independent parser finds the document well-formed.
