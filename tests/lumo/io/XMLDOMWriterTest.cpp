@@ -202,78 +202,54 @@ void ExpectFailure(std::function<void()> const& call, char const* message) {
 }
 
 using Steps = std::function<void(CXMLDOMWriter&)>;
+#define STEPS(...) [](CXMLDOMWriter& w) { __VA_ARGS__; }
 
 TEST(XMLDOMWriterTest, RefusedWrites) {
-    auto begun = [](CXMLDOMWriter& w) { w.WriteStartDocument(); };
-    auto inRoot = [](CXMLDOMWriter& w) {
-        w.WriteStartDocument();
-        w.WriteStartElement(W("r"));
-    };
-    auto inContent = [](CXMLDOMWriter& w) {
-        w.WriteStartDocument();
-        w.WriteStartElement(W("r"));
-        w.WriteString(W("x"));
-    };
-    auto ended = [](CXMLDOMWriter& w) {
-        w.WriteStartDocument();
-        w.WriteStartElement(W("r"));
-        w.WriteEndElement();
-        w.WriteEndDocument();
-    };
-    auto rootClosed = [](CXMLDOMWriter& w) {
-        w.WriteStartDocument();
-        w.WriteStartElement(W("r"));
-        w.WriteEndElement();
-    };
-    auto none = [](CXMLDOMWriter&) {};
+    Steps const none = [](CXMLDOMWriter&) {};
+    Steps const begun = STEPS(w.WriteStartDocument());
+    Steps const inRoot = STEPS(w.WriteStartDocument(), w.WriteStartElement(W("r")));
+    Steps const inContent =
+        STEPS(w.WriteStartDocument(), w.WriteStartElement(W("r")), w.WriteString(W("x")));
+    Steps const rootClosed =
+        STEPS(w.WriteStartDocument(), w.WriteStartElement(W("r")), w.WriteEndElement());
+    Steps const ended = STEPS(w.WriteStartDocument(), w.WriteStartElement(W("r")),
+                              w.WriteEndElement(), w.WriteEndDocument());
     struct Case {
         Steps before;
         Steps call;
         char const* message;
     } const cases[] = {
-        {none, [](CXMLDOMWriter& w) { w.WriteStartElement(W("a")); },
-         "Document hasn't been started yet."},
-        {none, [](CXMLDOMWriter& w) { w.WriteEndDocument(); }, "Document hasn't been started yet."},
-        {ended, [](CXMLDOMWriter& w) { w.WriteComment(W("c")); },
-         "Document has already been closed."},
-        {ended, [](CXMLDOMWriter& w) { w.WriteStartDocument(); },
-         "Document has already been started once."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteString(W("t")); },
+        {none, STEPS(w.WriteStartElement(W("a"))), "Document hasn't been started yet."},
+        {none, STEPS(w.WriteEndDocument()), "Document hasn't been started yet."},
+        {ended, STEPS(w.WriteComment(W("c"))), "Document has already been closed."},
+        {ended, STEPS(w.WriteStartDocument()), "Document has already been started once."},
+        {begun, STEPS(w.WriteString(W("t"))), "Document element hasn't been written yet."},
+        {begun, STEPS(w.WriteElementString(W("e"), W("t"))),
          "Document element hasn't been written yet."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteElementString(W("e"), W("t")); },
-         "Document element hasn't been written yet."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteEndElement(); },
-         "Document element hasn't been written yet."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteCDATA(W("t")); },
-         "CDATA section invalid at the top of XML document."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteEntityRef(W("e")); },
+        {begun, STEPS(w.WriteEndElement()), "Document element hasn't been written yet."},
+        {begun, STEPS(w.WriteCDATA(W("t"))), "CDATA section invalid at the top of XML document."},
+        {begun, STEPS(w.WriteEntityRef(W("e"))),
          "Entity reference invalid at the top of XML document."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteWhitespace(W(" ")); },
-         "Whitespaces don't allowed top of XML document."},
-        {inRoot, [](CXMLDOMWriter& w) { w.WriteEntityRef(W("")); }, "Invalid entity name."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteProcessingInstruction(W(""), W("d")); },
+        {begun, STEPS(w.WriteWhitespace(W(" "))), "Whitespaces don't allowed top of XML document."},
+        {inRoot, STEPS(w.WriteEntityRef(W(""))), "Invalid entity name."},
+        {begun, STEPS(w.WriteProcessingInstruction(W(""), W("d"))),
          "Invalid processing instruction target."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteProcessingInstruction(W("t"), nullptr); },
+        {begun, STEPS(w.WriteProcessingInstruction(W("t"), nullptr)),
          "Invalid processing instruction data."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteStartElement(nullptr); }, "Invalid local name."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteStartElement(W("a:b"), W("")); },
+        {begun, STEPS(w.WriteStartElement(nullptr)), "Invalid local name."},
+        {begun, STEPS(w.WriteStartElement(W("a:b"), W(""))),
          "Local name must be unqualified name."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteStartElement(W(""), W("a"), W("urn:a")); },
-         "Invalid prefix."},
-        {begun, [](CXMLDOMWriter& w) { w.WriteStartElement(W("1st")); },
-         "Invalid character error."},
-        {inRoot, [](CXMLDOMWriter& w) { w.WriteStartElement(W("a b")); },
-         "Invalid character error."},
-        {inRoot, [](CXMLDOMWriter& w) { w.WriteAttribute(W("<"), W("v")); },
-         "Invalid character error."},
-        {inRoot, [](CXMLDOMWriter& w) { w.WriteElementString(W("x\x01"), W("v")); },
-         "Invalid character error."},
-        {inRoot, [](CXMLDOMWriter& w) { w.WriteStartElement(W("xml"), W("a"), W("urn:not-xml")); },
+        {begun, STEPS(w.WriteStartElement(W(""), W("a"), W("urn:a"))), "Invalid prefix."},
+        {begun, STEPS(w.WriteStartElement(W("1st"))), "Invalid character error."},
+        {inRoot, STEPS(w.WriteStartElement(W("a b"))), "Invalid character error."},
+        {inRoot, STEPS(w.WriteAttribute(W("<"), W("v"))), "Invalid character error."},
+        {inRoot, STEPS(w.WriteElementString(W("x\x01"), W("v"))), "Invalid character error."},
+        {inRoot, STEPS(w.WriteStartElement(W("xml"), W("a"), W("urn:not-xml"))),
          "Namespace error."},
-        {inContent, [](CXMLDOMWriter& w) { w.WriteAttribute(W("a"), W("v")); },
+        {inContent, STEPS(w.WriteAttribute(W("a"), W("v"))),
          "Attributes can be written only in start element state."},
-        {rootClosed, [](CXMLDOMWriter& w) { w.WriteEndElement(); }, "Element stack is empty."},
-        {rootClosed, [](CXMLDOMWriter& w) { w.WriteStartElement(W("second")); }, "DOM exception."},
+        {rootClosed, STEPS(w.WriteEndElement()), "Element stack is empty."},
+        {rootClosed, STEPS(w.WriteStartElement(W("second"))), "DOM exception."},
     };
     for (Case const& c : cases) {
         CXMLDOMWriter w;
