@@ -1,7 +1,8 @@
 // Tests of the UTF-16 character streams: CReader's and CWriter's default methods, the
 // buffered reader and writer, the pushback reader, and COutputStreamWriter (encoded
 // bytes buffered, surrogate pairs across writes). Construction, ownership of the
-// wrapped stream and Close for each.
+// wrapped stream and Close for each, the first two in one check of every character
+// filter (the print writer too).
 #include "support/CharStreams.h"
 #include "support/Streams.h"
 
@@ -9,12 +10,15 @@
 #include <lumo/io/BufferedWriter.h>
 #include <lumo/io/MemoryOutputStream.h>
 #include <lumo/io/OutputStreamWriter.h>
+#include <lumo/io/PrintWriter.h>
 #include <lumo/io/PushbackReader.h>
 #include <lumo/io/UnsupportedEncodingException.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
+#include <typeinfo>
 #include <vector>
 
 using lumo::base::CRef;
@@ -74,24 +78,56 @@ TEST(WriterTest, DefaultsGoThroughTheBlockWrite) {
     EXPECT_EQ((std::vector<unsigned long>{2, 1, 1, 6, 2}), w.blockWrites);
 }
 
-TEST(BufferedReaderTest, Construction) {
-    ArrayReader source(u"x");
-    EXPECT_EQ("Invalid reader.",
-              ArgumentErrorOf([&] { CBufferedReader r(static_cast<CReader*>(nullptr), 4); }));
-    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf([&] { CBufferedReader r(&source, 0); }));
-    EXPECT_THROW(CBufferedReader(CRef<CReader>(), 4), lumo::base::CIllegalArgumentException);
-
-    // The CRef form shares the reader; the raw form borrows it.
+// Every filter over a reader or writer refuses a null one, raw or shared, with its
+// message; shares one given by CRef (deleted with the last holder, kept alive by the
+// filter) and borrows one given by pointer (left to its owner).
+template <class Filter, class... Args> void ExpectNullRefusedSharedKeptBorrowedLeft(Args... args) {
+    constexpr bool reader = std::is_base_of_v<CReader, Filter>;
+    using Inner = std::conditional_t<reader, CReader, CWriter>;
+    using Double = std::conditional_t<reader, ArrayReader, ArrayWriter>;
+    std::string const message = reader ? "Invalid reader." : "Invalid writer.";
+    SCOPED_TRACE(typeid(Filter).name());
+    EXPECT_EQ(message, ArgumentErrorOf([&] { Filter(static_cast<Inner*>(nullptr), args...); }));
+    EXPECT_EQ(message, ArgumentErrorOf([&] { Filter(CRef<Inner>(), args...); }));
     int destroyed = 0;
-    ArrayReader* shared = new ArrayReader(u"abc");
-    shared->destroyed = &destroyed;
+    auto make = [&] {
+        Double* d;
+        if constexpr (reader)
+            d = new ArrayReader(u"abc");
+        else
+            d = new ArrayWriter;
+        d->destroyed = &destroyed;
+        return d;
+    };
+    Double* const borrowed = make();
+    { Filter f(borrowed, args...); }
+    EXPECT_EQ(0, destroyed);
+    delete borrowed;
+    destroyed = 0;
     {
-        CBufferedReader r(CRef<CReader>(shared), 2);
-        EXPECT_EQ('a', r.Read());
+        CRef<Inner> shared(make());
+        Filter f(shared, args...);
+        shared = nullptr;
+        EXPECT_EQ(0, destroyed);
+        if constexpr (reader)
+            EXPECT_EQ('a', f.Read());
+        else
+            f.Write(static_cast<unsigned short>('a'));
     }
     EXPECT_EQ(1, destroyed);
-    { CBufferedReader r(&source, 2); }
-    EXPECT_EQ(0, source.ownCount);
+}
+
+TEST(CharFilters, ConstructionAndOwnership) {
+    ArrayReader source(u"x");
+    ArrayWriter sink;
+    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf([&] { CBufferedReader r(&source, 0); }));
+    EXPECT_EQ("Invalid pushback buffer size.",
+              ArgumentErrorOf([&] { CPushbackReader r(&source, 0); }));
+    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf([&] { CBufferedWriter w(&sink, 0); }));
+    ExpectNullRefusedSharedKeptBorrowedLeft<CBufferedReader>(2ul);
+    ExpectNullRefusedSharedKeptBorrowedLeft<CPushbackReader>(1ul);
+    ExpectNullRefusedSharedKeptBorrowedLeft<CBufferedWriter>(4ul);
+    ExpectNullRefusedSharedKeptBorrowedLeft<lumo::io::CPrintWriter>(false);
 }
 
 TEST(BufferedReaderTest, ReadsInBlocks) {
@@ -165,22 +201,6 @@ TEST(BufferedReaderTest, Close) {
     EXPECT_THROW(s.Read(), lumo::io::CIOException);
 }
 
-TEST(BufferedWriterTest, Construction) {
-    ArrayWriter sink;
-    EXPECT_EQ("Invalid writer.",
-              ArgumentErrorOf([&] { CBufferedWriter w(static_cast<CWriter*>(nullptr), 4); }));
-    EXPECT_EQ("Invalid buffer size.", ArgumentErrorOf([&] { CBufferedWriter w(&sink, 0); }));
-    int destroyed = 0;
-    ArrayWriter* shared = new ArrayWriter;
-    shared->destroyed = &destroyed;
-    {
-        CBufferedWriter w(CRef<CWriter>(shared), 4);
-        w.Write(static_cast<unsigned short>('a'));
-    }
-    // Shared ownership ends with the writer; its buffer was never flushed.
-    EXPECT_EQ(1, destroyed);
-}
-
 TEST(BufferedWriterTest, CollectsWrites) {
     ArrayWriter sink;
     CBufferedWriter w(&sink, 4);
@@ -237,22 +257,6 @@ TEST(BufferedWriterTest, CloseAndFailures) {
     EXPECT_EQ("Write failed.", IOErrorOf([&] { v.Close(); }));
     EXPECT_TRUE(failing.closed);
     EXPECT_EQ("Writer closed.", IOErrorOf([&] { v.Flush(); }));
-}
-
-TEST(PushbackReaderTest, Construction) {
-    ArrayReader source(u"x");
-    EXPECT_EQ("Invalid reader.",
-              ArgumentErrorOf([] { CPushbackReader r(static_cast<CReader*>(nullptr), 2); }));
-    EXPECT_EQ("Invalid pushback buffer size.",
-              ArgumentErrorOf([&] { CPushbackReader r(&source, 0); }));
-    int destroyed = 0;
-    ArrayReader* shared = new ArrayReader(u"q");
-    shared->destroyed = &destroyed;
-    {
-        CPushbackReader r(CRef<CReader>(shared), 1);
-        EXPECT_EQ('q', r.Read());
-    }
-    EXPECT_EQ(1, destroyed);
 }
 
 TEST(PushbackReaderTest, PushbackOrder) {
