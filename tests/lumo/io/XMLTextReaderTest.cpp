@@ -1,7 +1,7 @@
 // The text reader against the parser's events: token shapes, element strings, handed-out
 // tokens, an independent parser's view of the same documents, documents that point
 // outside themselves, and hostile or broken input. Searches and text joining are in the
-// navigation script shared with the other readers (XMLNavigationTest).
+// navigation script shared with the other readers (XMLReadersTest).
 #include "support/XML.h"
 
 #include <lumo/base/Exception.h>
