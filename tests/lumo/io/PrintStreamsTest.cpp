@@ -43,24 +43,11 @@ using lumotest::RecordingOutputStream;
 TEST(PrintStream, FormatsEveryOverload) {
     RecordingOutputStream sink;
     CPrintStream out(&sink, false);
-    out.Print(1.5f);
-    out.Print(' ');
-    out.Print(true);
-    out.Print(false);
-    out.Print(short(-3));
-    out.Print(' ');
-    out.Print(-7L);
-    out.Print(' ');
-    out.Print(4000000000ul);
-    out.Print(' ');
-    out.Print(0.1);
-    out.Print(' ');
-    out.Print(1e20);
-    out.Print(' ');
-    out.Print(static_cast<char const*>(nullptr));
-    out.Print("text");
-    out.Print(CString("|cs|"));
-    out.Print(CString());
+    out.Print(1.5f), out.Print(' '), out.Print(true), out.Print(false), out.Print(short(-3)),
+        out.Print(' '), out.Print(-7L), out.Print(' '), out.Print(4000000000ul), out.Print(' '),
+        out.Print(0.1), out.Print(' '), out.Print(1e20), out.Print(' '),
+        out.Print(static_cast<char const*>(nullptr)), out.Print("text"), out.Print(CString("|cs|")),
+        out.Print(CString());
     EXPECT_EQ(sink.bytes, "1.5 truefalse-3 -7 4000000000 0.1 1e+20 text|cs|");
     // Each value is one block write.
     EXPECT_EQ(sink.charWrites, 0);
@@ -79,17 +66,10 @@ TEST(PrintStream, LineEndsAndAutoFlush) {
     out.Println(2L);
     EXPECT_EQ(sink.bytes, std::string("12") + Vela::EOL);
     EXPECT_EQ(sink.flushedAt, std::vector<std::size_t>{sink.bytes.size()});
-    out.SetLineSeparator("<>");
-    out.Println();
-    out.Println("x");
-    out.Println(true);
-    out.Println('c');
-    out.Println(short(5));
-    out.Println(6ul);
-    out.Println(0.5f);
-    out.Println(0.25);
-    out.Println(CString("s"));
-    out.Println(static_cast<char const*>(nullptr));
+    out.SetLineSeparator("<>"), out.Println(), out.Println("x"), out.Println(true),
+        out.Println('c'), out.Println(short(5)), out.Println(6ul), out.Println(0.5f),
+        out.Println(0.25), out.Println(CString("s")),
+        out.Println(static_cast<char const*>(nullptr));
     EXPECT_EQ(sink.bytes.substr(2 + std::string(Vela::EOL).size()),
               "<>x<>true<>c<>5<>6<>0.5<>0.25<>s<><>");
     EXPECT_EQ(sink.flushes, 11);
@@ -105,10 +85,7 @@ TEST(PrintStream, LineEndsAndAutoFlush) {
 TEST(PrintStream, PassThroughCloseAndOwnership) {
     RecordingOutputStream sink;
     CPrintStream out(&sink, false);
-    out.Write('a');
-    out.Write("xbcx", 1, 2);
-    out.Write("d", 1);
-    out.Flush();
+    out.Write('a'), out.Write("xbcx", 1, 2), out.Write("d", 1), out.Flush();
     EXPECT_EQ(sink.bytes, "abcd");
     EXPECT_EQ(sink.flushes, 1);
     out.Close();
@@ -122,14 +99,8 @@ TEST(PrintStream, PassThroughCloseAndOwnership) {
 TEST(PrintWriterTest, Formats) {
     ArrayWriter sink;
     CPrintWriter p(&sink, false);
-    p.Print(true);
-    p.Print(false);
-    p.Print(static_cast<short>(-3));
-    p.Print(7L);
-    p.Print(4000000000UL);
-    p.Print(1.5f);
-    p.Print(' ');
-    p.Print(-2.25);
+    p.Print(true), p.Print(false), p.Print(static_cast<short>(-3)), p.Print(7L),
+        p.Print(4000000000UL), p.Print(1.5f), p.Print(' '), p.Print(-2.25);
     EXPECT_EQ(u"truefalse-374000000000"
               u"1.500000 -2.250000",
               sink.text);
@@ -148,10 +119,8 @@ TEST(PrintWriterTest, Formats) {
     EXPECT_EQ(u"A\uFFFD\u20ACh\u00E9\U0001F600|a\uFFFDbcsusr\xD800", sink.text);
 
     sink.text.clear();
-    p.PrintUnsignedChar(200);
-    p.PrintUnsignedShort(65535);
-    p.PrintInt(-5);
-    p.PrintUnsignedInt(4000000000u);
+    p.PrintUnsignedChar(200), p.PrintUnsignedShort(65535), p.PrintInt(-5),
+        p.PrintUnsignedInt(4000000000u);
     EXPECT_EQ(u"20065535-54000000000", sink.text);
 
     // No digit is lost to the formatting buffer.
@@ -168,10 +137,7 @@ TEST(PrintWriterTest, LineEndsAndAutoFlush) {
     EXPECT_EQ(0, sink.flushes);
     p.Println(2L);
     EXPECT_EQ(1, sink.flushes);
-    p.Println();
-    p.Println("x");
-    p.PrintlnInt(3);
-    p.Println(static_cast<unsigned short>('y'));
+    p.Println(), p.Println("x"), p.PrintlnInt(3), p.Println(static_cast<unsigned short>('y'));
     EXPECT_EQ(u"12\r\n\r\nx\r\n3\r\ny\r\n", sink.text);
     EXPECT_EQ(5, sink.flushes);
 
@@ -234,22 +200,14 @@ TEST(DebugPrintStream, OneDebugCallPerValueWithItsFormat) {
     out.Print(1.5f); // "%f"
     out.Print(1.5);  // "%ld" of the low 32 bits of the double's bits: 0
     out.Print(-0.1); // 0xBFB999999999999A: low word 0x9999999A
-    out.Print('c');
-    out.Print("text");
-    out.Print(static_cast<char const*>(nullptr));
-    out.Print(CString("cs"));
+    out.Print('c'), out.Print("text"), out.Print(static_cast<char const*>(nullptr)),
+        out.Print(CString("cs"));
     EXPECT_EQ(capture.pieces, (std::vector<std::string>{"true", "-3", "-7", "lu", "1.500000", "0",
                                                         "-1717986918", "c", "text", "cs"}));
 
     capture.pieces.clear();
-    out.Println(false);
-    out.Println(short(5));
-    out.Println(6L);
-    out.Println(7ul);
-    out.Println(0.5f);
-    out.Println(0.25);
-    out.Println('d');
-    out.Println("line");
+    out.Println(false), out.Println(short(5)), out.Println(6L), out.Println(7ul), out.Println(0.5f),
+        out.Println(0.25), out.Println('d'), out.Println("line");
     out.Println(""); // nothing for an empty text
     out.Println(static_cast<char const*>(nullptr));
     out.Println(CString("s"));
