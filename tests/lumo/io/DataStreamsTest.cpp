@@ -187,20 +187,14 @@ TEST(DataOutputStream, WireFormat) {
     out.WriteInt32(0x01020304);
     EXPECT_EQ(Bytes(sink), (V{1, 2, 3, 4}));
     sink.bytes.clear();
-    out.WriteInt16(-2);
-    out.WriteUInt16(0xABCD);
-    out.WriteInt32(-1L);
-    out.WriteUInt32(0x8000000Ful);
+    out.WriteInt16(-2), out.WriteUInt16(0xABCD), out.WriteInt32(-1L), out.WriteUInt32(0x8000000Ful);
     EXPECT_EQ(Bytes(sink), (V{0xFF, 0xFE, 0xAB, 0xCD, 0xFF, 0xFF, 0xFF, 0xFF, 0x80, 0, 0, 0x0F}));
     sink.bytes.clear();
     out.WriteFloat(1.0f);
     out.WriteDouble(1.0);
     EXPECT_EQ(Bytes(sink), (V{0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F}));
     sink.bytes.clear();
-    out.WriteBool(true);
-    out.WriteBool(false);
-    out.WriteByte(char(0x85));
-    out.WriteUByte(0x7F);
+    out.WriteBool(true), out.WriteBool(false), out.WriteByte(char(0x85)), out.WriteUByte(0x7F);
     EXPECT_EQ(Bytes(sink), (V{1, 0, 0x85, 0x7F}));
     EXPECT_EQ(sink.charWrites, 4);
     // One write call per value on the wrapped stream.
@@ -230,10 +224,8 @@ TEST(DataOutputStream, StringsNativeAndJava) {
 
     RecordingOutputStream jsink;
     CJavaDataOutputStream java(&jsink);
-    java.WriteString(CUnicodeString("A"));
-    java.WriteString(CUnicodeString());
-    java.WriteString(empty);
-    java.WriteString(euro);
+    java.WriteString(CUnicodeString("A")), java.WriteString(CUnicodeString()),
+        java.WriteString(empty), java.WriteString(euro);
     EXPECT_EQ(Bytes(jsink), (V{0, 1, 0x41, 0, 0, 0, 3, 0xE2, 0x82, 0xAC}));
 
     jsink.bytes.clear();

@@ -474,18 +474,12 @@ public:
 
 TEST(XMLWriterTest, BaseFormatsValuesAndDelegates) {
     CRecordingWriter w;
-    w.WriteElementFloat(W("f"), 1.5f);
-    w.WriteElementDouble(W("n"), W("urn:x"), -0.25);
-    w.WriteElementShort(W("s"), -7);
-    w.WriteElementUnsignedLong(W("u"), 4000000000ul);
-    w.WriteElementBool(W("b"), false);
-    w.WriteAttrLong(W("l"), W("urn:x"), -12);
-    w.WriteAttrFloat(W("af"), 2.0f);
-    w.WriteDouble(3.0);
-    w.WriteBase64("xhello", 1, 5);
-    w.WriteBinHex("\x0f\xf0", 0, 2);
-    w.WriteElementBase64(W("b64"), nullptr, 0, 0);
-    w.WriteObject(CPoint());
+    w.WriteElementFloat(W("f"), 1.5f), w.WriteElementDouble(W("n"), W("urn:x"), -0.25),
+        w.WriteElementShort(W("s"), -7), w.WriteElementUnsignedLong(W("u"), 4000000000ul),
+        w.WriteElementBool(W("b"), false), w.WriteAttrLong(W("l"), W("urn:x"), -12),
+        w.WriteAttrFloat(W("af"), 2.0f), w.WriteDouble(3.0), w.WriteBase64("xhello", 1, 5),
+        w.WriteBinHex("\x0f\xf0", 0, 2), w.WriteElementBase64(W("b64"), nullptr, 0, 0),
+        w.WriteObject(CPoint());
     EXPECT_EQ("E:f;1.500000;E2:n;-0.250000;E:s;-7;E:u;4000000000;E:b;false;A2:l;-12;A:af;"
               "2.000000;S:3.000000;S:aGVsbG8=;S:0FF0;E:b64;;E:x;7;",
               w.log);
