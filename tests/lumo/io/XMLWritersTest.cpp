@@ -421,8 +421,9 @@ TEST(XMLTextWriterTest, StreamFailingMidDocumentReportsIOException) {
     EXPECT_THROW(writer.WriteComment(W("c")), CIOException);
 }
 
-// A writer that keeps the base's typed defaults and records what reaches it.
-class CRecordingWriter : public CXMLWriter {
+// Records what the base's typed defaults delegate to. The DOM writer keeps every typed
+// write of the base; its own binary writes are routed back to the base's defaults.
+class CRecordingWriter : public CXMLDOMWriter {
 public:
     std::string log;
     void Add(char const* what, unsigned short const* text) {
@@ -430,19 +431,6 @@ public:
         log += CUnicodeString(text).ToUTF8();
         log += ";";
     }
-    void WriteStartDocument() override {}
-    void WriteEndDocument() override {}
-    void WriteCDATA(unsigned short const*) override {}
-    void WriteComment(unsigned short const*) override {}
-    void WriteProcessingInstruction(unsigned short const*, unsigned short const*) override {}
-    void WriteEntityRef(unsigned short const*) override {}
-    void WriteWhitespace(unsigned short const*) override {}
-    void WriteStartElement(unsigned short const*, unsigned short const*,
-                           unsigned short const*) override {}
-    void WriteStartElement(unsigned short const*, unsigned short const*) override {}
-    void WriteStartElement(unsigned short const*) override {}
-    void WriteEndElement() override {}
-    void WriteFullEndElement() override {}
     void WriteElementString(unsigned short const* l, unsigned short const*,
                             unsigned short const* v) override {
         Add("E2:", l), Add("", v);
@@ -450,8 +438,6 @@ public:
     void WriteElementString(unsigned short const* n, unsigned short const* v) override {
         Add("E:", n), Add("", v);
     }
-    void WriteAttribute(unsigned short const*, unsigned short const*, unsigned short const*,
-                        unsigned short const*) override {}
     void WriteAttribute(unsigned short const* l, unsigned short const*,
                         unsigned short const* v) override {
         Add("A2:", l), Add("", v);
@@ -459,11 +445,13 @@ public:
     void WriteAttribute(unsigned short const* n, unsigned short const* v) override {
         Add("A:", n), Add("", v);
     }
-    void WriteAttrDefaultNamespaceDeclaration(unsigned short const*) override {}
-    void WriteAttrNamespaceDeclaration(unsigned short const*, unsigned short const*) override {}
     void WriteString(unsigned short const* t) override { Add("S:", t); }
-    void Flush() override {}
-    void Close() override {}
+    void WriteBase64(char const* d, unsigned long o, unsigned long n) override {
+        CXMLWriter::WriteBase64(d, o, n);
+    }
+    void WriteBinHex(char const* d, unsigned long o, unsigned long n) override {
+        CXMLWriter::WriteBinHex(d, o, n);
+    }
 };
 
 class CPoint : public IXMLSerializable {
