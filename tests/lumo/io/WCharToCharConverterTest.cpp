@@ -57,7 +57,8 @@ TEST(WCharToCharConverterTest, Utf8Sequences) {
     CWCharToCharUTF8 c;
     EXPECT_STREQ("UTF-8", c.GetEncoding());
     EXPECT_EQ(0x0030, c.GetPendingSurrogate());
-    // What ICU has no answer for; every other BMP unit is compared with ICU below.
+    // A lone surrogate, which ICU refuses, and U+0000; every other BMP unit is compared
+    // with ICU below.
     EXPECT_EQ("\xED\xB0\x80", Convert(c, {0xDC00}));
     EXPECT_EQ(std::string("\0", 1), Convert(c, {0}));
     EXPECT_EQ("", Convert(c, {}));
