@@ -57,13 +57,10 @@ TEST(WCharToCharConverterTest, Utf8Sequences) {
     CWCharToCharUTF8 c;
     EXPECT_STREQ("UTF-8", c.GetEncoding());
     EXPECT_EQ(0x0030, c.GetPendingSurrogate());
-    EXPECT_EQ("A", Convert(c, {'A'}));
-    EXPECT_EQ("\xC3\xA9", Convert(c, {0xE9}));
-    EXPECT_EQ("\xE2\x82\xAC", Convert(c, {0x20AC}));
+    // A lone surrogate, which ICU refuses, and U+0000; every other BMP unit is compared
+    // with ICU below.
     EXPECT_EQ("\xED\xB0\x80", Convert(c, {0xDC00}));
-    EXPECT_EQ("\xEF\xBF\xBF", Convert(c, {0xFFFF}));
-    EXPECT_EQ(std::string("\0\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80", 9),
-              Convert(c, {0, 0x7F, 0x80, 0x7FF, 0x800}));
+    EXPECT_EQ(std::string("\0", 1), Convert(c, {0}));
     EXPECT_EQ("", Convert(c, {}));
 }
 

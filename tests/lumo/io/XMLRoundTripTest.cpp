@@ -15,8 +15,9 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
+#include <iterator>
 #include <random>
+#include <type_traits>
 
 using namespace lumo::io;
 using lumo::base::CRef;
@@ -31,22 +32,15 @@ namespace {
 
 char const kUri[] = "urn:lumo:round-trip";
 
+bool const kBools[] = {true, false};
 short const kShorts[] = {SHRT_MIN, -1, 0, 1, 12345, SHRT_MAX};
 long const kLongs[] = {LONG_MIN, INT_MIN, -1, 0, 1, INT_MAX, LONG_MAX};
 unsigned long const kUnsignedLongs[] = {0, 1, 0xFFFFFFFFul, ULONG_MAX};
-float const kFloats[] = {0.0f,    1.5f,     0.25f,   -2.0f,        1e10f,       3.14159265f,
-                         FLT_MAX, -FLT_MAX, FLT_MIN, FLT_TRUE_MIN, -123456.789f};
-double const kDoubles[] = {0.0,
-                           1.5,
-                           0.25,
-                           -2.0,
-                           1e10,
-                           2.718281828459045,
-                           DBL_MAX,
-                           -DBL_MAX,
-                           DBL_MIN,
-                           DBL_TRUE_MIN,
-                           -9.87654321e-200};
+float const kFloats[] = {FLT_MAX, -FLT_MAX, 0.0f,        1.5f,         0.25f,       -2.0f,
+                         1e10f,   FLT_MIN,  3.14159265f, FLT_TRUE_MIN, -123456.789f};
+double const kDoubles[] = {
+    DBL_MIN, DBL_MAX,         0.0, 1.5, 0.25, -2.0, 2.718281828459045, -DBL_MAX, DBL_TRUE_MIN,
+    1e10,    -9.87654321e-200};
 // All five special characters, blanks kept as they are, multi-byte UTF-8 and
 // characters outside the Basic Multilingual Plane.
 char const* const kStrings[] = {"plain",
@@ -58,20 +52,45 @@ char const* const kStrings[] = {"plain",
                                 "\xf0\x9f\x98\x80 \xf0\x9d\x84\x9e<&>\xf0\x9f\x8e\x89"};
 unsigned long const kBinarySizes[] = {0, 1, 2, 3, 4, 5, 57, 58, 59, 100, 1000, 2999, 3000};
 
+// The value kinds with an element write and read of that name, and their values.
+#define ROUND_TRIP_KINDS(X)                                                                        \
+    X(Bool, kBools)                                                                                \
+    X(Short, kShorts)                                                                              \
+    X(Long, kLongs) X(UnsignedLong, kUnsignedLongs) X(Float, kFloats) X(Double, kDoubles)
+
 // The text writer writes floats and doubles with "%g" (six significant digits), so a
 // value reads back as the value that "%g" prints, parsed again: that is the expected
-// value, computed independently with the C library. 1.5, 0.25, -2 and 1e10 print
-// exactly and must come back unchanged.
-float ExpectedFloat(float v) {
+// value, computed independently with the C library.
+template <class T> T Expected(T v) {
+    return v;
+}
+float Expected(float v) {
     char text[64];
     std::snprintf(text, sizeof text, "%g", static_cast<double>(v));
     return std::strtof(text, nullptr);
 }
-
-double ExpectedDouble(double v) {
+double Expected(double v) {
     char text[64];
     std::snprintf(text, sizeof text, "%g", v);
     return std::strtod(text, nullptr);
+}
+
+// Pushes an element back in both of the pushback reader's forms, the plain one on top;
+// there are none for unsigned long.
+template <class T> bool Unread(CXMLPushbackReader& p, T v) {
+    if constexpr (std::is_same_v<T, bool>)
+        p.UnreadElementBool(W("Bool"), W(kUri), v), p.UnreadElementBool(W("Bool"), v);
+    else if constexpr (std::is_same_v<T, short>)
+        p.UnreadElementShort(W("Short"), W(kUri), v), p.UnreadElementShort(W("Short"), v);
+    else if constexpr (std::is_same_v<T, long>)
+        p.UnreadElementLong(W("Long"), W(kUri), v), p.UnreadElementLong(W("Long"), v);
+    else if constexpr (std::is_same_v<T, float>)
+        p.UnreadElementFloat(W("Float"), W(kUri), v), p.UnreadElementFloat(W("Float"), v);
+    else if constexpr (std::is_same_v<T, double>)
+        p.UnreadElementDouble(W("Double"), W(kUri), v), p.UnreadElementDouble(W("Double"), v);
+    else
+        return false;
+    return true;
 }
 
 std::vector<char> Bytes(unsigned long size) {
@@ -82,55 +101,25 @@ std::vector<char> Bytes(unsigned long size) {
     return bytes;
 }
 
-// Writes every value: elements by qualified name and in a namespace, attributes, and
-// the binary blocks in base64 and binhex (from an offset into a larger buffer).
+// Writes every value: elements by qualified name and in a namespace, attributes (the
+// first and last value of each kind), and the binary blocks in base64 and binhex (from
+// an offset into a larger buffer).
 void WriteAll(CXMLTextWriter& w) {
     w.WriteStartDocument();
     w.WriteStartElement(W("root"));
     w.WriteAttrNamespaceDeclaration(W("t"), W(kUri));
-    for (bool v : {true, false}) {
-        w.WriteElementBool(W("bool"), v);
-        w.WriteElementBool(W("bool"), W(kUri), v);
-    }
-    for (short v : kShorts) {
-        w.WriteElementShort(W("short"), v);
-        w.WriteElementShort(W("short"), W(kUri), v);
-    }
-    for (long v : kLongs) {
-        w.WriteElementLong(W("long"), v);
-        w.WriteElementLong(W("long"), W(kUri), v);
-    }
-    for (unsigned long v : kUnsignedLongs) {
-        w.WriteElementUnsignedLong(W("ulong"), v);
-        w.WriteElementUnsignedLong(W("ulong"), W(kUri), v);
-    }
-    for (float v : kFloats) {
-        w.WriteElementFloat(W("float"), v);
-        w.WriteElementFloat(W("float"), W(kUri), v);
-    }
-    for (double v : kDoubles) {
-        w.WriteElementDouble(W("double"), v);
-        w.WriteElementDouble(W("double"), W(kUri), v);
-    }
-    for (char const* v : kStrings) {
-        w.WriteElementString(W("string"), W(v));
-        w.WriteElementString(W("string"), W(kUri), W(v));
-    }
-    // One element per value kind with every attribute form on it.
+#define WRITE_ELEMENTS(Kind, values)                                                               \
+    for (auto v : values)                                                                          \
+        w.WriteElement##Kind(W(#Kind), v), w.WriteElement##Kind(W(#Kind), W(kUri), v);
+    ROUND_TRIP_KINDS(WRITE_ELEMENTS)
+    for (char const* v : kStrings)
+        w.WriteElementString(W("string"), W(v)), w.WriteElementString(W("string"), W(kUri), W(v));
     w.WriteStartElement(W("attrs"));
-    w.WriteAttrBool(W("b"), true);
-    w.WriteAttrBool(W("b"), W(kUri), false);
-    w.WriteAttrShort(W("h"), SHRT_MIN);
-    w.WriteAttrShort(W("h"), W(kUri), SHRT_MAX);
-    w.WriteAttrLong(W("l"), LONG_MIN);
-    w.WriteAttrLong(W("l"), W(kUri), LONG_MAX);
-    w.WriteAttrUnsignedLong(W("u"), ULONG_MAX);
-    w.WriteAttrUnsignedLong(W("u"), W(kUri), 0);
-    w.WriteAttrFloat(W("f"), -FLT_MAX);
-    w.WriteAttrFloat(W("f"), W(kUri), 1.5f);
-    w.WriteAttrDouble(W("d"), DBL_MIN);
-    w.WriteAttrDouble(W("d"), W(kUri), 1e10);
-    for (unsigned i = 0; i < sizeof kStrings / sizeof kStrings[0]; ++i)
+#define WRITE_ATTRIBUTES(Kind, values)                                                             \
+    w.WriteAttr##Kind(W(#Kind), values[0]);                                                        \
+    w.WriteAttr##Kind(W(#Kind), W(kUri), values[std::size(values) - 1]);
+    ROUND_TRIP_KINDS(WRITE_ATTRIBUTES)
+    for (unsigned i = 0; i < std::size(kStrings); ++i)
         w.WriteAttribute(W(("s" + std::to_string(i)).c_str()), W(kStrings[i]));
     w.WriteEndElement();
     for (unsigned long size : kBinarySizes) {
@@ -143,80 +132,36 @@ void WriteAll(CXMLTextWriter& w) {
 }
 
 // Reads everything back with the typed reads. With a pushback reader, every element
-// is also pushed back whole and read a second time, so its formats meet the reads.
+// is also pushed back whole in both forms and read again, so its formats meet the reads.
 void ReadAll(CXMLReader& r, CXMLPushbackReader* pushback) {
     r.ReadStartElement(W("root"));
-    for (bool v : {true, false}) {
-        EXPECT_EQ(v, r.ReadElementBool(W("bool")));
-        EXPECT_EQ(v, r.ReadElementBool(W("bool"), W(kUri)));
-        if (pushback != nullptr) {
-            pushback->UnreadElementBool(W("bool"), W(kUri), v);
-            EXPECT_EQ(v, r.ReadElementBool(W("bool"), W(kUri)));
-        }
+#define READ_ELEMENTS(Kind, values)                                                                \
+    for (auto v : values) {                                                                        \
+        SCOPED_TRACE(#Kind + std::string(" ") + std::to_string(v));                                \
+        EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind)));                                     \
+        EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind), W(kUri)));                            \
+        if (pushback != nullptr && Unread(*pushback, Expected(v))) {                               \
+            EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind)));                                 \
+            EXPECT_EQ(Expected(v), r.ReadElement##Kind(W(#Kind), W(kUri)));                        \
+        }                                                                                          \
     }
-    for (short v : kShorts) {
-        EXPECT_EQ(v, r.ReadElementShort(W("short")));
-        EXPECT_EQ(v, r.ReadElementShort(W("short"), W(kUri)));
-        if (pushback != nullptr) {
-            pushback->UnreadElementShort(W("short"), v);
-            EXPECT_EQ(v, r.ReadElementShort(W("short")));
-        }
-    }
-    for (long v : kLongs) {
-        EXPECT_EQ(v, r.ReadElementLong(W("long")));
-        EXPECT_EQ(v, r.ReadElementLong(W("long"), W(kUri)));
-        if (pushback != nullptr) {
-            pushback->UnreadElementLong(W("long"), W(kUri), v);
-            EXPECT_EQ(v, r.ReadElementLong(W("long"), W(kUri)));
-        }
-    }
-    for (unsigned long v : kUnsignedLongs) {
-        EXPECT_EQ(v, r.ReadElementUnsignedLong(W("ulong")));
-        EXPECT_EQ(v, r.ReadElementUnsignedLong(W("ulong"), W(kUri)));
-    }
-    for (float v : kFloats) {
-        float const expected = ExpectedFloat(v);
-        EXPECT_EQ(expected, r.ReadElementFloat(W("float"))) << v;
-        EXPECT_EQ(expected, r.ReadElementFloat(W("float"), W(kUri))) << v;
-        if (pushback != nullptr) {
-            pushback->UnreadElementFloat(W("float"), expected);
-            EXPECT_EQ(expected, r.ReadElementFloat(W("float"))) << v;
-        }
-    }
-    for (double v : kDoubles) {
-        double const expected = ExpectedDouble(v);
-        EXPECT_EQ(expected, r.ReadElementDouble(W("double"))) << v;
-        EXPECT_EQ(expected, r.ReadElementDouble(W("double"), W(kUri))) << v;
-        if (pushback != nullptr) {
-            pushback->UnreadElementDouble(W("double"), W(kUri), expected);
-            EXPECT_EQ(expected, r.ReadElementDouble(W("double"), W(kUri))) << v;
-        }
-    }
+    ROUND_TRIP_KINDS(READ_ELEMENTS)
     for (char const* v : kStrings) {
         EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"))));
         EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"), W(kUri))));
         if (pushback != nullptr) {
+            pushback->UnreadElementString(W("string"), W(kUri), W(v));
             pushback->UnreadElementString(W("string"), W(v));
             EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"))));
+            EXPECT_EQ(v, Utf8(r.ReadElementString(W("string"), W(kUri))));
         }
     }
-    for (float v : {1.5f, 0.25f, -2.0f, 1e10f}) // printed exactly by "%g"
-        EXPECT_EQ(v, ExpectedFloat(v));
-
     r.ReadStartElement(W("attrs"));
-    EXPECT_TRUE(r.ReadAttrBool(W("b")));
-    EXPECT_FALSE(r.ReadAttrBool(W("b"), W(kUri)));
-    EXPECT_EQ(SHRT_MIN, r.ReadAttrShort(W("h")));
-    EXPECT_EQ(SHRT_MAX, r.ReadAttrShort(W("h"), W(kUri)));
-    EXPECT_EQ(LONG_MIN, r.ReadAttrLong(W("l")));
-    EXPECT_EQ(LONG_MAX, r.ReadAttrLong(W("l"), W(kUri)));
-    EXPECT_EQ(ULONG_MAX, r.ReadAttrUnsignedLong(W("u")));
-    EXPECT_EQ(0ul, r.ReadAttrUnsignedLong(W("u"), W(kUri)));
-    EXPECT_EQ(ExpectedFloat(-FLT_MAX), r.ReadAttrFloat(W("f")));
-    EXPECT_EQ(1.5f, r.ReadAttrFloat(W("f"), W(kUri)));
-    EXPECT_EQ(ExpectedDouble(DBL_MIN), r.ReadAttrDouble(W("d")));
-    EXPECT_EQ(1e10, r.ReadAttrDouble(W("d"), W(kUri)));
-    for (unsigned i = 0; i < sizeof kStrings / sizeof kStrings[0]; ++i)
+#define READ_ATTRIBUTES(Kind, values)                                                              \
+    EXPECT_EQ(Expected(values[0]), r.ReadAttr##Kind(W(#Kind)));                                    \
+    EXPECT_EQ(Expected(values[std::size(values) - 1]), r.ReadAttr##Kind(W(#Kind), W(kUri)));
+    ROUND_TRIP_KINDS(READ_ATTRIBUTES)
+    for (unsigned i = 0; i < std::size(kStrings); ++i)
         EXPECT_EQ(kStrings[i], Utf8(r.ReadAttribute(W(("s" + std::to_string(i)).c_str()))));
     r.ReadEndElement(W("attrs"));
 
@@ -237,23 +182,19 @@ void ReadAll(CXMLReader& r, CXMLPushbackReader* pushback) {
     EXPECT_FALSE(r.ReadToken());
 }
 
-std::string Written() {
+TEST(XMLRoundTrip, TypedValuesReadBackEqual) {
     CMemoryOutputStream out;
     CXMLTextWriter writer(&out, "UTF-8", 0);
     WriteAll(writer);
     writer.Close();
-    return std::string(out.GetBuffer(), out.GetBufferSize());
-}
-
-TEST(XMLRoundTrip, TypedValuesReadBackEqual) {
-    std::string const document = Written();
+    std::string const document(out.GetBuffer(), out.GetBufferSize());
     {
         SCOPED_TRACE("text reader");
         ReadAll(*ReaderOver(document), nullptr);
     }
     {
         SCOPED_TRACE("pushback reader over a text reader");
-        CXMLPushbackReader pushback(CRef<CXMLReader>(ReaderOver(document).release()), 3);
+        CXMLPushbackReader pushback(CRef<CXMLReader>(ReaderOver(document).release()), 6);
         ReadAll(pushback, &pushback);
     }
     // An independent parser finds the document well-formed.
