@@ -166,7 +166,9 @@ public:
     /// " xmlns="uri"" (an empty URI undeclares the default namespace).
     void WriteAttrDefaultNamespaceDeclaration(unsigned short const* uri) override;
     /// " xmlns:prefix="uri""; declaring again what the start tag already declares
-    /// (as WriteStartElement(prefix, local, uri) does) writes nothing.
+    /// (as WriteStartElement(prefix, local, uri) does) writes nothing. Binding the
+    /// prefix of the element or of one of its attributes already written to another
+    /// namespace fails with "This start element already declares the prefix.".
     void WriteAttrNamespaceDeclaration(unsigned short const* prefix,
                                        unsigned short const* uri) override;
 
@@ -271,6 +273,7 @@ private:
                       unsigned short const* declaredUri);
     void ElementWithValue(CName const& name, unsigned short const* declaredUri,
                           unsigned short const* value);
+    bool AttributeUsesPrefix(unsigned short const* prefix, unsigned long prefixLength) const;
     void AttributeText(CName const& name, unsigned short const* value);
     void AppendDeclaration(CName const& name, unsigned short const* uri);
     template <class Print> void PrintContent(Print print);

@@ -772,6 +772,19 @@ void CXMLTextWriter::AttributeText(CName const& name, unsigned short const* valu
     scope.Commit();
 }
 
+bool CXMLTextWriter::AttributeUsesPrefix(unsigned short const* prefix,
+                                         unsigned long prefixLength) const {
+    for (unsigned long i = 0; i < m_attributeNames.size();) {
+        unsigned short const* seen = &m_attributeNames[i];
+        unsigned long const seenLength = Vela::ucslen(seen);
+        i += seenLength + 1;
+        if (seenLength > prefixLength && seen[prefixLength] == ':' &&
+            Vela::ucsncmp(seen, prefix, prefixLength) == 0)
+            return true;
+    }
+    return false;
+}
+
 void CXMLTextWriter::WriteAttribute(unsigned short const* prefix, unsigned short const* local,
                                     unsigned short const* uri, unsigned short const* value) {
     CheckStartTagOpen();
@@ -869,6 +882,12 @@ void CXMLTextWriter::WriteAttrNamespaceDeclaration(unsigned short const* prefix,
     if (elementUri != nullptr && elementName.GetLength() > prefixLength &&
         elementName.GetAt(prefixLength) == ':' &&
         Vela::ucsncmp(elementName, prefix, prefixLength) == 0 && Vela::ucscmp(elementUri, uri) != 0)
+        Fail(__LINE__, "This start element already declares the prefix.");
+    // Nor the prefix of an attribute already written here: the attribute would change
+    // namespace, perhaps into one where another of the same local name stands.
+    unsigned short const* const inherited = m_contexts->LookupPrefix(prefix, prefixLength);
+    if ((inherited == nullptr || Vela::ucscmp(inherited, uri) != 0) &&
+        AttributeUsesPrefix(prefix, prefixLength))
         Fail(__LINE__, "This start element already declares the prefix.");
     CCallScope scope(*this);
     CName const name = {prefix, prefixLength, nullptr, 0};
