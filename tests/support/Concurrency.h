@@ -35,6 +35,18 @@ bool WaitUntil(P&& pred, std::chrono::milliseconds limit = std::chrono::seconds(
     return true;
 }
 
+// Whether another thread can take the waitable object `o` at once (and gives it back
+// if so).
+template <class S> bool FreeForOthers(S& o) {
+    bool free = false;
+    std::thread([&] {
+        free = o.TryAcquire(0);
+        if (free)
+            o.Release();
+    }).join();
+    return free;
+}
+
 } // namespace lumotest
 
 #endif

@@ -21,22 +21,8 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
+using lumotest::FreeForOthers;
 using lumotest::Thrown;
-
-namespace {
-
-// Whether another thread can take `o` at once (and gives it back if so).
-bool FreeForOthers(CSyncObject& o) {
-    bool free = false;
-    std::thread([&] {
-        free = o.TryAcquire(0);
-        if (free)
-            o.Release();
-    }).join();
-    return free;
-}
-
-} // namespace
 
 TEST(SingleLock, LocksOnceAndUnlocksOnce) {
     EXPECT_EQ(lumotest::Thrown<CIllegalArgumentException>([] { CSingleLock l(nullptr); }),

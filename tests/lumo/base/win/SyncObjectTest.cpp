@@ -22,25 +22,11 @@
 
 using namespace lumo::base;
 using namespace lumo::base::win;
+using lumotest::FreeForOthers;
 using lumotest::Thrown;
 using lumotest::WaitUntil;
 
-namespace {
-
 typedef CSyncObject S;
-
-// Whether another thread can take `o` at once (and gives it back if so).
-bool FreeForOthers(CSyncObject& o) {
-    bool free = false;
-    std::thread([&] {
-        free = o.TryAcquire(0);
-        if (free)
-            o.Release();
-    }).join();
-    return free;
-}
-
-} // namespace
 
 TEST(SyncObject, ArgumentsAreChecked) {
     CEvent a, b;
