@@ -22,6 +22,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumo {
@@ -377,11 +378,29 @@ private:
     std::vector<signed char> m_groups;
 };
 
-bool Extended(XMLCh const* options) {
+bool HasOption(XMLCh const* options, XMLCh option) {
     for (XMLCh const* o = options; *o != 0; ++o)
-        if (*o == u'x')
+        if (*o == option)
             return true;
     return false;
+}
+
+// Under "i" the engine folds the case of every character class as it parses it, and
+// an empty one breaks it; so a pattern that may subtract a class down to nothing is
+// first compiled without "i" to look. Such a pattern is refused as the engine's own
+// parse failures are.
+bool EmptyClassUnderCaseFolding(XMLCh const* pattern, XMLCh const* options,
+                                xercesc::MemoryManager* manager) {
+    if (!HasOption(options, u'i') ||
+        std::u16string_view(pattern).find(u"-[") == std::u16string_view::npos)
+        return false;
+    std::u16string plain;
+    for (XMLCh const* o = options; *o != 0; ++o)
+        if (*o != u'i')
+            plain += *o;
+    std::unique_ptr<detail::CompiledPattern> const probe(
+        new (manager) detail::CompiledPattern(pattern, plain.c_str(), manager));
+    return probe->HasEmptyClass();
 }
 
 // The compiled pattern may hold this many atoms beyond four per pattern unit: about
@@ -389,7 +408,8 @@ bool Extended(XMLCh const* options) {
 std::uint64_t const kMaxExtraAtoms = 100000;
 
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
-// exceptions while parsing) gives null and the engine's code; running out of memory,
+// exceptions while parsing) gives null and the engine's code (0 for an empty class
+// under "i"); running out of memory,
 // a pattern nesting too deep for the stack, repeating too much for memory or an empty
 // part without bound, or any other failure, is CMemoryException;
 // an engine not started,
@@ -398,10 +418,12 @@ detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
     if (NestsTooDeep(pattern))
         throw base::CMemoryException(kUnit, __LINE__);
-    PatternScan const scan(pattern, Extended(options));
+    PatternScan const scan(pattern, HasOption(options, u'x'));
     if (scan.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
         throw base::CMemoryException(kUnit, __LINE__);
     try {
+        if (EmptyClassUnderCaseFolding(pattern, options, manager))
+            return nullptr;
         std::unique_ptr<detail::CompiledPattern> compiled(
             new (manager) detail::CompiledPattern(pattern, options, manager));
         if (scan.RepeatsEmpty())
