@@ -33,9 +33,9 @@ public:
     /// pattern: CIllegalArgumentException "Invalid pattern."; null options:
     /// CIllegalArgumentException "Invalid options."; a pattern (or option letter) the
     /// engine rejects: CRegExParseException naming the pattern and, where the engine's
-    /// error has a readable counterpart, the reason (and, without a reason, under
-    /// option "i" a character class that a subtraction leaves empty, as in "[a-[a]]",
-    /// which the engine cannot fold); no memory, groups nested more
+    /// error has a readable counterpart, the reason (and, without a reason, a
+    /// character class that a subtraction leaves empty, as in "[a-[a]]", which the
+    /// engine cannot handle); no memory, groups nested more
     /// than 1000 deep, or a part that can match the empty text repeated without bound,
     /// as in "(a*)*b" or "(x?)+" (the engine would exhaust the stack, nesting deeper or
     /// looping without end), or counted repeats that the engine would write out into

@@ -16,6 +16,10 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
 #include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/regx/ParserForXMLSchema.hpp>
+#include <xercesc/util/regx/RangeToken.hpp>
+#include <xercesc/util/regx/RegxParser.hpp>
+#include <xercesc/util/regx/TokenFactory.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -385,22 +389,43 @@ bool HasOption(XMLCh const* options, XMLCh option) {
     return false;
 }
 
-// Under "i" the engine folds the case of every character class as it parses it, and
-// an empty one breaks it; so a pattern that may subtract a class down to nothing is
-// first compiled without "i" to look. Such a pattern is refused as the engine's own
-// parse failures are.
-bool EmptyClassUnderCaseFolding(XMLCh const* pattern, XMLCh const* options,
-                                xercesc::MemoryManager* manager) {
-    if (!HasOption(options, u'i') ||
-        std::u16string_view(pattern).find(u"-[") == std::u16string_view::npos)
+// A character class that subtraction leaves empty ("[a-[a]]", "[b-[a-z]]") breaks the
+// engine: folding its case under "i" while parsing, and its first-character analysis
+// in front of other parts ("[a-[a]]|b"), write past its memory. So a pattern that
+// subtracts is first parsed alone, without "i", and refused, as the engine's own
+// parse failures are, when a class of it is empty.
+bool HasEmptyClass(XMLCh const* pattern, XMLCh const* options, xercesc::MemoryManager* manager) {
+    if (std::u16string_view(pattern).find(u"-[") == std::u16string_view::npos)
         return false;
-    std::u16string plain;
-    for (XMLCh const* o = options; *o != 0; ++o)
-        if (*o != u'i')
-            plain += *o;
-    std::unique_ptr<detail::CompiledPattern> const probe(
-        new (manager) detail::CompiledPattern(pattern, plain.c_str(), manager));
-    return probe->HasEmptyClass();
+    using xercesc::RegularExpression;
+    int flags = 0;
+    if (HasOption(options, u'x'))
+        flags |= RegularExpression::EXTENDED_COMMENT;
+    if (HasOption(options, u'm'))
+        flags |= RegularExpression::MULTIPLE_LINE;
+    if (HasOption(options, u's'))
+        flags |= RegularExpression::SINGLE_LINE;
+    bool const schema = HasOption(options, u'X');
+    if (schema)
+        flags |= RegularExpression::XMLSCHEMA_MODE;
+    xercesc::TokenFactory factory(manager);
+    std::unique_ptr<xercesc::RegxParser> const parser(
+        schema ? new (manager) xercesc::ParserForXMLSchema(manager)
+               : new (manager) xercesc::RegxParser(manager));
+    parser->setTokenFactory(&factory);
+    std::vector<xercesc::Token const*> pending(1, parser->parse(pattern, flags));
+    while (!pending.empty()) {
+        xercesc::Token const* const token = pending.back();
+        pending.pop_back();
+        if (token == nullptr)
+            continue;
+        if (token->getTokenType() == xercesc::Token::T_RANGE &&
+            static_cast<xercesc::RangeToken const*>(token)->empty())
+            return true;
+        for (XMLSize_t i = 0; i < token->size(); ++i)
+            pending.push_back(token->getChild(i));
+    }
+    return false;
 }
 
 // The compiled pattern may hold this many atoms beyond four per pattern unit: about
@@ -408,8 +433,8 @@ bool EmptyClassUnderCaseFolding(XMLCh const* pattern, XMLCh const* options,
 std::uint64_t const kMaxExtraAtoms = 100000;
 
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
-// exceptions while parsing) gives null and the engine's code (0 for an empty class
-// under "i"); running out of memory,
+// exceptions while parsing) gives null and the engine's code (0 for an empty
+// class); running out of memory,
 // a pattern nesting too deep for the stack, repeating too much for memory or an empty
 // part without bound, or any other failure, is CMemoryException;
 // an engine not started,
@@ -422,7 +447,7 @@ detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int
     if (scan.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
         throw base::CMemoryException(kUnit, __LINE__);
     try {
-        if (EmptyClassUnderCaseFolding(pattern, options, manager))
+        if (HasEmptyClass(pattern, options, manager))
             return nullptr;
         std::unique_ptr<detail::CompiledPattern> compiled(
             new (manager) detail::CompiledPattern(pattern, options, manager));

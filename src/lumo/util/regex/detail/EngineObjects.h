@@ -6,12 +6,9 @@
 
 #include <lumo/base/Exception.h>
 
-#include <vector>
-
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/regx/Match.hpp>
-#include <xercesc/util/regx/RangeToken.hpp>
 #include <xercesc/util/regx/RegularExpression.hpp>
 
 namespace lumo {
@@ -41,25 +38,6 @@ public:
         return fFixedStringOnly && fFixedString != nullptr
                    ? xercesc::XMLString::stringLen(fFixedString)
                    : 0;
-    }
-
-    /// Whether a character class of the pattern holds no character at all (a
-    /// subtraction such as "[a-[a]]" leaves one); the engine cannot fold the case of
-    /// such a class and writes past its memory trying.
-    bool HasEmptyClass() const {
-        std::vector<xercesc::Token const*> pending(1, fTokenTree);
-        while (!pending.empty()) {
-            xercesc::Token const* const token = pending.back();
-            pending.pop_back();
-            if (token == nullptr)
-                continue;
-            if (token->getTokenType() == xercesc::Token::T_RANGE &&
-                static_cast<xercesc::RangeToken const*>(token)->empty())
-                return true;
-            for (XMLSize_t i = 0; i < token->size(); ++i)
-                pending.push_back(token->getChild(i));
-        }
-        return false;
     }
 };
 
