@@ -273,6 +273,7 @@ private:
                       unsigned short const* declaredUri);
     void ElementWithValue(CName const& name, unsigned short const* declaredUri,
                           unsigned short const* value);
+    CName RecordedAttribute(unsigned long& at) const;
     bool AttributeUsesPrefix(unsigned short const* prefix, unsigned long prefixLength) const;
     void AttributeText(CName const& name, unsigned short const* value);
     void AppendDeclaration(CName const& name, unsigned short const* uri);

@@ -728,23 +728,16 @@ void CXMLTextWriter::AttributeText(CName const& name, unsigned short const* valu
     unsigned short const* const uri =
         name.prefixLength > 0 ? m_contexts->LookupPrefix(name.prefix, name.prefixLength) : nullptr;
     for (unsigned long i = 0; i < m_attributeNames.size();) {
-        unsigned short const* seen = &m_attributeNames[i];
-        unsigned long const seenLength = Vela::ucslen(seen);
-        i += seenLength + 1;
-        unsigned long colon = 0;
-        while (colon < seenLength && seen[colon] != ':')
-            ++colon;
-        bool const seenPrefixed = colon < seenLength;
-        unsigned short const* const seenLocal = seenPrefixed ? seen + colon + 1 : seen;
-        unsigned long const seenLocalLength = seenPrefixed ? seenLength - colon - 1 : seenLength;
-        if (seenLocalLength != name.localLength ||
-            Vela::ucsncmp(seenLocal, name.local, name.localLength) != 0)
+        CName const seen = RecordedAttribute(i);
+        if (seen.localLength != name.localLength ||
+            Vela::ucsncmp(seen.local, name.local, name.localLength) != 0)
             continue;
-        bool const samePrefix = seenPrefixed ? colon == name.prefixLength &&
-                                                   Vela::ucsncmp(seen, name.prefix, colon) == 0
-                                             : name.prefixLength == 0;
+        bool const samePrefix = seen.prefixLength == name.prefixLength &&
+                                Vela::ucsncmp(seen.prefix, name.prefix, seen.prefixLength) == 0;
         unsigned short const* const seenUri =
-            seenPrefixed && uri != nullptr ? m_contexts->LookupPrefix(seen, colon) : nullptr;
+            seen.prefixLength > 0 && uri != nullptr
+                ? m_contexts->LookupPrefix(seen.prefix, seen.prefixLength)
+                : nullptr;
         if (samePrefix || (seenUri != nullptr && Vela::ucscmp(seenUri, uri) == 0))
             Fail(__LINE__, "Duplicate attribute.");
     }
@@ -772,14 +765,26 @@ void CXMLTextWriter::AttributeText(CName const& name, unsigned short const* valu
     scope.Commit();
 }
 
+// The attribute name recorded at `at` in m_attributeNames, split at its colon; `at`
+// moves on to the next one.
+CXMLTextWriter::CName CXMLTextWriter::RecordedAttribute(unsigned long& at) const {
+    unsigned short const* const seen = &m_attributeNames[at];
+    unsigned long const length = Vela::ucslen(seen);
+    at += length + 1;
+    unsigned long colon = 0;
+    while (colon < length && seen[colon] != ':')
+        ++colon;
+    if (colon == length)
+        return CName{nullptr, 0, seen, length};
+    return CName{seen, colon, seen + colon + 1, length - colon - 1};
+}
+
 bool CXMLTextWriter::AttributeUsesPrefix(unsigned short const* prefix,
                                          unsigned long prefixLength) const {
     for (unsigned long i = 0; i < m_attributeNames.size();) {
-        unsigned short const* seen = &m_attributeNames[i];
-        unsigned long const seenLength = Vela::ucslen(seen);
-        i += seenLength + 1;
-        if (seenLength > prefixLength && seen[prefixLength] == ':' &&
-            Vela::ucsncmp(seen, prefix, prefixLength) == 0)
+        CName const seen = RecordedAttribute(i);
+        if (seen.prefixLength == prefixLength &&
+            Vela::ucsncmp(seen.prefix, prefix, prefixLength) == 0)
             return true;
     }
     return false;
