@@ -35,12 +35,13 @@ public:
     /// engine rejects: CRegExParseException naming the pattern and, where the engine's
     /// error has a readable counterpart, the reason (and, without a reason, a
     /// character class that a subtraction leaves empty, as in "[a-[a]]", which the
-    /// engine cannot handle); no memory, groups nested more
-    /// than 1000 deep, or a part that can match the empty text repeated without bound,
-    /// as in "(a*)*b" or "(x?)+" (the engine would exhaust the stack, nesting deeper or
-    /// looping without end), or counted repeats that the engine would write out into
-    /// more than about 100000 atoms beyond four per pattern character, as in
-    /// "a{3000000}" or "(a{400}){400}": CMemoryException.
+    /// engine cannot handle); no memory, groups (or classes subtracted inside classes)
+    /// nested more than 1000 deep, or a part that can match the empty text repeated
+    /// without bound, as in "(a*)*b" or "(x?)+" (the engine would exhaust the stack,
+    /// nesting deeper or looping without end), or counted repeats that the engine would
+    /// write out into more than about 100000 atoms beyond four per pattern character, as
+    /// in "a{3000000}" or "(a{400}){400}", or with a count above 2147483647 (which the
+    /// engine would wrap round): CMemoryException.
     ///@{
     explicit CRegEx(char const* pattern);
     CRegEx(char const* pattern, char const* options);

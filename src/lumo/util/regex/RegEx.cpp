@@ -18,7 +18,9 @@
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/regx/ParserForXMLSchema.hpp>
 #include <xercesc/util/regx/RangeToken.hpp>
+#include <xercesc/util/regx/RegularExpression.hpp>
 #include <xercesc/util/regx/RegxParser.hpp>
+#include <xercesc/util/regx/Token.hpp>
 #include <xercesc/util/regx/TokenFactory.hpp>
 
 #include <algorithm>
@@ -91,367 +93,241 @@ char const* ReasonFor(int code) {
             return entry.index != 0 ? detail::LoadMessage(entry.index) : nullptr;
     return nullptr;
 }
+// The pattern as the engine reads it in extended mode: white space dropped and "#"
+// comments to the line end, except where escaped ("\#" is a "#").
+std::u16string Stripped(XMLCh const* p) {
+    std::u16string out;
+    while (*p != 0) {
+        XMLCh const c = *p++;
+        if (c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f')
+            continue;
+        if (c == u'#') {
+            while (*p != 0 && *p != u'\n' && *p != u'\r')
+                ++p;
+            continue;
+        }
+        if (c == u'\\' && *p != 0) {
+            XMLCh const e = *p++;
+            if (e != u'#')
+                out += c;
+            out += e;
+            continue;
+        }
+        out += c;
+    }
+    return out;
+}
 
-// The engine's parser recurses once per open group and has no limit of its own, so a
-// pattern nesting deeper than this would exhaust the stack; it is refused first.
-int const kMaxGroupNesting = 1000;
+bool IsDigit(XMLCh c) {
+    return c >= u'0' && c <= u'9';
+}
 
-bool NestsTooDeep(XMLCh const* pattern) {
-    int depth = 0;
-    bool inClass = false;
-    for (XMLCh const* p = pattern; *p != 0; ++p) {
-        if (*p == u'\\') {
+// The engine's parser recurses once per group and per class subtracted inside a class,
+// without a limit of its own, so deeper nesting than this would exhaust the stack.
+int const kMaxNesting = 1000;
+
+// Whether the text (as the engine reads it) nests deeper than kMaxNesting, or writes a
+// count above the engine's int, which it would silently wrap. Classes are followed as
+// the engine's parser does: "]" and "-[" are plain characters as a class's first item,
+// "[:" opens a POSIX name, "-[" elsewhere opens a subtracted class, and any other "["
+// is a plain character.
+bool ExceedsEngine(std::u16string const& text) {
+    int depth = 0;   // open groups and classes
+    int classes = 0; // of which classes
+    bool first = false;
+    for (XMLCh const* p = text.c_str(); *p != 0; ++p) {
+        XMLCh const c = *p;
+        bool const atFirst = first;
+        first = false;
+        if (c == u'\\') {
             if (*++p == 0)
                 break;
-        } else if (inClass) {
-            inClass = *p != u']';
-        } else if (*p == u'[') {
-            inClass = true;
-        } else if (*p == u'(') {
-            if (++depth > kMaxGroupNesting)
+            if ((*p == u'p' || *p == u'P' || *p == u'x') && p[1] == u'{')
+                while (p[1] != 0 && *++p != u'}') {
+                }
+        } else if (classes > 0) {
+            if (c == u']' && !atFirst) {
+                --classes;
+                --depth;
+            } else if (c == u'-' && p[1] == u'[' && !atFirst) {
+                ++p;
+                ++classes;
+                if (++depth > kMaxNesting)
+                    return true;
+                first = true;
+                if (p[1] == u'^')
+                    ++p;
+            } else if (c == u'[' && p[1] == u':') {
+                for (p += 2; *p != 0 && !(p[0] == u':' && p[1] == u']'); ++p) {
+                }
+                if (*p == 0)
+                    break;
+                ++p;
+            }
+        } else if (c == u'[') {
+            ++classes;
+            if (++depth > kMaxNesting)
                 return true;
-        } else if (*p == u')' && depth > 0) {
+            first = true;
+            if (p[1] == u'^')
+                ++p;
+        } else if (c == u'(') {
+            if (++depth > kMaxNesting)
+                return true;
+        } else if (c == u')' && depth > 0) {
             --depth;
+        } else if (c == u'{') {
+            // {n}, {n,} or {n,m}: the quantities are read further on as plain characters.
+            std::uint64_t value = 0;
+            for (XMLCh const* q = p + 1; IsDigit(*q) || *q == u','; ++q) {
+                value = *q == u',' ? 0 : value * 10 + std::uint64_t(*q - u'0');
+                if (value > std::uint64_t(INT32_MAX))
+                    return true;
+            }
         }
     }
     return false;
 }
 
-// The engine loops without end, until the stack is gone, when a group that can match the
-// empty text is repeated without bound ((a*)*b, (a?)+) and a match has to backtrack into
-// it; and its compiler writes a counted repeat out copy by copy, so "a{3000000}" takes
-// hundreds of megabytes. The scan below follows the engine's syntax far enough to tell
-// which parts can match the empty text (assuming they can where it is unsure) and how
-// many atoms the compiled pattern holds once repeats are written out.
-class PatternScan {
+// What the engine will make of a parsed pattern: how many atoms its compiler writes out
+// (a counted repeat is written copy by copy), whether a part that can match the empty
+// text is repeated without bound (matching it would loop until the stack is gone), and
+// whether a class is empty (a subtraction left nothing: folding its case, or analysing
+// it in front of other parts, the engine writes past its memory).
+class TreeFacts {
 public:
-    PatternScan(XMLCh const* pattern, bool extended)
-        : m_text(extended ? Stripped(pattern) : std::u16string(pattern)), m_p(m_text.c_str()) {
-        while (*m_p != 0) {
-            Alternation();
-            m_size = Saturate(m_size + m_last);
-            if (*m_p != 0)
-                ++m_p; // an unbalanced ')'
-        }
-    }
+    explicit TreeFacts(xercesc::Token const* root) { Walk(root); }
 
-    bool RepeatsEmpty() const { return m_found; }
-    // Atoms after repeats are written out (saturating far above any limit).
-    std::uint64_t Size() const { return m_size; }
+    std::uint64_t Size() const { return m_last; } // saturating far above any limit
+    bool RepeatsEmpty() const { return m_repeatsEmpty; }
+    bool HasEmptyClass() const { return m_emptyClass; }
 
 private:
-    static bool IsDigit(XMLCh c) { return c >= u'0' && c <= u'9'; }
     static std::uint64_t Saturate(std::uint64_t n) { return n < kHuge ? n : kHuge; }
 
-    // The pattern as the engine reads it in extended mode: white space dropped and "#"
-    // comments to the line end, except where escaped ("\#" is a "#").
-    static std::u16string Stripped(XMLCh const* p) {
-        std::u16string out;
-        while (*p != 0) {
-            XMLCh const c = *p++;
-            if (c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f')
-                continue;
-            if (c == u'#') {
-                while (*p != 0 && *p != u'\n' && *p != u'\r')
-                    ++p;
-                continue;
-            }
-            if (c == u'\\' && *p != 0) {
-                XMLCh const e = *p++;
-                if (e != u'#')
-                    out += c;
-                out += e;
-                continue;
-            }
-            out += c;
-        }
-        return out;
-    }
-    // Skips to just past the next `close`, or to the end.
-    void SkipPast(XMLCh close) {
-        while (*m_p != 0 && *m_p++ != close) {
-        }
-    }
-
-    // Each of these returns whether its part can match the empty text and leaves the
-    // part's size in m_last.
-    bool Alternation() {
-        bool nullable = Sequence();
-        std::uint64_t size = m_last;
-        while (*m_p == u'|') {
-            ++m_p;
-            nullable = Sequence() || nullable;
-            size = Saturate(size + m_last);
-        }
-        m_last = size;
-        return nullable;
-    }
-
-    bool Sequence() {
-        bool nullable = true;
-        std::uint64_t size = 0;
-        for (;;) {
-            if (*m_p == 0 || *m_p == u'|' || *m_p == u')') {
-                m_last = size;
-                return nullable;
-            }
-            bool atom = Atom();
-            std::uint64_t atomSize = m_last;
-            bool optional = false, unbounded = false;
-            std::uint64_t copies = 1;
-            if (Quantifier(optional, unbounded, copies)) {
-                if (unbounded && atom)
-                    m_found = true;
-                atom = atom || optional;
-                atomSize = Saturate(atomSize * copies);
-            }
-            size = Saturate(size + atomSize);
-            nullable = nullable && atom;
-        }
-    }
-
-    // *, +, ?, {n}, {n,}, {n,m}, each perhaps lazy; `copies` is what the compiler writes
-    // out: the larger count, plus one for an open end.
-    bool Quantifier(bool& optional, bool& unbounded, std::uint64_t& copies) {
-        XMLCh const c = *m_p;
-        if (c == u'*' || c == u'+' || c == u'?') {
-            ++m_p;
-            optional = c != u'+';
-            unbounded = c != u'?';
-        } else if (c == u'{') {
-            XMLCh const* q = m_p + 1;
-            bool minimum = false, comma = false, maximum = false;
-            std::uint64_t low = 0, high = 0;
-            for (; IsDigit(*q); ++q) {
-                minimum = true;
-                low = Saturate(low * 10 + std::uint64_t(*q - u'0'));
-            }
-            if (*q == u',') {
-                comma = true;
-                for (++q; IsDigit(*q); ++q) {
-                    maximum = true;
-                    high = Saturate(high * 10 + std::uint64_t(*q - u'0'));
-                }
-            }
-            if (*q != u'}' || (!minimum && !maximum))
-                return false;
-            optional = low == 0;
-            unbounded = comma && !maximum;
-            copies = std::max<std::uint64_t>(std::max(low, high), 1) + (unbounded ? 1 : 0);
-            m_p = q + 1;
-        } else {
-            return false;
-        }
-        if (*m_p == u'?')
-            ++m_p;
-        return true;
-    }
-
-    // One atom; whether it can match the empty text.
-    bool Atom() {
+    // Whether the token can match the empty text; leaves its size in m_last.
+    bool Walk(xercesc::Token const* token) {
+        using xercesc::Token;
         m_last = 1;
-        XMLCh const c = *m_p++;
-        if (c == u'(')
-            return Group();
-        if (c == u'[') {
-            SkipClass();
-            return false;
-        }
-        if (c == u'\\')
-            return Escape();
-        return c == u'^' || c == u'$';
-    }
-
-    bool Group() {
-        bool capturing = false, zeroWidth = false;
-        if (*m_p == u'?') {
-            XMLCh const kind = *++m_p;
-            if (kind == u':' || kind == u'>') {
-                ++m_p;
-            } else if (kind == u'=' || kind == u'!') {
-                ++m_p;
-                zeroWidth = true;
-            } else if (kind == u'<' && (m_p[1] == u'=' || m_p[1] == u'!')) {
-                m_p += 2;
-                zeroWidth = true;
-            } else if (kind == u'#') {
-                SkipPast(u')');
-                return true;
-            } else if (kind == u'(') {
-                // A conditional: a group number or a look-around, then its choices.
-                ++m_p;
-                if (IsDigit(*m_p))
-                    SkipPast(u')');
-                else
-                    Group();
-                zeroWidth = true;
-            } else {
-                // Option letters, then ':' and a group, or ')' alone.
-                while (*m_p != 0 && *m_p != u':' && *m_p != u')')
-                    ++m_p;
-                if (*m_p == 0 || *m_p++ == u')')
-                    return true;
-            }
-        } else {
-            capturing = true;
-            m_groups.push_back(-1);
-        }
-        std::size_t const index = m_groups.size() - 1;
-        bool const nullable = Alternation() || zeroWidth;
-        m_last = Saturate(m_last + 1);
-        if (*m_p == u')')
-            ++m_p;
-        if (capturing)
-            m_groups[index] = nullable ? 1 : 0;
-        return nullable;
-    }
-
-    bool Escape() {
-        XMLCh const c = *m_p;
-        if (c == 0)
-            return false;
-        ++m_p;
-        switch (c) {
-        case u'b':
-        case u'B':
-        case u'A':
-        case u'Z':
-        case u'z':
-        case u'<':
-        case u'>':
+        if (token == nullptr)
             return true;
-        case u'p':
-        case u'P':
-        case u'x':
-            if (*m_p == u'{')
-                SkipPast(u'}');
+        switch (token->getTokenType()) {
+        case Token::T_RANGE:
+            if (static_cast<xercesc::RangeToken const*>(token)->empty())
+                m_emptyClass = true;
             return false;
-        default:
-            break;
+        case Token::T_NRANGE:
+        case Token::T_CHAR:
+        case Token::T_DOT:
+            return false;
+        case Token::T_STRING:
+            return token->getString() == nullptr || *token->getString() == 0;
+        case Token::T_BACKREFERENCE: {
+            // Matches what its group did: empty when the group can be (or is not known yet).
+            std::size_t const group = std::size_t(std::max(token->getReferenceNo(), 0));
+            return group == 0 || group > m_groups.size() || m_groups[group - 1] != 0;
         }
-        if (c >= u'1' && c <= u'9') {
-            // A back reference matches what its group did: empty when the group can be.
-            std::size_t const group = std::size_t(c - u'0');
-            return group > m_groups.size() || m_groups[group - 1] != 0;
+        case Token::T_PAREN: {
+            std::size_t const group = std::size_t(std::max(token->getNoParen(), 0));
+            if (group > m_groups.size())
+                m_groups.resize(group, -1);
+            bool const nullable = Walk(token->getChild(0));
+            m_last = Saturate(m_last + 2);
+            if (group > 0)
+                m_groups[group - 1] = nullable ? 1 : 0;
+            return nullable;
         }
-        return false;
-    }
-
-    // Past the ']' that closes a class: escapes, POSIX names and nested classes
-    // (subtractions) are stepped over whole; nesting is counted, not recursed into.
-    void SkipClass() {
-        int depth = 1;
-        bool first = true;
-        if (*m_p == u'^')
-            ++m_p;
-        while (*m_p != 0) {
-            XMLCh const c = *m_p++;
-            if (c == u']' && !first) {
-                if (--depth == 0)
-                    return;
-                continue;
+        case Token::T_CONCAT:
+        case Token::T_UNION: {
+            bool const any = token->getTokenType() == Token::T_UNION;
+            bool nullable = !any;
+            std::uint64_t size = any ? 1 : 0;
+            for (XMLSize_t i = 0; i < token->size(); ++i) {
+                bool const part = Walk(token->getChild(i));
+                nullable = any ? nullable || part : nullable && part;
+                size = Saturate(size + m_last);
             }
-            first = false;
-            if (c == u'\\') {
-                XMLCh const e = *m_p;
-                if (e != 0)
-                    ++m_p;
-                if ((e == u'p' || e == u'P' || e == u'x') && *m_p == u'{')
-                    SkipPast(u'}');
-            } else if (c == u'[' && *m_p == u':') {
-                for (++m_p; *m_p != 0 && !(m_p[0] == u':' && m_p[1] == u']'); ++m_p) {
-                }
-                if (*m_p != 0)
-                    m_p += 2;
-            } else if (c == u'[') {
-                ++depth;
-                first = true;
-                if (*m_p == u'^')
-                    ++m_p;
-            }
+            m_last = size;
+            return nullable;
+        }
+        case Token::T_CLOSURE:
+        case Token::T_NONGREEDYCLOSURE:
+            return Repeat(token->getMin(), token->getMax(), token->getChild(0));
+        default: // the empty token, anchors, and anything unforeseen
+            return true;
         }
     }
 
-    std::u16string const m_text;
-    XMLCh const* m_p;
-    bool m_found = false;
-    std::uint64_t m_last = 0;
-    std::uint64_t m_size = 0;
+    // The compiler writes {n} as n copies; otherwise the bounded copies of {n,m} or one
+    // loop for an open end, after n copies of the minimum. -1 is "not given".
+    bool Repeat(int min, int max, xercesc::Token const* child) {
+        bool const nullable = Walk(child);
+        std::uint64_t const lower = std::uint64_t(std::max(min, 0));
+        std::uint64_t copies = lower;
+        if (!(min >= 0 && min == max)) {
+            bool const bounded = max > 0 && max > min;
+            copies += bounded ? std::uint64_t(max) - lower : 1;
+            if (!bounded && nullable)
+                m_repeatsEmpty = true;
+        }
+        m_last = Saturate(m_last * copies);
+        return nullable || min <= 0;
+    }
+
     static constexpr std::uint64_t kHuge = std::uint64_t(1) << 40;
+    std::uint64_t m_last = 0;
+    bool m_repeatsEmpty = false;
+    bool m_emptyClass = false;
     // Per capturing group by number: -1 while open, 1 when it can match the empty text.
     std::vector<signed char> m_groups;
 };
-
-bool HasOption(XMLCh const* options, XMLCh option) {
-    for (XMLCh const* o = options; *o != 0; ++o)
-        if (*o == option)
-            return true;
-    return false;
-}
-
-// A character class that subtraction leaves empty ("[a-[a]]", "[b-[a-z]]") breaks the
-// engine: folding its case under "i" while parsing, and its first-character analysis
-// in front of other parts ("[a-[a]]|b"), write past its memory. So a pattern that
-// subtracts is first parsed alone, without "i", and refused, as the engine's own
-// parse failures are, when a class of it is empty.
-bool HasEmptyClass(XMLCh const* pattern, XMLCh const* options, xercesc::MemoryManager* manager) {
-    if (std::u16string_view(pattern).find(u"-[") == std::u16string_view::npos)
-        return false;
-    using xercesc::RegularExpression;
-    int flags = 0;
-    if (HasOption(options, u'x'))
-        flags |= RegularExpression::EXTENDED_COMMENT;
-    if (HasOption(options, u'm'))
-        flags |= RegularExpression::MULTIPLE_LINE;
-    if (HasOption(options, u's'))
-        flags |= RegularExpression::SINGLE_LINE;
-    bool const schema = HasOption(options, u'X');
-    if (schema)
-        flags |= RegularExpression::XMLSCHEMA_MODE;
-    xercesc::TokenFactory factory(manager);
-    std::unique_ptr<xercesc::RegxParser> const parser(
-        schema ? new (manager) xercesc::ParserForXMLSchema(manager)
-               : new (manager) xercesc::RegxParser(manager));
-    parser->setTokenFactory(&factory);
-    std::vector<xercesc::Token const*> pending(1, parser->parse(pattern, flags));
-    while (!pending.empty()) {
-        xercesc::Token const* const token = pending.back();
-        pending.pop_back();
-        if (token == nullptr)
-            continue;
-        if (token->getTokenType() == xercesc::Token::T_RANGE &&
-            static_cast<xercesc::RangeToken const*>(token)->empty())
-            return true;
-        for (XMLSize_t i = 0; i < token->size(); ++i)
-            pending.push_back(token->getChild(i));
-    }
-    return false;
-}
 
 // The compiled pattern may hold this many atoms beyond four per pattern unit: about
 // twelve megabytes of the engine's nodes.
 std::uint64_t const kMaxExtraAtoms = 100000;
 
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
-// exceptions while parsing) gives null and the engine's code (0 for an empty
-// class); running out of memory,
-// a pattern nesting too deep for the stack, repeating too much for memory or an empty
-// part without bound, or any other failure, is CMemoryException;
-// an engine not started,
-// CIllegalStateException.
+// exceptions while parsing) gives null and the engine's code (0 for an empty class);
+// running out of memory, a pattern nesting too deep for the stack, repeating too much
+// for memory or an empty part without bound, or any other failure, is
+// CMemoryException; an engine not started, CIllegalStateException.
 detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int& code) {
+    using xercesc::RegularExpression;
     xercesc::MemoryManager* const manager = detail::EngineMemory(kUnit, __LINE__);
-    if (NestsTooDeep(pattern))
-        throw base::CMemoryException(kUnit, __LINE__);
-    PatternScan const scan(pattern, HasOption(options, u'x'));
-    if (scan.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
+    // The option flags that shape the parse; unknown letters are left for the engine to
+    // refuse, and "i" is left out, as the engine folds classes while parsing under it.
+    int flags = 0;
+    bool known = true;
+    for (XMLCh const* o = options; *o != 0; ++o) {
+        int const flag = RegularExpression::getOptionValue(*o);
+        known = known && flag != 0;
+        if (*o != u'i')
+            flags |= flag;
+    }
+    bool const extended = (flags & RegularExpression::EXTENDED_COMMENT) != 0;
+    if (ExceedsEngine(extended ? Stripped(pattern) : std::u16string(pattern)))
         throw base::CMemoryException(kUnit, __LINE__);
     try {
-        if (HasEmptyClass(pattern, options, manager))
-            return nullptr;
+        // Parsed alone first, so that what the engine cannot compile is refused before
+        // it tries.
+        bool repeatsEmpty = false;
+        if (known) {
+            xercesc::TokenFactory factory(manager);
+            std::unique_ptr<xercesc::RegxParser> const parser(
+                (flags & RegularExpression::XMLSCHEMA_MODE) != 0
+                    ? new (manager) xercesc::ParserForXMLSchema(manager)
+                    : new (manager) xercesc::RegxParser(manager));
+            parser->setTokenFactory(&factory);
+            TreeFacts const facts(parser->parse(pattern, flags));
+            if (facts.HasEmptyClass())
+                return nullptr;
+            if (facts.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
+                throw base::CMemoryException(kUnit, __LINE__);
+            repeatsEmpty = facts.RepeatsEmpty();
+        }
         std::unique_ptr<detail::CompiledPattern> compiled(
             new (manager) detail::CompiledPattern(pattern, options, manager));
-        if (scan.RepeatsEmpty())
+        if (repeatsEmpty)
             throw base::CMemoryException(kUnit, __LINE__);
         return compiled.release();
     } catch (base::CMemoryException const&) {
@@ -465,7 +341,6 @@ detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int
         throw base::CMemoryException(kUnit, __LINE__);
     }
 }
-
 // 8-bit (UTF-8) text as the engine's UTF-16. ASCII text is widened as it is, and its
 // positions are the same in both; otherwise each unit remembers the byte where its
 // character starts, so that positions can be turned back into bytes.

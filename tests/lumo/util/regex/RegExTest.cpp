@@ -224,6 +224,10 @@ TEST(RegExTest, LargeAndPathologicalInputs) {
               "Regular expression '" + big + "(' is invalid due to : '')' is expected.'.");
     // Groups nested 1 MiB deep are refused before the engine's parser exhausts the stack.
     EXPECT_THROW(CRegEx(std::string(1u << 20, '(').c_str()), CMemoryException);
+    std::string classes;
+    for (int i = 0; i < 100000; ++i)
+        classes += "[a-";
+    EXPECT_THROW(CRegEx((classes + "b" + std::string(100000, ']')).c_str()), CMemoryException);
     EXPECT_TRUE(
         CRegEx((std::string(1000, '(') + "a" + std::string(1000, ')')).c_str()).Matches("a"));
     // A part that can match nothing, repeated without bound, would loop the engine without
@@ -233,8 +237,11 @@ TEST(RegExTest, LargeAndPathologicalInputs) {
         EXPECT_THROW(CRegEx{looping}, CMemoryException) << looping;
     EXPECT_THROW(CRegEx("( a *)*", "x"), CMemoryException);
     // Counted repeats are written out copy by copy: a few million copies are refused
-    // before the engine spends hundreds of megabytes on them; thousands are fine.
-    for (char const* huge : {"a{3000000}", "x(a{2000}){2000}", "[ab]{1,3000000}"})
+    // before the engine spends hundreds of megabytes on them, behind a class that starts
+    // with a plain "-[" too; thousands are fine. A count the engine would wrap round
+    // (to 1 here) is refused as well.
+    for (char const* huge :
+         {"a{3000000}", "x(a{2000}){2000}", "[ab]{1,3000000}", "[-[a]+b{3000000}", "a{4294967297}"})
         EXPECT_THROW(CRegEx{huge}, CMemoryException) << huge;
     // Extended mode drops white space and comments before it reads a count.
     EXPECT_THROW(CRegEx("a{30 00#x\n000}", "x"), CMemoryException);
