@@ -9,6 +9,7 @@
 #include "../../vela/detail/Utf8Codec.h"
 #include "StringCore.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdarg>
 #include <cstddef>
@@ -133,6 +134,21 @@ void TrimText(char*& text, char const* set, std::size_t setLength, bool right) {
     Core::CutAt(text, keep - text, right);
 }
 
+// A fresh buffer holding [text, end) in UTF-8 (null for no text); unpaired surrogates
+// become '?', as in the 8-bit routines. At most 0x7FFFFFFF units are taken.
+char* Encoded(unsigned short const* text, unsigned short const* end) {
+    if (end - text > 0x7FFFFFFF)
+        end = text + 0x7FFFFFFF;
+    std::uint64_t const needed = utf8::CountBytes<utf8::Question>(text, end);
+    if (needed == 0)
+        return nullptr;
+    char* fresh = Core::NewBuffer(needed + 1);
+    utf8::Question policy;
+    auto* const out = reinterpret_cast<utf8::Byte*>(fresh);
+    Core::SetTextLength(fresh, utf8::Encode(text, end, out, out + needed, policy).bytes);
+    return fresh;
+}
+
 } // namespace
 
 void CString::FreeBuffer(char* text) noexcept {
@@ -157,22 +173,9 @@ CString::CString(unsigned short const* text) : m_text(nullptr) {
 }
 
 CString::CString(unsigned short const* text, unsigned long n) : m_text(nullptr) {
-    if (text == nullptr)
-        return;
-    // The text ends at its first 0 unit; unpaired surrogates become '?', as in the
-    // 8-bit routines.
-    unsigned short const* const end =
-        utf8::FindZero(text, text + (n < 0x7FFFFFFFul ? n : 0x7FFFFFFFul));
-    std::uint64_t const needed = utf8::CountBytes<utf8::Question>(text, end);
-    if (needed == 0)
-        return;
-    std::size_t const units = std::size_t(end - text);
-    char* fresh = Core::NewBuffer(needed + 1);
-    utf8::Question policy;
-    auto* const out = reinterpret_cast<utf8::Byte*>(fresh);
-    std::size_t const written = utf8::Encode(text, text + units, out, out + needed, policy).bytes;
-    Core::SetTextLength(fresh, written);
-    m_text = fresh;
+    // The text ends at its first 0 unit.
+    if (text != nullptr)
+        m_text = Encoded(text, utf8::FindZero(text, text + std::min(n, 0x7FFFFFFFul)));
 }
 
 CString::CString(CStringH const& other) : m_text(nullptr) {
@@ -199,8 +202,10 @@ CString& CString::operator=(char const* s) {
 }
 
 CString& CString::operator=(unsigned short const* text) {
-    CString converted(text, text == nullptr ? 0 : Vela::ucslen(text));
-    return *this = static_cast<CString&&>(converted);
+    char* const fresh =
+        text == nullptr ? nullptr : Encoded(text, utf8::FindZero<false>(text, nullptr));
+    Core::Adopt(m_text, fresh);
+    return *this;
 }
 
 CString& CString::operator=(CStringH const& other) {

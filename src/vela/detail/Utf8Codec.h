@@ -12,6 +12,13 @@
 #if VELA_HAVE_SSE2
 #include <emmintrin.h>
 #endif
+// Shuffles that pack mixed scripts, where the processor has them (x86 with SSSE3).
+#if VELA_HAVE_SSE2 && (defined(__x86_64__) || defined(__i386__))
+#define VELA_UTF8_SSSE3 1
+#include "Utf8Ssse3.h"
+#else
+#define VELA_UTF8_SSSE3 0
+#endif
 
 // Every conversion between UTF-8 bytes and UTF-16 units in the library runs here. The
 // callers differ only in what they do with input that has no exact counterpart, so
@@ -637,8 +644,6 @@ EncodeResult Encode(Unit const* begin, Unit const* end, Byte* out, Byte* outEnd,
     std::ptrdiff_t const blockRoom = 16 * 3 + 4 + 1;
 #if VELA_HAVE_SSE2
     __m128i const nonAscii = _mm_set1_epi16(short(0xFF80));
-    __m128i const aboveTwoBytes = _mm_set1_epi16(short(0xF800));
-    __m128i const surrogates = _mm_set1_epi16(short(0xD800));
     __m128i const zero = _mm_setzero_si128();
     auto lanes = [](__m128i a, __m128i b) { // one bit per unit of the block
         return unsigned(_mm_movemask_epi8(_mm_packs_epi16(a, b)));
@@ -656,25 +661,17 @@ EncodeResult Encode(Unit const* begin, Unit const* end, Byte* out, Byte* outEnd,
             out += 16;
             continue;
         }
-        __m128i const highA = _mm_and_si128(a, aboveTwoBytes);
-        __m128i const highB = _mm_and_si128(b, aboveTwoBytes);
-        __m128i const shortA = _mm_cmpeq_epi16(highA, zero);
-        __m128i const shortB = _mm_cmpeq_epi16(highB, zero);
-        if (lanes(shortA, shortB) == 0xFFFF) {
-            // Latin, Greek, Cyrillic...: one or two bytes a unit, without branches.
-            for (int k = 0; k < 16; ++k)
-                EncodeShort(p[k], out);
-            p += 16;
+#if VELA_UTF8_SSSE3
+        __m128i const surrogateBits = _mm_set1_epi16(short(0xF800));
+        __m128i const surrogates = _mm_set1_epi16(short(0xD800));
+        if (gHaveSsse3 &&
+            lanes(_mm_cmpeq_epi16(_mm_and_si128(a, surrogateBits), surrogates),
+                  _mm_cmpeq_epi16(_mm_and_si128(b, surrogateBits), surrogates)) == 0) {
+            // Packed by shuffles, eight units at a time, whatever the scripts.
+            p += EncodeBmpBlocks(p, end, out, outEnd);
             continue;
         }
-        if (lanes(_mm_or_si128(shortA, _mm_cmpeq_epi16(highA, surrogates)),
-                  _mm_or_si128(shortB, _mm_cmpeq_epi16(highB, surrogates))) == 0) {
-            // CJK and the like: three bytes a unit.
-            for (int k = 0; k < 16; ++k)
-                EncodeThree(p[k], out);
-            p += 16;
-            continue;
-        }
+#endif
         unsigned const lead = unsigned(__builtin_ctz(~ascii));
         Unit const* const stop = p + 16;
         p += lead;
