@@ -24,7 +24,9 @@ class CompiledPattern;
 /// 8-bit patterns and texts are UTF-8 (a malformed byte is one character of its own,
 /// seen by the engine as U+FFFD); positions and ranges in 8-bit text count bytes, in
 /// UTF-16 text units. Matching searches: it succeeds when the pattern matches anywhere
-/// in the text (or range).
+/// in the text (or range). It backtracks, without a step limit: with repeats inside
+/// repeats or choices that overlap ("(a+)+b", "(a|aa)*b"), a text that does not match
+/// can take time exponential in its length.
 class LUMO_API CRegEx : public base::CObject {
     LUMO_DECLARE_CLASS(CRegEx);
 
