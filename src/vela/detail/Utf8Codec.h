@@ -450,6 +450,13 @@ template <class Policy> std::uint64_t Count(Byte const* begin, Byte const* end, 
 // (as Count measured them), into out, which has room for all of it.
 inline void DecodeValid(Byte const* p, Byte const* end, Unit* out) {
     while (p < end) {
+#if VELA_UTF8_SSSE3
+        if (gHaveSsse3) {
+            DecodeValidBlocks(p, end, out);
+            if (p == end)
+                break;
+        }
+#endif
         std::uint32_t const lead = *p;
         if (lead < 0x80) {
             std::size_t const taken = WidenAscii(p, end, out, std::size_t(end - p));

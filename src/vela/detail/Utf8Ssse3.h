@@ -110,6 +110,130 @@ EncodeBmpBlocks(Unit const* p, Unit const* end, Byte*& out, Byte const* outEnd) 
     return std::size_t(p - begin);
 }
 
+// Decoding takes 12 bytes at a time as whole sequences, known to be well formed (in
+// the lenient sense: a lead and its continuation bytes). A shape spreads the first four
+// of them, of 1-3 bytes each, over 32-bit lanes, last byte lowest; shapes are numbered
+// by their count of lanes and then their lengths in base 3 (a 4-byte form ends a
+// shape). The key, a bit per byte that ends a sequence, picks the shape and the bytes
+// it takes.
+struct SpreadShape {
+    alignas(16) std::array<std::uint8_t, 16> shuffle;
+    std::uint8_t units;
+};
+struct SpreadKey {
+    std::uint8_t shape;
+    std::uint8_t bytes;
+};
+
+constexpr unsigned kShapesBefore[6] = {0, 1, 4, 13, 40, 121}; // by count of lanes
+
+constexpr std::array<SpreadShape, 121> MakeSpreadShapes() {
+    std::array<SpreadShape, 121> shapes{};
+    for (unsigned index = 0; index < 121; ++index) {
+        SpreadShape& shape = shapes[index];
+        unsigned units = 0, length[4] = {};
+        while (index >= kShapesBefore[units + 1])
+            ++units;
+        for (unsigned k = 0, code = index - kShapesBefore[units]; k < units; ++k, code /= 3)
+            length[k] = 1 + code % 3;
+        for (unsigned b = 0; b < 16; ++b)
+            shape.shuffle[b] = 0x80;
+        for (unsigned k = 0, start = 0; k < units; start += length[k++])
+            for (unsigned b = 0; b < length[k]; ++b)
+                shape.shuffle[4 * k + b] = std::uint8_t(start + length[k] - 1 - b);
+        shape.units = std::uint8_t(units);
+    }
+    return shapes;
+}
+
+constexpr std::array<SpreadKey, 4096> MakeSpreadKeys() {
+    std::array<SpreadKey, 4096> keys{};
+    for (unsigned key = 0; key < 4096; ++key) {
+        unsigned units = 0, code = 0, weight = 1, from = 0;
+        for (unsigned i = 0; i < 12 && units < 4; ++i) {
+            if ((key >> i & 1) == 0)
+                continue;
+            unsigned const length = i + 1 - from;
+            if (length > 3)
+                break;
+            code += (length - 1) * weight;
+            weight *= 3;
+            ++units;
+            from = i + 1;
+        }
+        keys[key] = SpreadKey{std::uint8_t(kShapesBefore[units] + code), std::uint8_t(from)};
+    }
+    return keys;
+}
+
+inline constexpr std::array<SpreadShape, 121> kSpreadShapes = MakeSpreadShapes();
+inline constexpr std::array<SpreadKey, 4096> kSpreadKeys = MakeSpreadKeys();
+
+// Decodes well-formed UTF-8 from p, 64-byte chunks at a time while at least 80 bytes
+// are left (so that the units still to come cover every store), up to a 4-byte form;
+// advances p and out.
+__attribute__((target("ssse3"))) inline void DecodeValidBlocks(Byte const*& p, Byte const* end,
+                                                               Unit*& out) {
+    Byte const* in = p;
+    Unit* to = out;
+    __m128i const zero = _mm_setzero_si128();
+    __m128i const low = _mm_set1_epi32(0x3F);
+    __m128i const noContinuation = _mm_set1_epi8(-65); // above 0xBF as signed bytes
+    __m128i const pack = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
+    auto leadBits = [noContinuation](Byte const* at) {
+        __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(at));
+        return std::uint64_t(unsigned(_mm_movemask_epi8(_mm_cmpgt_epi8(v, noContinuation))));
+    };
+    while (end - in >= 80) {
+        // Bit i: byte i ends a sequence (byte i + 1 is no continuation), for the chunk.
+        std::uint64_t const leads = leadBits(in) | leadBits(in + 16) << 16 |
+                                    leadBits(in + 32) << 32 | leadBits(in + 48) << 48;
+        std::uint64_t const ends = leads >> 1 | std::uint64_t(in[64] < 0x80 || in[64] >= 0xC0)
+                                                    << 63;
+        unsigned at = 0;
+        while (at <= 52) {
+            __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(in + at));
+            if (_mm_movemask_epi8(v) == 0) {
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi8(v, zero));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 8), _mm_unpackhi_epi8(v, zero));
+                at += 16;
+                to += 16;
+                continue;
+            }
+            SpreadKey const key = kSpreadKeys[(ends >> at) & 0xFFF];
+            SpreadShape const& shape = kSpreadShapes[key.shape];
+            if (shape.units == 0) {
+                p = in + at;
+                out = to;
+                return;
+            }
+            __m128i const w = _mm_shuffle_epi8(
+                v, _mm_load_si128(reinterpret_cast<__m128i const*>(shape.shuffle.data())));
+            // 1110xxxx 10xxxxxx 10xxxxxx, 110xxxxx 10xxxxxx or one ASCII byte, by the
+            // highest byte of the lane that is set.
+            __m128i const last = _mm_and_si128(w, low);
+            __m128i const three = _mm_or_si128(
+                _mm_or_si128(_mm_and_si128(_mm_srli_epi32(w, 4), _mm_set1_epi32(0xF000)),
+                             _mm_and_si128(_mm_srli_epi32(w, 2), _mm_set1_epi32(0xFC0))),
+                last);
+            __m128i const two =
+                _mm_or_si128(_mm_and_si128(_mm_srli_epi32(w, 2), _mm_set1_epi32(0x7C0)), last);
+            __m128i const isThree = _mm_cmpgt_epi32(w, _mm_set1_epi32(0xFFFF));
+            __m128i const isTwo = _mm_cmpgt_epi32(w, _mm_set1_epi32(0xFF));
+            __m128i const shortForm =
+                _mm_or_si128(_mm_and_si128(isTwo, two), _mm_andnot_si128(isTwo, w));
+            __m128i const units =
+                _mm_or_si128(_mm_and_si128(isThree, three), _mm_andnot_si128(isThree, shortForm));
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, pack));
+            at += key.bytes;
+            to += shape.units;
+        }
+        in += at;
+    }
+    p = in;
+    out = to;
+}
+
 } // namespace utf8
 } // namespace detail
 } // namespace Vela
