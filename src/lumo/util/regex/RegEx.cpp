@@ -93,6 +93,7 @@ char const* ReasonFor(int code) {
             return entry.index != 0 ? detail::LoadMessage(entry.index) : nullptr;
     return nullptr;
 }
+
 // The pattern as the engine reads it in extended mode: white space dropped and "#"
 // comments to the line end, except where escaped ("\#" is a "#").
 std::u16string Stripped(XMLCh const* p) {
@@ -177,7 +178,7 @@ bool ExceedsEngine(std::u16string const& text) {
         } else if (c == u')' && depth > 0) {
             --depth;
         } else if (c == u'{') {
-            // {n}, {n,} or {n,m}: the quantities are read further on as plain characters.
+            // {n}, {n,} or {n,m}; the digits are stepped over as plain characters after.
             std::uint64_t value = 0;
             for (XMLCh const* q = p + 1; IsDigit(*q) || *q == u','; ++q) {
                 value = *q == u',' ? 0 : value * 10 + std::uint64_t(*q - u'0');
