@@ -355,6 +355,14 @@ template <class Policy> std::uint64_t Count(Byte const* begin, Byte const* end, 
     static_assert(!Policy::kReplace, "counting stops at the first malformed byte");
     Byte const* p = begin;
     std::uint64_t units = 0;
+#if VELA_UTF8_SSSE3
+    if (!Policy::kLenient && gHaveSsse3 && end - begin >= 16) {
+        p = SequenceStart(begin, CountStrictBlocks(begin, end, units), units);
+        DecodeResult const rest = Decode<Policy>(p, end, nullptr, ~std::size_t(0));
+        *stop = p + rest.bytes;
+        return units + rest.units;
+    }
+#endif
 #if VELA_HAVE_SSE2
     if (end - begin >= 16) {
         // Signed comparisons of b ^ 0x80 stand in for unsigned ones.

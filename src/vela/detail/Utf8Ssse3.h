@@ -234,6 +234,95 @@ __attribute__((target("ssse3"))) inline void DecodeValidBlocks(Byte const*& p, B
     out = to;
 }
 
+// Strict validation by three nibble lookups per byte (the byte before's high and low
+// halves, this byte's high half), each giving the errors that half is part of; a byte
+// is wrong when all three agree on one, or when it is (or is not) a continuation that
+// the lead two or three bytes back does not (or does) ask for.
+namespace check {
+constexpr std::uint8_t kTooShort = 1 << 0;     // 11______ then 0_______ or 11______
+constexpr std::uint8_t kTooLong = 1 << 1;      // 0_______ then 10______
+constexpr std::uint8_t kOverlong3 = 1 << 2;    // 11100000 100_____
+constexpr std::uint8_t kTooLarge = 1 << 3;     // 11110100 1001____ and above
+constexpr std::uint8_t kSurrogate = 1 << 4;    // 11101101 101_____
+constexpr std::uint8_t kOverlong2 = 1 << 5;    // 1100000_ 10______
+constexpr std::uint8_t kTooLarge1000 = 1 << 6; // 11110101 1000____ and above
+constexpr std::uint8_t kOverlong4 = 1 << 6;    // 11110000 1000____
+constexpr std::uint8_t kTwoConts = 1 << 7;     // 10______ 10______
+constexpr std::uint8_t kCarry = kTooShort | kTooLong | kTwoConts;
+constexpr std::uint8_t kLarge = kCarry | kTooLarge | kTooLarge1000;
+} // namespace check
+
+// Validates 16-byte blocks of [begin, end) strictly while 16 bytes are left, up to the
+// first block with a fault; adds the units of the blocks it passes and returns where
+// it stopped.
+__attribute__((target("ssse3"))) inline Byte const*
+CountStrictBlocks(Byte const* begin, Byte const* end, std::uint64_t& units) {
+    using namespace check;
+    __m128i const firstHigh =
+        _mm_setr_epi8(kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong,
+                      kTooLong, char(kTwoConts), char(kTwoConts), char(kTwoConts), char(kTwoConts),
+                      kTooShort | kOverlong2, kTooShort, kTooShort | kOverlong3 | kSurrogate,
+                      kTooShort | kTooLarge | kTooLarge1000 | kOverlong4);
+    __m128i const firstLow = _mm_setr_epi8(
+        char(kCarry | kOverlong3 | kOverlong2 | kOverlong4), char(kCarry | kOverlong2),
+        char(kCarry), char(kCarry), char(kCarry | kTooLarge), char(kLarge), char(kLarge),
+        char(kLarge), char(kLarge), char(kLarge), char(kLarge), char(kLarge), char(kLarge),
+        char(kLarge | kSurrogate), char(kLarge), char(kLarge));
+    __m128i const secondHigh = _mm_setr_epi8(
+        kTooShort, kTooShort, kTooShort, kTooShort, kTooShort, kTooShort, kTooShort, kTooShort,
+        char(kTooLong | kOverlong2 | kTwoConts | kOverlong3 | kTooLarge1000 | kOverlong4),
+        char(kTooLong | kOverlong2 | kTwoConts | kOverlong3 | kTooLarge),
+        char(kTooLong | kOverlong2 | kTwoConts | kSurrogate | kTooLarge),
+        char(kTooLong | kOverlong2 | kTwoConts | kSurrogate | kTooLarge), kTooShort, kTooShort,
+        kTooShort, kTooShort);
+    __m128i const nibble = _mm_set1_epi8(0x0F);
+    __m128i const zero = _mm_setzero_si128();
+    __m128i const one = _mm_set1_epi8(1);
+    __m128i const high = _mm_set1_epi8(char(0x80));
+    __m128i const third =
+        _mm_set1_epi8(0xE0 - 0x80); // a lead of 3 bytes or more, less this, is >= 0x80
+    __m128i const fourth = _mm_set1_epi8(0xF0 - 0x80);
+    __m128i const atLeastF0 = _mm_set1_epi8(char(0xEF ^ 0x80));
+    __m128i const notContinuation = _mm_set1_epi8(-65); // above 0xBF as signed bytes
+    __m128i before = zero; // the start looks back into zeros, which ask for nothing
+    __m128i counts = zero; // units per byte lane, summed before they can overflow
+    int rounds = 0;
+    Byte const* at = begin;
+    auto flush = [&] {
+        __m128i const sums = _mm_sad_epu8(counts, zero);
+        units += std::uint32_t(_mm_cvtsi128_si32(sums)) +
+                 std::uint32_t(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
+        counts = zero;
+        rounds = 0;
+    };
+    while (end - at >= 16) {
+        __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(at));
+        __m128i const prev1 = _mm_alignr_epi8(v, before, 15);
+        __m128i const prev2 = _mm_alignr_epi8(v, before, 14);
+        __m128i const prev3 = _mm_alignr_epi8(v, before, 13);
+        __m128i const special = _mm_and_si128(
+            _mm_and_si128(
+                _mm_shuffle_epi8(firstHigh, _mm_and_si128(_mm_srli_epi16(prev1, 4), nibble)),
+                _mm_shuffle_epi8(firstLow, _mm_and_si128(prev1, nibble))),
+            _mm_shuffle_epi8(secondHigh, _mm_and_si128(_mm_srli_epi16(v, 4), nibble)));
+        __m128i const wanted = _mm_and_si128(
+            _mm_or_si128(_mm_subs_epu8(prev2, third), _mm_subs_epu8(prev3, fourth)), high);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_xor_si128(special, wanted), zero)) != 0xFFFF)
+            break;
+        // One unit per byte that is not a continuation, one more per 4-byte lead.
+        __m128i const f = _mm_xor_si128(v, high);
+        counts = _mm_add_epi8(counts,
+                              _mm_sub_epi8(_mm_and_si128(_mm_cmpgt_epi8(v, notContinuation), one),
+                                           _mm_cmpgt_epi8(f, atLeastF0)));
+        if (++rounds == 127)
+            flush();
+        before = v;
+        at += 16;
+    }
+    flush();
+    return at;
+}
+
 } // namespace utf8
 } // namespace detail
 } // namespace Vela
