@@ -111,63 +111,74 @@ EncodeBmpBlocks(Unit const* p, Unit const* end, Byte*& out, Byte const* outEnd) 
 }
 
 // Decoding takes 12 bytes at a time as whole sequences, known to be well formed (in
-// the lenient sense: a lead and its continuation bytes). A shape spreads the first four
-// of them, of 1-3 bytes each, over 32-bit lanes, last byte lowest; shapes are numbered
-// by their count of lanes and then their lengths in base 3 (a 4-byte form ends a
-// shape). The key, a bit per byte that ends a sequence, picks the shape and the bytes
-// it takes.
-struct SpreadShape {
-    alignas(16) std::array<std::uint8_t, 16> shuffle;
-    std::uint8_t units;
-};
+// the lenient sense: a lead and its continuation bytes). The key, a bit per byte that
+// ends a sequence, picks how the first of them (up to eight, of 1-3 bytes each; a
+// 4-byte form ends the run) spread over two vectors of 32-bit lanes, last byte lowest,
+// and how many units and bytes that is.
 struct SpreadKey {
-    std::uint8_t shape;
+    std::uint8_t units;
     std::uint8_t bytes;
 };
+struct SpreadShape {
+    alignas(16) std::array<std::uint8_t, 16> low; // lanes 0-3
+    std::array<std::uint8_t, 16> high;            // lanes 4-7
+};
 
-constexpr unsigned kShapesBefore[6] = {0, 1, 4, 13, 40, 121}; // by count of lanes
-
-constexpr std::array<SpreadShape, 121> MakeSpreadShapes() {
-    std::array<SpreadShape, 121> shapes{};
-    for (unsigned index = 0; index < 121; ++index) {
-        SpreadShape& shape = shapes[index];
-        unsigned units = 0, length[4] = {};
-        while (index >= kShapesBefore[units + 1])
-            ++units;
-        for (unsigned k = 0, code = index - kShapesBefore[units]; k < units; ++k, code /= 3)
-            length[k] = 1 + code % 3;
-        for (unsigned b = 0; b < 16; ++b)
-            shape.shuffle[b] = 0x80;
-        for (unsigned k = 0, start = 0; k < units; start += length[k++])
-            for (unsigned b = 0; b < length[k]; ++b)
-                shape.shuffle[4 * k + b] = std::uint8_t(start + length[k] - 1 - b);
-        shape.units = std::uint8_t(units);
+template <class Visit> constexpr SpreadKey WalkKey(unsigned key, Visit visit) {
+    unsigned units = 0, from = 0;
+    for (unsigned i = 0; i < 12 && units < 8; ++i) {
+        if ((key >> i & 1) == 0)
+            continue;
+        unsigned const length = i + 1 - from;
+        if (length > 3)
+            break;
+        visit(units++, from, length);
+        from = i + 1;
     }
-    return shapes;
+    return SpreadKey{std::uint8_t(units), std::uint8_t(from)};
 }
 
 constexpr std::array<SpreadKey, 4096> MakeSpreadKeys() {
     std::array<SpreadKey, 4096> keys{};
-    for (unsigned key = 0; key < 4096; ++key) {
-        unsigned units = 0, code = 0, weight = 1, from = 0;
-        for (unsigned i = 0; i < 12 && units < 4; ++i) {
-            if ((key >> i & 1) == 0)
-                continue;
-            unsigned const length = i + 1 - from;
-            if (length > 3)
-                break;
-            code += (length - 1) * weight;
-            weight *= 3;
-            ++units;
-            from = i + 1;
-        }
-        keys[key] = SpreadKey{std::uint8_t(kShapesBefore[units] + code), std::uint8_t(from)};
-    }
+    for (unsigned key = 0; key < 4096; ++key)
+        keys[key] = WalkKey(key, [](unsigned, unsigned, unsigned) {});
     return keys;
 }
 
-inline constexpr std::array<SpreadShape, 121> kSpreadShapes = MakeSpreadShapes();
+constexpr std::array<SpreadShape, 4096> MakeSpreadShapes() {
+    std::array<SpreadShape, 4096> shapes{};
+    for (unsigned key = 0; key < 4096; ++key) {
+        SpreadShape& shape = shapes[key];
+        for (unsigned b = 0; b < 16; ++b)
+            shape.low[b] = shape.high[b] = 0x80;
+        WalkKey(key, [&shape](unsigned lane, unsigned start, unsigned length) {
+            auto& half = lane < 4 ? shape.low : shape.high;
+            for (unsigned b = 0; b < length; ++b)
+                half[4 * (lane % 4) + b] = std::uint8_t(start + length - 1 - b);
+        });
+    }
+    return shapes;
+}
+
 inline constexpr std::array<SpreadKey, 4096> kSpreadKeys = MakeSpreadKeys();
+inline constexpr std::array<SpreadShape, 4096> kSpreadShapes = MakeSpreadShapes();
+
+// Four lanes of 1-3 bytes (last byte lowest) as the characters they encode.
+__attribute__((target("ssse3"))) inline __m128i DecodeLanes(__m128i w) {
+    // 1110xxxx 10xxxxxx 10xxxxxx, 110xxxxx 10xxxxxx or one ASCII byte, by the highest
+    // byte of the lane that is set.
+    __m128i const last = _mm_and_si128(w, _mm_set1_epi32(0x3F));
+    __m128i const three =
+        _mm_or_si128(_mm_or_si128(_mm_and_si128(_mm_srli_epi32(w, 4), _mm_set1_epi32(0xF000)),
+                                  _mm_and_si128(_mm_srli_epi32(w, 2), _mm_set1_epi32(0xFC0))),
+                     last);
+    __m128i const two =
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi32(w, 2), _mm_set1_epi32(0x7C0)), last);
+    __m128i const isThree = _mm_cmpgt_epi32(w, _mm_set1_epi32(0xFFFF));
+    __m128i const isTwo = _mm_cmpgt_epi32(w, _mm_set1_epi32(0xFF));
+    __m128i const shortForm = _mm_or_si128(_mm_and_si128(isTwo, two), _mm_andnot_si128(isTwo, w));
+    return _mm_or_si128(_mm_and_si128(isThree, three), _mm_andnot_si128(isThree, shortForm));
+}
 
 // Decodes well-formed UTF-8 from p, 64-byte chunks at a time while at least 80 bytes
 // are left (so that the units still to come cover every store), up to a 4-byte form;
@@ -177,9 +188,10 @@ __attribute__((target("ssse3"))) inline void DecodeValidBlocks(Byte const*& p, B
     Byte const* in = p;
     Unit* to = out;
     __m128i const zero = _mm_setzero_si128();
-    __m128i const low = _mm_set1_epi32(0x3F);
     __m128i const noContinuation = _mm_set1_epi8(-65); // above 0xBF as signed bytes
-    __m128i const pack = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
+    __m128i const packLow = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
+    __m128i const packHigh =
+        _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, 0, 1, 4, 5, 8, 9, 12, 13);
     auto leadBits = [noContinuation](Byte const* at) {
         __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(at));
         return std::uint64_t(unsigned(_mm_movemask_epi8(_mm_cmpgt_epi8(v, noContinuation))));
@@ -200,33 +212,23 @@ __attribute__((target("ssse3"))) inline void DecodeValidBlocks(Byte const*& p, B
                 to += 16;
                 continue;
             }
-            SpreadKey const key = kSpreadKeys[(ends >> at) & 0xFFF];
-            SpreadShape const& shape = kSpreadShapes[key.shape];
-            if (shape.units == 0) {
+            unsigned const bits = unsigned(ends >> at) & 0xFFF;
+            SpreadKey const key = kSpreadKeys[bits];
+            if (key.units == 0) {
                 p = in + at;
                 out = to;
                 return;
             }
-            __m128i const w = _mm_shuffle_epi8(
-                v, _mm_load_si128(reinterpret_cast<__m128i const*>(shape.shuffle.data())));
-            // 1110xxxx 10xxxxxx 10xxxxxx, 110xxxxx 10xxxxxx or one ASCII byte, by the
-            // highest byte of the lane that is set.
-            __m128i const last = _mm_and_si128(w, low);
-            __m128i const three = _mm_or_si128(
-                _mm_or_si128(_mm_and_si128(_mm_srli_epi32(w, 4), _mm_set1_epi32(0xF000)),
-                             _mm_and_si128(_mm_srli_epi32(w, 2), _mm_set1_epi32(0xFC0))),
-                last);
-            __m128i const two =
-                _mm_or_si128(_mm_and_si128(_mm_srli_epi32(w, 2), _mm_set1_epi32(0x7C0)), last);
-            __m128i const isThree = _mm_cmpgt_epi32(w, _mm_set1_epi32(0xFFFF));
-            __m128i const isTwo = _mm_cmpgt_epi32(w, _mm_set1_epi32(0xFF));
-            __m128i const shortForm =
-                _mm_or_si128(_mm_and_si128(isTwo, two), _mm_andnot_si128(isTwo, w));
-            __m128i const units =
-                _mm_or_si128(_mm_and_si128(isThree, three), _mm_andnot_si128(isThree, shortForm));
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, pack));
+            SpreadShape const& shape = kSpreadShapes[bits];
+            __m128i const low = DecodeLanes(_mm_shuffle_epi8(
+                v, _mm_load_si128(reinterpret_cast<__m128i const*>(shape.low.data()))));
+            __m128i const high = DecodeLanes(_mm_shuffle_epi8(
+                v, _mm_loadu_si128(reinterpret_cast<__m128i const*>(shape.high.data()))));
+            _mm_storeu_si128(
+                reinterpret_cast<__m128i*>(to),
+                _mm_or_si128(_mm_shuffle_epi8(low, packLow), _mm_shuffle_epi8(high, packHigh)));
             at += key.bytes;
-            to += shape.units;
+            to += key.units;
         }
         in += at;
     }
