@@ -119,7 +119,7 @@ struct SpreadKey {
     std::uint8_t units;
     std::uint8_t bytes;
 };
-struct SpreadShape {
+struct SpreadShape { // byte indexes ^ 0x80, so that the zeros left mean "no byte"
     alignas(16) std::array<std::uint8_t, 16> low; // lanes 0-3
     std::array<std::uint8_t, 16> high;            // lanes 4-7
 };
@@ -149,12 +149,10 @@ constexpr std::array<SpreadShape, 4096> MakeSpreadShapes() {
     std::array<SpreadShape, 4096> shapes{};
     for (unsigned key = 0; key < 4096; ++key) {
         SpreadShape& shape = shapes[key];
-        for (unsigned b = 0; b < 16; ++b)
-            shape.low[b] = shape.high[b] = 0x80;
         WalkKey(key, [&shape](unsigned lane, unsigned start, unsigned length) {
             auto& half = lane < 4 ? shape.low : shape.high;
             for (unsigned b = 0; b < length; ++b)
-                half[4 * (lane % 4) + b] = std::uint8_t(start + length - 1 - b);
+                half[4 * (lane % 4) + b] = std::uint8_t((start + length - 1 - b) ^ 0x80);
         });
     }
     return shapes;
@@ -189,6 +187,7 @@ __attribute__((target("ssse3"))) inline void DecodeValidBlocks(Byte const*& p, B
     Unit* to = out;
     __m128i const zero = _mm_setzero_si128();
     __m128i const noContinuation = _mm_set1_epi8(-65); // above 0xBF as signed bytes
+    __m128i const flip = _mm_set1_epi8(char(0x80));
     __m128i const packLow = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
     __m128i const packHigh =
         _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, 0, 1, 4, 5, 8, 9, 12, 13);
@@ -221,9 +220,11 @@ __attribute__((target("ssse3"))) inline void DecodeValidBlocks(Byte const*& p, B
             }
             SpreadShape const& shape = kSpreadShapes[bits];
             __m128i const low = DecodeLanes(_mm_shuffle_epi8(
-                v, _mm_load_si128(reinterpret_cast<__m128i const*>(shape.low.data()))));
+                v, _mm_xor_si128(_mm_load_si128(reinterpret_cast<__m128i const*>(shape.low.data())),
+                                 flip)));
             __m128i const high = DecodeLanes(_mm_shuffle_epi8(
-                v, _mm_loadu_si128(reinterpret_cast<__m128i const*>(shape.high.data()))));
+                v, _mm_xor_si128(
+                       _mm_load_si128(reinterpret_cast<__m128i const*>(shape.high.data())), flip)));
             _mm_storeu_si128(
                 reinterpret_cast<__m128i*>(to),
                 _mm_or_si128(_mm_shuffle_epi8(low, packLow), _mm_shuffle_epi8(high, packHigh)));
