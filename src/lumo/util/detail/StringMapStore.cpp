@@ -94,12 +94,17 @@ std::uint64_t MixWord(std::uint64_t h, std::uint64_t w) {
     return h ^ (h >> 29);
 }
 
-std::uint32_t HashBytes(unsigned char const* s, std::size_t n, bool fold) {
+// `ascii` tells whether every byte was ASCII (folding is right only then).
+std::uint32_t HashBytes(unsigned char const* s, std::size_t n, bool fold, bool* ascii = nullptr) {
     std::uint64_t h = kWordPrime;
+    std::uint64_t any = 0;
     for (std::size_t i = 0; i < n; i += 8) {
         std::uint64_t const w = Word(s + i, n - i);
+        any |= w;
         h = MixWord(h, fold ? FoldWord(w) : w);
     }
+    if (ascii != nullptr)
+        *ascii = (any & kHighBits) == 0;
     return Finish(h ^ n);
 }
 
@@ -125,24 +130,20 @@ private:
     std::uint64_t m_count = 0;
 };
 
-bool IsAscii(unsigned char const* s, std::size_t n) {
-    std::uint64_t any = 0;
-    for (std::size_t i = 0; i < n; i += 8)
-        any |= Word(s + i, n - i);
-    return (any & kHighBits) == 0;
-}
-
 std::uint32_t HashText(char const* key, bool caseSensitive) {
     unsigned char const* s = reinterpret_cast<unsigned char const*>(key);
     std::size_t const n = std::strlen(key);
-    if (caseSensitive || IsAscii(s, n))
-        return HashBytes(s, n, !caseSensitive);
+    bool allAscii = true;
+    std::uint32_t const bytes =
+        HashBytes(s, n, !caseSensitive, caseSensitive ? nullptr : &allAscii);
+    if (allAscii)
+        return bytes;
     // Text beyond ASCII: hash its folded characters. When they are all ASCII they
     // are hashed as the ASCII text they equal (a KELVIN SIGN as 'k'), so that both
     // spellings land together.
     std::uint32_t h = kFnvBasis;
     ByteHasher ascii;
-    bool allAscii = true;
+    allAscii = true;
     while (*s != 0) {
         std::uint32_t const c = NextFolded(s);
         h = (h ^ c) * kFnvPrime;
