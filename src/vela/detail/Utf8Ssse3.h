@@ -1,6 +1,7 @@
-// The codec's SSSE3 encoder, compiled for that instruction set alone (these functions
-// are never inlined into their SSE2 callers) and chosen at run time, since the
-// baseline the library is built for has SSE2 only. Included by Utf8Codec.h.
+// The codec's SSSE3 paths (the encoder, the decoder of well-formed text, the strict
+// validator), compiled for that instruction set alone (these functions are never
+// inlined into their SSE2 callers) and chosen at run time, since the baseline the
+// library is built for has SSE2 only. Included by Utf8Codec.h.
 #ifndef VELA_DETAIL_UTF8SSSE3_H
 #define VELA_DETAIL_UTF8SSSE3_H
 
