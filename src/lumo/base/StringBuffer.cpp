@@ -40,6 +40,13 @@ std::uint32_t Rounded(std::uint64_t n, std::uint32_t increment, unsigned long li
     return rounded;
 }
 
+// Whether Rounded(n) fits the capacity, told without a division where the increment is
+// a power of two and the rounding's product does not wrap: it is then the next multiple.
+inline bool FitsRounded(std::uint64_t n, std::uint32_t increment, std::uint32_t capacity) {
+    std::uint64_t const mask = std::uint64_t(increment) - 1;
+    return (increment & mask) == 0 && mask * n <= 0xFFFFFFFFu && ((n + mask) & ~mask) <= capacity;
+}
+
 std::size_t BoundedLength(char const* s, std::size_t limit) {
     return strnlen(s, limit);
 }
@@ -136,6 +143,8 @@ template <typename Char> void CharArray<Char>::Ensure(std::uint64_t n) {
 // the heap allows; what lies beyond the terminator is kept too (a caller may have
 // written there), and an array filled to the end gets a terminator behind it.
 template <typename Char> void CharArray<Char>::Ensure(std::uint64_t n, std::size_t length) {
+    if (FitsRounded(n, m_increment, m_capacity))
+        return;
     std::uint32_t const rounded = Rounded(n, m_increment, kGrowLine);
     if (rounded <= m_capacity)
         return;
