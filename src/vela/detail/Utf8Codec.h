@@ -356,15 +356,12 @@ template <class Policy> std::uint64_t Count(Byte const* begin, Byte const* end, 
     Byte const* p = begin;
     std::uint64_t units = 0;
 #if VELA_UTF8_SSSE3
-    if (!Policy::kLenient && gHaveSsse3 && end - begin >= 16) {
+    if (!Policy::kLenient && gHaveSsse3 && end - begin >= 16)
         p = SequenceStart(begin, CountStrictBlocks(begin, end, units), units);
-        DecodeResult const rest = Decode<Policy>(p, end, nullptr, ~std::size_t(0));
-        *stop = p + rest.bytes;
-        return units + rest.units;
-    }
+    else
 #endif
 #if VELA_HAVE_SSE2
-    if (end - begin >= 16) {
+        if (end - begin >= 16) {
         // Signed comparisons of b ^ 0x80 stand in for unsigned ones.
         __m128i const flip = _mm_set1_epi8(char(0x80));
         __m128i const contMask = _mm_set1_epi8(char(0xC0));
@@ -677,14 +674,14 @@ EncodeResult Encode(Unit const* begin, Unit const* end, Byte* out, Byte* outEnd,
             continue;
         }
 #if VELA_UTF8_SSSE3
-        __m128i const surrogateBits = _mm_set1_epi16(short(0xF800));
-        __m128i const surrogates = _mm_set1_epi16(short(0xD800));
-        if (gHaveSsse3 &&
-            lanes(_mm_cmpeq_epi16(_mm_and_si128(a, surrogateBits), surrogates),
-                  _mm_cmpeq_epi16(_mm_and_si128(b, surrogateBits), surrogates)) == 0) {
-            // Packed by shuffles, eight units at a time, whatever the scripts.
-            p += EncodeBmpBlocks(p, end, out, outEnd);
-            continue;
+        if (gHaveSsse3) {
+            // Packed by shuffles, eight units at a time, whatever the scripts, up to the
+            // first eight that hold a surrogate (those take the exact path below).
+            std::size_t const taken = EncodeBmpBlocks(p, end, out, outEnd);
+            if (taken != 0) {
+                p += taken;
+                continue;
+            }
         }
 #endif
         unsigned const lead = unsigned(__builtin_ctz(~ascii));

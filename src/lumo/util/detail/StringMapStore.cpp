@@ -133,17 +133,17 @@ private:
 std::uint32_t HashText(char const* key, bool caseSensitive) {
     unsigned char const* s = reinterpret_cast<unsigned char const*>(key);
     std::size_t const n = std::strlen(key);
-    bool allAscii = true;
+    bool asciiKey = true;
     std::uint32_t const bytes =
-        HashBytes(s, n, !caseSensitive, caseSensitive ? nullptr : &allAscii);
-    if (allAscii)
+        HashBytes(s, n, !caseSensitive, caseSensitive ? nullptr : &asciiKey);
+    if (asciiKey)
         return bytes;
     // Text beyond ASCII: hash its folded characters. When they are all ASCII they
     // are hashed as the ASCII text they equal (a KELVIN SIGN as 'k'), so that both
     // spellings land together.
     std::uint32_t h = kFnvBasis;
     ByteHasher ascii;
-    allAscii = true;
+    bool allAscii = true;
     while (*s != 0) {
         std::uint32_t const c = NextFolded(s);
         h = (h ^ c) * kFnvPrime;

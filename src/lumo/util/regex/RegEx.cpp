@@ -136,7 +136,16 @@ bool ExceedsEngine(std::u16string const& text) {
     int depth = 0;   // open groups and classes
     int classes = 0; // of which classes
     bool first = false;
-    for (XMLCh const* p = text.c_str(); *p != 0; ++p) {
+    XMLCh const* p = text.c_str();
+    // Opens a class at p (its "^" included); true when that nests too deep.
+    auto openClass = [&] {
+        ++classes;
+        first = true;
+        if (p[1] == u'^')
+            ++p;
+        return ++depth > kMaxNesting;
+    };
+    for (; *p != 0; ++p) {
         XMLCh const c = *p;
         bool const atFirst = first;
         first = false;
@@ -152,12 +161,8 @@ bool ExceedsEngine(std::u16string const& text) {
                 --depth;
             } else if (c == u'-' && p[1] == u'[' && !atFirst) {
                 ++p;
-                ++classes;
-                if (++depth > kMaxNesting)
+                if (openClass())
                     return true;
-                first = true;
-                if (p[1] == u'^')
-                    ++p;
             } else if (c == u'[' && p[1] == u':') {
                 for (p += 2; *p != 0 && !(p[0] == u':' && p[1] == u']'); ++p) {
                 }
@@ -166,12 +171,8 @@ bool ExceedsEngine(std::u16string const& text) {
                 ++p;
             }
         } else if (c == u'[') {
-            ++classes;
-            if (++depth > kMaxNesting)
+            if (openClass())
                 return true;
-            first = true;
-            if (p[1] == u'^')
-                ++p;
         } else if (c == u'(') {
             if (++depth > kMaxNesting)
                 return true;
