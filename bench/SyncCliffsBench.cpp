@@ -1,6 +1,7 @@
 // CLock against std::mutex (uncontended, in a process that has threads) and
 // CCondition ping-pong against std::condition_variable, side by side in one run;
-// the ping-pong also counts the context switches per round trip (getrusage).
+// the ping-pong also counts the context switches per round trip (getrusage), on an
+// idle machine and beside busy threads, one per core.
 #include "SideBySide.h"
 
 #include <lumo/base/Condition.h>
@@ -8,15 +9,18 @@
 
 #include <sys/resource.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace {
 
+// The calling thread's context switches, voluntary and not.
 long ContextSwitches() {
     rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
+    getrusage(RUSAGE_THREAD, &usage);
     return usage.ru_nvcsw + usage.ru_nivcsw;
 }
 
@@ -43,12 +47,15 @@ void Lock_Uncontended(benchmark::State& state) {
 BENCHMARK(Lock_Uncontended)->Unit(benchmark::kMillisecond);
 
 // `rounds` round trips: the main thread hands the turn to a partner, which hands it
-// back; both wait on one condition bound to one lock. Returns the context switches.
+// back; both wait on one condition bound to one lock. Returns the context switches of
+// the two threads.
 template <class Lock, class Condition, class Wait, class Notify>
 long PingPong(int rounds, Lock& lock, Condition& condition, Wait wait, Notify notify) {
     int turn = 0; // 0: main, 1: partner, 2: stop
     long const before = ContextSwitches();
+    long partnerSwitches = 0;
     std::thread partner([&] {
+        long const start = ContextSwitches();
         std::unique_lock<Lock> hold(lock);
         for (;;) {
             while (turn == 0)
@@ -58,6 +65,7 @@ long PingPong(int rounds, Lock& lock, Condition& condition, Wait wait, Notify no
             turn = 0;
             notify(condition);
         }
+        partnerSwitches = ContextSwitches() - start;
     });
     {
         std::unique_lock<Lock> hold(lock);
@@ -71,7 +79,7 @@ long PingPong(int rounds, Lock& lock, Condition& condition, Wait wait, Notify no
         notify(condition);
     }
     partner.join();
-    return ContextSwitches() - before;
+    return ContextSwitches() - before + partnerSwitches;
 }
 
 // CLock as a standard lockable, for std::unique_lock.
@@ -81,8 +89,32 @@ struct StdLockable {
     void unlock() { inner.Release(); }
 };
 
+// Threads that keep every core busy until destroyed.
+class CBusyThreads {
+public:
+    explicit CBusyThreads(int count) {
+        for (int i = 0; i < count; ++i)
+            m_threads.emplace_back([this] {
+                unsigned x = 1;
+                while (!m_stop.load(std::memory_order_relaxed))
+                    for (int k = 0; k < 1000; ++k)
+                        benchmark::DoNotOptimize(x = x * 1664525u + 1013904223u);
+            });
+    }
+    ~CBusyThreads() {
+        m_stop = true;
+        for (auto& thread : m_threads)
+            thread.join();
+    }
+
+private:
+    std::atomic<bool> m_stop{false};
+    std::vector<std::thread> m_threads;
+};
+
 void Condition_PingPong(benchmark::State& state) {
-    int const rounds = 20000;
+    CBusyThreads const load(static_cast<int>(state.range(0)));
+    int const rounds = state.range(0) == 0 ? 20000 : 2000;
     long lumoSwitches = 0, stdSwitches = 0;
     lumo_bench::SideBySide(
         state,
@@ -109,6 +141,11 @@ void Condition_PingPong(benchmark::State& state) {
     state.counters["lumo_cs_per_trip"] = static_cast<double>(lumoSwitches) / trips;
     state.counters["base_cs_per_trip"] = static_cast<double>(stdSwitches) / trips;
 }
-BENCHMARK(Condition_PingPong)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(Condition_PingPong)
+    ->Arg(0)
+    ->Arg(static_cast<int>(std::thread::hardware_concurrency()))
+    ->ArgName("busyThreads")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 } // namespace

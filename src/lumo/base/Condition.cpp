@@ -32,8 +32,7 @@ std::atomic<std::uint32_t> g_goneLimit{0x3FFFFFFF};
 }
 
 // A counting semaphore on one word: taking and giving are single atomic steps, and
-// only a thread that must sleep, or wake a sleeper, enters the kernel. (Spinning
-// before sleeping was measured: on a loaded machine it costs more than it saves.)
+// only a thread that must sleep, or wake a sleeper, enters the kernel.
 class CWordSemaphore {
 public:
     CWordSemaphore(std::uint32_t initial, std::uint32_t maximum)
@@ -46,6 +45,8 @@ public:
         if (timeout == 0)
             return false;
         auto const start = std::chrono::steady_clock::now();
+        if (Spin(start))
+            return true;
         m_sleepers.fetch_add(1);
         bool taken = false;
         for (;;) {
@@ -81,6 +82,33 @@ public:
     }
 
 private:
+    // Spins up to kSpinLimit for a give, while spinning has paid off lately. A notifier
+    // that waits next meets the gate it closed itself, which opens only once the woken
+    // waiter has run; sleeping there would cost that waiter a sleep on the user's lock
+    // (still held by the notifier) and both of them a wake-up. (A spin of a hundred
+    // pauses was too short to outlast a wake-up, and failed every time.) When the other
+    // thread cannot run meanwhile (a busy machine, or it shares this core) spins fail,
+    // and after a few failures only every 16th wait tries again.
+    bool Spin(std::chrono::steady_clock::time_point start) {
+        int const credit = m_spinCredit.load(std::memory_order_relaxed);
+        if (credit <= 0 && (m_spinProbe.fetch_add(1, std::memory_order_relaxed) & 15) != 0)
+            return false;
+        auto const end = start + kSpinLimit;
+        for (;;) {
+            for (int i = 0; i < 16; ++i) {
+                CpuRelax();
+                if (m_count.load(std::memory_order_relaxed) != 0 && TryTake()) {
+                    m_spinCredit.store(kSpinCredit, std::memory_order_relaxed);
+                    return true;
+                }
+            }
+            if (std::chrono::steady_clock::now() >= end) {
+                m_spinCredit.store(credit > 0 ? credit - 1 : 0, std::memory_order_relaxed);
+                return false;
+            }
+        }
+    }
+
     bool TryTake() {
         std::uint32_t c = m_count.load(std::memory_order_relaxed);
         while (c != 0)
@@ -93,6 +121,10 @@ private:
     std::atomic<std::uint32_t> m_count;
     std::atomic<std::uint32_t> m_sleepers{0};
     std::uint32_t const m_maximum;
+    static constexpr std::chrono::microseconds kSpinLimit{10};
+    static int const kSpinCredit = 4; // failed spins before spinning turns occasional
+    std::atomic<int> m_spinCredit{kSpinCredit};
+    std::atomic<std::uint32_t> m_spinProbe{0};
 };
 
 } // namespace

@@ -6,7 +6,7 @@
 // The operating-system critical section behind CLock, CReentrantLock and CLazyLock,
 // and the time-slice yield of CSpinLock.
 // Portable interface; one backend per platform (SystemCriticalSection_POSIX.cpp: a
-// recursive pthread mutex; SystemCriticalSection_WIN32.cpp: a CRITICAL_SECTION made with
+// recursive futex lock; SystemCriticalSection_WIN32.cpp: a CRITICAL_SECTION made with
 // InitializeCriticalSectionAndSpinCount and entered under a structured-exception
 // guard). Internal to the library: no operating-system header here.
 
@@ -21,8 +21,8 @@ namespace detail {
 struct SystemCriticalSection;
 
 // Allocates a critical section and initialises it with the spin count (the POSIX
-// backend has no spinning and ignores it). A thread holding it may enter it again and
-// must leave it as many times. Throws CMemoryException(file, line) when memory is
+// backend ignores it and always spins a short while before sleeping). A thread holding it may enter
+// it again and must leave it as many times. Throws CMemoryException(file, line) when memory is
 // exhausted; null when the operating system cannot initialise it.
 SystemCriticalSection* NewCriticalSection(unsigned long spinCount, char const* file, int line);
 // Deletes the critical section and frees it; null is ignored.
@@ -40,6 +40,14 @@ void LeaveCriticalSection(SystemCriticalSection* cs) noexcept;
 // Gives up the rest of the calling thread's time slice (Windows: Sleep(0); POSIX:
 // sched_yield). Used by CSpinLock between attempts.
 void YieldTimeSlice() noexcept;
+
+// Tells the processor that this is a spin-wait loop (x86: pause), so that it waits
+// without flooding the memory system and leaves the core to its sibling thread.
+inline void CpuRelax() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
 
 // Sleeps while *word == expected, until a wake on the word or `timeoutMs`
 // milliseconds (0xFFFFFFFF: no limit); may also return early for no reason, so
