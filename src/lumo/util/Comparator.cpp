@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
 
 namespace lumo {
 namespace util {
@@ -19,8 +20,13 @@ std::size_t const kCutoff = 8;
 // than kCutoff elements is split: for 32-bit counts k never passes 29.
 int const kStackSize = 30;
 
+// The element width: a run-time value, or a constant for the common array of pointers,
+// which leaves the sort's inner loops a register to spare.
+using PointerWidth = std::integral_constant<std::size_t, sizeof(void*)>;
+
 // Exchanges two elements. Equivalent to a byte-by-byte exchange, done in chunks.
-inline void Swap(char* a, char* b, std::size_t width) {
+template <class Width> inline void Swap(char* a, char* b, Width w) {
+    std::size_t width = w;
     if (a == b)
         return;
     if (width == sizeof(void*)) {
@@ -44,7 +50,8 @@ inline void Swap(char* a, char* b, std::size_t width) {
 
 // Repeatedly moves the largest element of lo..hi to the end; the first of equal
 // maxima wins.
-void ShortSort(char* lo, char* hi, std::size_t width, IComparator const& comparator) {
+template <class Width>
+void ShortSort(char* lo, char* hi, Width width, IComparator const& comparator) {
     while (hi > lo) {
         char* max = lo;
         for (char* p = lo + width; p <= hi; p += width)
@@ -55,16 +62,12 @@ void ShortSort(char* lo, char* hi, std::size_t width, IComparator const& compara
     }
 }
 
-} // namespace
-
-void qsort(void* base, unsigned count, unsigned width, IComparator const& comparator) {
-    if (count < 2 || width == 0)
-        return;
-    std::size_t const w = width;
+template <class Width>
+void Sort(char* base, unsigned count, Width w, IComparator const& comparator) {
     char* lostk[kStackSize];
     char* histk[kStackSize];
     int stkptr = 0;
-    char* lo = static_cast<char*>(base);
+    char* lo = base;
     char* hi = lo + w * (count - 1);
 
     for (;;) {
@@ -119,6 +122,17 @@ void qsort(void* base, unsigned count, unsigned width, IComparator const& compar
         lo = lostk[stkptr];
         hi = histk[stkptr];
     }
+}
+
+} // namespace
+
+void qsort(void* base, unsigned count, unsigned width, IComparator const& comparator) {
+    if (count < 2 || width == 0)
+        return;
+    if (width == sizeof(void*))
+        Sort(static_cast<char*>(base), count, PointerWidth(), comparator);
+    else
+        Sort(static_cast<char*>(base), count, std::size_t(width), comparator);
 }
 
 } // namespace util
