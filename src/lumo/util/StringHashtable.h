@@ -11,10 +11,21 @@
 #include <lumo/base/String.h>
 #include <lumo/util/Hashtable.h>
 
+#include "../base/detail/TextHash.h"
+
+#include <cstdint>
 #include <cstring>
 
 namespace lumo {
 namespace util {
+
+// A key text with the length its hashing found, so that a stored key is matched
+// without another pass to find the text's end.
+struct CMeasuredKey {
+    char const* text;
+    std::size_t length;
+    operator base::CString() const { return base::CString(text); }
+};
 
 struct CStringKeyTraits {
     static std::int32_t GetHashCode(base::CString const& key) { return GetCStringHashCode(key); }
@@ -25,6 +36,27 @@ struct CStringKeyTraits {
     // byte-for-byte equality, without a call out of line.
     static bool Equals(base::CString const& stored, char const* key) {
         return std::strcmp(stored, key) == 0;
+    }
+    // A stored key is a copy of a whole text, so its recorded length is its text's.
+    static bool Equals(base::CString const& stored, CMeasuredKey const& key) {
+        return stored.GetLength() == key.length && SameBytes(stored, key.text, key.length);
+    }
+
+private:
+    // Whether n bytes at a and b agree; short runs in two overlapping loads a side.
+    static bool SameBytes(char const* a, char const* b, std::size_t n) {
+        if (n >= 8 && n <= 16)
+            return Load<std::uint64_t>(a) == Load<std::uint64_t>(b) &&
+                   Load<std::uint64_t>(a + n - 8) == Load<std::uint64_t>(b + n - 8);
+        if (n >= 4 && n < 8)
+            return Load<std::uint32_t>(a) == Load<std::uint32_t>(b) &&
+                   Load<std::uint32_t>(a + n - 4) == Load<std::uint32_t>(b + n - 4);
+        return std::memcmp(a, b, n) == 0;
+    }
+    template <class Word> static Word Load(char const* p) {
+        Word w;
+        std::memcpy(&w, p, sizeof w);
+        return w;
     }
 };
 
@@ -42,18 +74,21 @@ public:
     // the result tells whether the key was present.
     bool Put(char const* key, V const& value, V* previous = nullptr) {
         CheckKey(key, __LINE__);
-        return this->PutHashed(GetStringHashCode(key), key, value, previous);
+        auto const measured = ::lumo::detail::MeasureText(key);
+        return this->PutHashed(measured.hash, CMeasuredKey{key, measured.length}, value, previous);
     }
 
     bool Contains(char const* key) const {
         CheckKey(key, __LINE__);
-        return this->FindHashed(GetStringHashCode(key), key) != nullptr;
+        auto const measured = ::lumo::detail::MeasureText(key);
+        return this->FindHashed(measured.hash, CMeasuredKey{key, measured.length}) != nullptr;
     }
 
     // The removed entry's value; CNoSuchElementException when absent.
     V Remove(char const* key) {
         CheckKey(key, __LINE__);
-        auto* entry = this->UnlinkHashed(GetStringHashCode(key), key);
+        auto const measured = ::lumo::detail::MeasureText(key);
+        auto* entry = this->UnlinkHashed(measured.hash, CMeasuredKey{key, measured.length});
         if (entry == nullptr)
             throw CNoSuchElementException(kUnit, __LINE__);
         return Table::TakeValue(entry);

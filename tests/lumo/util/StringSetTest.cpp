@@ -1,8 +1,9 @@
-// Tests of CStringSet: membership, growth and bad keys, and the set algebra against
-// std::set.
+// Tests of CStringSet: membership, growth and bad keys, keys that differ in one byte
+// or share a hash, and the set algebra against std::set.
 #include <lumo/util/StringSet.h>
 
 #include <lumo/base/Exception.h>
+#include <lumo/util/HashCode.h>
 #include <lumo/util/NoSuchElementException.h>
 
 #include <gtest/gtest.h>
@@ -114,4 +115,37 @@ TEST(StringSet, SetAlgebraAgreesWithStdSet) {
     EXPECT_TRUE(assigned == b);
     assigned.Remove("w");
     EXPECT_TRUE(b.Contains("w")); // copies are independent
+}
+
+TEST(StringSet, KeysThatShareAHashOrALengthStayApart) {
+    // Texts of every length up to 40, and for each a neighbour per position: one
+    // with the same hash (under 16 bytes, raising a byte by one and lowering the
+    // next by 37 keeps it, and the other way round) and one a byte different. Only the originals go
+    // in.
+    std::set<std::string> in, out;
+    for (std::size_t length = 1; length <= 40; ++length) {
+        std::string text;
+        for (std::size_t i = 0; i < length; ++i)
+            text += static_cast<char>('a' + (i * 7 + length) % 26);
+        in.insert(text);
+        for (std::size_t i = 0; i < length; ++i) {
+            std::string other = text;
+            int const step = text[i] == 'z' ? -1 : 1;
+            other[i] = static_cast<char>(text[i] + step);
+            if (i + 1 < length && length < 16) {
+                other[i + 1] = static_cast<char>(text[i + 1] - 37 * step);
+                EXPECT_EQ(GetStringHashCode(other.c_str()), GetStringHashCode(text.c_str()));
+            }
+            out.insert(other);
+        }
+        out.insert(text + "x");
+    }
+    CStringSet set = Of(in);
+    for (std::string const& text : in)
+        EXPECT_TRUE(set.Contains(text.c_str())) << text;
+    for (std::string const& text : out) {
+        EXPECT_FALSE(set.Contains(text.c_str())) << text;
+        EXPECT_THROW(set.Remove(text.c_str()), CNoSuchElementException);
+    }
+    EXPECT_EQ(Elements(set), in);
 }

@@ -26,19 +26,27 @@ template <class Unit> std::int32_t HashUnits(Unit const* units, std::size_t leng
     return static_cast<std::int32_t>(h);
 }
 
-/// The hash of a zero-terminated 8-bit text (bytes count unsigned; null gives 0).
-inline std::int32_t HashText(char const* text) {
-    if (text == nullptr)
-        return 0;
+/// The hash of a zero-terminated 8-bit text (bytes count unsigned) and its length.
+struct MeasuredText {
+    std::int32_t hash;
+    std::size_t length;
+};
+inline MeasuredText MeasureText(char const* text) {
     // Short texts (the usual keys) are hashed in the same pass that finds their end.
     auto const* bytes = reinterpret_cast<unsigned char const*>(text);
     std::uint32_t h = 0;
     for (std::size_t i = 0; i < 16; ++i) {
         if (bytes[i] == 0)
-            return static_cast<std::int32_t>(h);
+            return MeasuredText{static_cast<std::int32_t>(h), i};
         h = h * 37u + bytes[i];
     }
-    return HashUnits(bytes, 16 + std::strlen(text + 16));
+    std::size_t const length = 16 + std::strlen(text + 16);
+    return MeasuredText{HashUnits(bytes, length), length};
+}
+
+/// The hash of a zero-terminated 8-bit text (bytes count unsigned; null gives 0).
+inline std::int32_t HashText(char const* text) {
+    return text != nullptr ? MeasureText(text).hash : 0;
 }
 
 } // namespace detail
