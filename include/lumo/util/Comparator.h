@@ -20,7 +20,11 @@ public:
 /// Sorts `count` elements of `width` bytes at `base` with the library's
 /// non-recursive quicksort (middle element as pivot, selection sort for runs of
 /// eight or fewer). Not stable. Nothing happens for fewer than two elements or a
-/// width of 0.
+/// width of 0. Where equal elements end up is fixed by the algorithm (its scans leave
+/// an element that compares equal to the pivot where it is); the order and number of
+/// the `Compare` calls are not, so a comparator should answer the same for the same
+/// two elements every time. Because equal elements stay put, an array with only a
+/// few distinct keys sorts in time that grows with the square of its length.
 LUMO_API void qsort(void* base, unsigned count, unsigned width, IComparator const& comparator);
 
 } // namespace util
