@@ -32,11 +32,6 @@ struct CStringKeyTraits {
     static bool Equals(base::CString const& stored, base::CString const& key) {
         return stored == key;
     }
-    // Keys are whole texts without inner zeros, so this is the string's own
-    // byte-for-byte equality, without a call out of line.
-    static bool Equals(base::CString const& stored, char const* key) {
-        return std::strcmp(stored, key) == 0;
-    }
     // A stored key is a copy of a whole text, so its recorded length is its text's.
     static bool Equals(base::CString const& stored, CMeasuredKey const& key) {
         return stored.GetLength() == key.length && SameBytes(stored, key.text, key.length);

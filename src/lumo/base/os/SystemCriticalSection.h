@@ -21,9 +21,10 @@ namespace detail {
 struct SystemCriticalSection;
 
 // Allocates a critical section and initialises it with the spin count (the POSIX
-// backend ignores it and always spins a short while before sleeping). A thread holding it may enter
-// it again and must leave it as many times. Throws CMemoryException(file, line) when memory is
-// exhausted; null when the operating system cannot initialise it.
+// backend ignores it and always spins a short while before sleeping). A thread
+// holding it may enter it again and must leave it as many times. Throws
+// CMemoryException(file, line) when memory is exhausted; null when the operating
+// system cannot initialise it.
 SystemCriticalSection* NewCriticalSection(unsigned long spinCount, char const* file, int line);
 // Deletes the critical section and frees it; null is ignored.
 void DeleteCriticalSection(SystemCriticalSection* cs) noexcept;
