@@ -42,8 +42,9 @@ public:
     /// without bound, as in "(a*)*b" or "(x?)+" (the engine would exhaust the stack,
     /// nesting deeper or looping without end), or counted repeats that the engine would
     /// write out into more than about 100000 atoms beyond four per pattern character, as
-    /// in "a{3000000}" or "(a{400}){400}", or with a count above 2147483647 (which the
-    /// engine would wrap round): CMemoryException.
+    /// in "a{3000000}" or "(a{400}){400}", or into more than 5000 groups and choices, as
+    /// in "(a|b){5000}" (matching recurses at each: the stack would run out), or with a
+    /// count above 2147483647 (which the engine would wrap round): CMemoryException.
     ///@{
     explicit CRegEx(char const* pattern);
     CRegEx(char const* pattern, char const* options);

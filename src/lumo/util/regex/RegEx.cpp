@@ -131,16 +131,19 @@ int const kMaxNesting = 1000;
 // count above the engine's int, which it would silently wrap. Classes are followed as
 // the engine's parser does: "]" and "-[" are plain characters as a class's first item,
 // "[:" opens a POSIX name, "-[" elsewhere opens a subtracted class, and any other "["
-// is a plain character.
-bool ExceedsEngine(std::u16string const& text) {
+// is a plain character. The text of each subtracted class is added to `subtracted`.
+bool ExceedsEngine(std::u16string const& text, std::vector<std::u16string>& subtracted) {
     int depth = 0;   // open groups and classes
     int classes = 0; // of which classes
     bool first = false;
     XMLCh const* p = text.c_str();
+    // Where each open class starts, when it is subtracted from another.
+    std::vector<XMLCh const*> starts;
     // Opens a class at p (its "^" included); true when that nests too deep.
-    auto openClass = [&] {
+    auto openClass = [&](bool isSubtracted) {
         ++classes;
         first = true;
+        starts.push_back(isSubtracted ? p : nullptr);
         if (p[1] == u'^')
             ++p;
         return ++depth > kMaxNesting;
@@ -159,9 +162,12 @@ bool ExceedsEngine(std::u16string const& text) {
             if (c == u']' && !atFirst) {
                 --classes;
                 --depth;
+                if (starts.back() != nullptr)
+                    subtracted.emplace_back(starts.back(), p + 1);
+                starts.pop_back();
             } else if (c == u'-' && p[1] == u'[' && !atFirst) {
                 ++p;
-                if (openClass())
+                if (openClass(true))
                     return true;
             } else if (c == u'[' && p[1] == u':') {
                 for (p += 2; *p != 0 && !(p[0] == u':' && p[1] == u']'); ++p) {
@@ -171,7 +177,7 @@ bool ExceedsEngine(std::u16string const& text) {
                 ++p;
             }
         } else if (c == u'[') {
-            if (openClass())
+            if (openClass(false))
                 return true;
         } else if (c == u'(') {
             if (++depth > kMaxNesting)
@@ -192,25 +198,30 @@ bool ExceedsEngine(std::u16string const& text) {
 }
 
 // What the engine will make of a parsed pattern: how many atoms its compiler writes out
-// (a counted repeat is written copy by copy), whether a part that can match the empty
-// text is repeated without bound (matching it would loop until the stack is gone), and
-// whether a class is empty (a subtraction left nothing: folding its case, or analysing
-// it in front of other parts, the engine writes past its memory).
+// (a counted repeat is written copy by copy), how many of them are groups and choices
+// (matching recurses once more at each, so enough of them in a row exhaust the stack),
+// whether a part that can match the empty text is repeated without bound (matching it
+// would loop until the stack is gone), and whether a class is empty (a subtraction left
+// nothing: folding its case, or analysing it in front of other parts, the engine writes
+// past its memory).
 class TreeFacts {
 public:
     explicit TreeFacts(xercesc::Token const* root) { Walk(root); }
 
-    std::uint64_t Size() const { return m_last; } // saturating far above any limit
+    std::uint64_t Size() const { return m_last; }                 // saturating far above any limit
+    std::uint64_t Recursions() const { return m_lastRecursions; } // saturating likewise
     bool RepeatsEmpty() const { return m_repeatsEmpty; }
     bool HasEmptyClass() const { return m_emptyClass; }
 
 private:
     static std::uint64_t Saturate(std::uint64_t n) { return n < kHuge ? n : kHuge; }
 
-    // Whether the token can match the empty text; leaves its size in m_last.
+    // Whether the token can match the empty text; leaves its size in m_last and its
+    // groups and choices in m_lastRecursions.
     bool Walk(xercesc::Token const* token) {
         using xercesc::Token;
         m_last = 1;
+        m_lastRecursions = 0;
         if (token == nullptr)
             return true;
         switch (token->getTokenType()) {
@@ -235,6 +246,7 @@ private:
                 m_groups.resize(group, -1);
             bool const nullable = Walk(token->getChild(0));
             m_last = Saturate(m_last + 2);
+            m_lastRecursions = Saturate(m_lastRecursions + 1);
             if (group > 0)
                 m_groups[group - 1] = nullable ? 1 : 0;
             return nullable;
@@ -244,12 +256,15 @@ private:
             bool const any = token->getTokenType() == Token::T_UNION;
             bool nullable = !any;
             std::uint64_t size = any ? 1 : 0;
+            std::uint64_t recursions = any ? 1 : 0;
             for (XMLSize_t i = 0; i < token->size(); ++i) {
                 bool const part = Walk(token->getChild(i));
                 nullable = any ? nullable || part : nullable && part;
                 size = Saturate(size + m_last);
+                recursions = Saturate(recursions + m_lastRecursions);
             }
             m_last = size;
+            m_lastRecursions = recursions;
             return nullable;
         }
         case Token::T_CLOSURE:
@@ -273,11 +288,13 @@ private:
                 m_repeatsEmpty = true;
         }
         m_last = Saturate(m_last * copies);
+        m_lastRecursions = Saturate(m_lastRecursions * copies);
         return nullable || min <= 0;
     }
 
     static constexpr std::uint64_t kHuge = std::uint64_t(1) << 40;
     std::uint64_t m_last = 0;
+    std::uint64_t m_lastRecursions = 0;
     bool m_repeatsEmpty = false;
     bool m_emptyClass = false;
     // Per capturing group by number: -1 while open, 1 when it can match the empty text.
@@ -287,6 +304,31 @@ private:
 // The compiled pattern may hold this many atoms beyond four per pattern unit: about
 // twelve megabytes of the engine's nodes.
 std::uint64_t const kMaxExtraAtoms = 100000;
+// And this many groups and choices, written out: matching 20,000 in a row took the
+// whole stack of a main thread in a sanitizer build, 33,000 in a release build.
+std::uint64_t const kMaxRecursions = 5000;
+
+// Parses a pattern as the engine would (without "i"), compiling nothing, and tells
+// what the engine will make of it. The engine's exceptions pass on.
+TreeFacts ParseAlone(XMLCh const* pattern, int flags, xercesc::MemoryManager* manager) {
+    xercesc::TokenFactory factory(manager);
+    std::unique_ptr<xercesc::RegxParser> const parser(
+        (flags & xercesc::RegularExpression::XMLSCHEMA_MODE) != 0
+            ? new (manager) xercesc::ParserForXMLSchema(manager)
+            : new (manager) xercesc::RegxParser(manager));
+    parser->setTokenFactory(&factory);
+    return TreeFacts(parser->parse(pattern, flags));
+}
+
+// Whether a class, parsed alone, is left empty; false when the engine does not read
+// it as a class by itself.
+bool ClassLeftEmpty(std::u16string const& text, int flags, xercesc::MemoryManager* manager) {
+    try {
+        return ParseAlone(text.c_str(), flags, manager).HasEmptyClass();
+    } catch (xercesc::XMLException const&) {
+        return false;
+    }
+}
 
 // Compiles a pattern. A pattern the engine rejects (it raises one of its XML
 // exceptions while parsing) gives null and the engine's code (0 for an empty class);
@@ -300,32 +342,39 @@ detail::CompiledPattern* Compile(XMLCh const* pattern, XMLCh const* options, int
     // refuse, and "i" is left out, as the engine folds classes while parsing under it.
     int flags = 0;
     bool known = true;
+    bool foldsCase = false;
     for (XMLCh const* o = options; *o != 0; ++o) {
         int const flag = RegularExpression::getOptionValue(*o);
         known = known && flag != 0;
         if (*o != u'i')
             flags |= flag;
+        else
+            foldsCase = true;
     }
     bool const extended = (flags & RegularExpression::EXTENDED_COMMENT) != 0;
-    if (ExceedsEngine(extended ? Stripped(pattern) : std::u16string(pattern)))
+    std::vector<std::u16string> subtracted;
+    if (ExceedsEngine(extended ? Stripped(pattern) : std::u16string(pattern), subtracted))
         throw base::CMemoryException(kUnit, __LINE__);
     try {
         // Parsed alone first, so that what the engine cannot compile is refused before
         // it tries.
         bool repeatsEmpty = false;
         if (known) {
-            xercesc::TokenFactory factory(manager);
-            std::unique_ptr<xercesc::RegxParser> const parser(
-                (flags & RegularExpression::XMLSCHEMA_MODE) != 0
-                    ? new (manager) xercesc::ParserForXMLSchema(manager)
-                    : new (manager) xercesc::RegxParser(manager));
-            parser->setTokenFactory(&factory);
-            TreeFacts const facts(parser->parse(pattern, flags));
+            TreeFacts const facts = ParseAlone(pattern, flags, manager);
             if (facts.HasEmptyClass())
                 return nullptr;
-            if (facts.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms)
+            if (facts.Size() > 4 * std::char_traits<XMLCh>::length(pattern) + kMaxExtraAtoms ||
+                facts.Recursions() > kMaxRecursions)
                 throw base::CMemoryException(kUnit, __LINE__);
             repeatsEmpty = facts.RepeatsEmpty();
+            // Under "i" the engine folds every class as it ends, a subtracted one too,
+            // before taking it from its outer class: each is parsed alone as well (its
+            // text has no white space or comments left to strip).
+            if (foldsCase) {
+                for (std::u16string const& cls : subtracted)
+                    if (ClassLeftEmpty(cls, flags & ~RegularExpression::EXTENDED_COMMENT, manager))
+                        return nullptr;
+            }
         }
         std::unique_ptr<detail::CompiledPattern> compiled(
             new (manager) detail::CompiledPattern(pattern, options, manager));
