@@ -19,11 +19,12 @@
 namespace lumo {
 namespace util {
 
-// A key text with the length its hashing found, so that a stored key is matched
-// without another pass to find the text's end.
+// A key text with its hash and the length its hashing found, so that a stored key is
+// matched without another pass to find the text's end.
 struct CMeasuredKey {
     char const* text;
     std::size_t length;
+    std::int32_t hash;
     operator base::CString() const { return base::CString(text); }
 };
 
@@ -68,22 +69,19 @@ public:
     // A present key gets `value`, the old one handed back through `previous`;
     // the result tells whether the key was present.
     bool Put(char const* key, V const& value, V* previous = nullptr) {
-        CheckKey(key, __LINE__);
-        auto const measured = ::lumo::detail::MeasureText(key);
-        return this->PutHashed(measured.hash, CMeasuredKey{key, measured.length}, value, previous);
+        CMeasuredKey const measured = Measure(key, __LINE__);
+        return this->PutHashed(measured.hash, measured, value, previous);
     }
 
     bool Contains(char const* key) const {
-        CheckKey(key, __LINE__);
-        auto const measured = ::lumo::detail::MeasureText(key);
-        return this->FindHashed(measured.hash, CMeasuredKey{key, measured.length}) != nullptr;
+        CMeasuredKey const measured = Measure(key, __LINE__);
+        return this->FindHashed(measured.hash, measured) != nullptr;
     }
 
     // The removed entry's value; CNoSuchElementException when absent.
     V Remove(char const* key) {
-        CheckKey(key, __LINE__);
-        auto const measured = ::lumo::detail::MeasureText(key);
-        auto* entry = this->UnlinkHashed(measured.hash, CMeasuredKey{key, measured.length});
+        CMeasuredKey const measured = Measure(key, __LINE__);
+        auto* entry = this->UnlinkHashed(measured.hash, measured);
         if (entry == nullptr)
             throw CNoSuchElementException(kUnit, __LINE__);
         return Table::TakeValue(entry);
@@ -92,10 +90,13 @@ public:
     void Swap(StringHashtable& other) noexcept { Table::Swap(other); }
 
 private:
-    static void CheckKey(char const* key, int line) {
+    // The key hashed and measured; a null or empty key is refused.
+    static CMeasuredKey Measure(char const* key, int line) {
         if (key == nullptr || *key == '\0')
             throw base::CIllegalArgumentException(kUnit, static_cast<unsigned long>(line),
                                                   "Invalid key.");
+        auto const measured = ::lumo::detail::MeasureText(key);
+        return CMeasuredKey{key, measured.length, measured.hash};
     }
 };
 
