@@ -29,10 +29,12 @@ public:
     void Clear();
 
     /// As Allocate and Free, through a small per-thread cache in front of the pool for
-    /// the process-wide pools (other pools go straight to the pool). A block freed here
-    /// stays counted as used by the pool until the cache hands it back, which it does
-    /// when it overflows and when its thread ends. Short-lived strings made and
-    /// dropped on one thread so cost no lock at all.
+    /// the process-wide pools (other pools go straight to the pool). The cache holds
+    /// up to four blocks, counted as used by the pool while it holds them: when empty
+    /// it takes the block asked for and up to three more already on the free list,
+    /// and when full it hands all back (as when its thread ends). Short-lived strings
+    /// made and dropped on one thread so cost no lock at all, and a run of them one
+    /// lock per four.
     ///@{
     void* AllocateCached();
     void FreeCached(void* block);
@@ -64,6 +66,10 @@ private:
     CFixBlockAllocator& operator=(CFixBlockAllocator const&);
 
     struct Block;
+
+    // Allocate and Free with the lock already held.
+    void* TakeLocked();
+    void GiveLocked(void* block);
 
     unsigned long m_blockSize;
     unsigned long m_refillCount;

@@ -165,16 +165,18 @@ public:
     ///@}
 
 protected:
-    /// One key and value in a bucket's chain, with the key's hash code.
+    /// One key and value in a bucket's chain, with the key's hash code. The hash comes
+    /// last, so that it shares the value's padding when the value is small (a set's
+    /// flag): 24 bytes an entry instead of 32 for string keys.
     struct Entry {
-        /// The key's hash code.
-        std::int32_t hash;
+        /// The next entry of the same bucket; null at the chain's end.
+        Entry* next;
         /// The copied key.
         K key;
         /// The copied value.
         V value;
-        /// The next entry of the same bucket; null at the chain's end.
-        Entry* next;
+        /// The key's hash code.
+        std::int32_t hash;
     };
 
     /// Tables built on this one raise their failures under their own source path.
@@ -313,7 +315,7 @@ private:
     template <class Q> Entry* NewEntry(std::int32_t hash, Q const& key, V const& value, int line) {
         void* place = TakeSlot(line);
         try {
-            return ::new (place) Entry{hash, K(key), value, nullptr};
+            return ::new (place) Entry{nullptr, K(key), value, hash};
         } catch (...) {
             FreeSlot* slot = ::new (place) FreeSlot;
             slot->next = m_free;
@@ -359,9 +361,27 @@ private:
         for (Slab* slab = m_slabs; slab != nullptr; slab = slab->next) {
             char* first = reinterpret_cast<char*>(slab) + kSlabHeader;
             char* end = slab->next == nullptr ? m_bump : first + slab->entries * sizeof(Entry);
-            for (char* slot = first; slot != end; slot += sizeof(Entry))
+            for (char* slot = first; slot != end; slot += sizeof(Entry)) {
+                if (end - slot > static_cast<std::ptrdiff_t>(kPrefetchAhead * sizeof(Entry)))
+                    PrefetchText(
+                        reinterpret_cast<Entry*>(slot + kPrefetchAhead * sizeof(Entry))->key);
                 reinterpret_cast<Entry*>(slot)->~Entry();
+            }
         }
+    }
+
+    /// A string key's destructor reads its buffer's count, the word in front of the
+    /// text: a cache miss per key that the walk would otherwise wait for one at a time.
+    static constexpr std::size_t kPrefetchAhead = 8;
+    template <class T> static void PrefetchText(T const& key) {
+        void const* text = nullptr;
+        if constexpr (std::is_same<T, base::CString>::value)
+            text = static_cast<char const*>(key);
+        else if constexpr (std::is_same<T, base::CUnicodeString>::value)
+            text = static_cast<unsigned short const*>(key);
+        if (text != nullptr) // address arithmetic only: a prefetch never faults
+            __builtin_prefetch(
+                reinterpret_cast<void const*>(reinterpret_cast<std::uintptr_t>(text) - 4), 1);
     }
 
     char const* m_unit;

@@ -36,6 +36,10 @@ CFixBlockAllocator::~CFixBlockAllocator() {
 
 void* CFixBlockAllocator::Allocate() {
     ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
+    return TakeLocked();
+}
+
+void* CFixBlockAllocator::TakeLocked() {
     if (m_free == nullptr) {
         // A pool made with refill count 0 still takes one block at a time.
         unsigned long const refill = m_refillCount != 0 ? m_refillCount : 1;
@@ -70,9 +74,12 @@ void* CFixBlockAllocator::Allocate() {
 void CFixBlockAllocator::Free(void* p) {
     if (p == nullptr)
         return;
-    Block* block = static_cast<Block*>(p) - 1;
     ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
+    GiveLocked(p);
+}
 
+void CFixBlockAllocator::GiveLocked(void* p) {
+    Block* block = static_cast<Block*>(p) - 1;
     if (block->prev != nullptr)
         block->prev->next = block->next;
     else
@@ -219,26 +226,38 @@ bool CacheUsable() {
 
 } // namespace
 
+// The cache trades with its pool a cacheful at a time, so that a run of allocations
+// or releases (a container filled or dropped) takes the pool's lock once per
+// kCacheDepth blocks. The pool sees the same steps as from single calls.
 void* CFixBlockAllocator::AllocateCached() {
-    if (m_cacheSlot >= 0 && CacheUsable()) {
-        unsigned char& count = t_cache.counts[m_cacheSlot];
-        if (count > 0)
-            return t_cache.blocks[m_cacheSlot][--count];
-    }
-    return Allocate();
+    if (m_cacheSlot < 0 || !CacheUsable())
+        return Allocate();
+    unsigned char& count = t_cache.counts[m_cacheSlot];
+    if (count > 0)
+        return t_cache.blocks[m_cacheSlot][--count];
+    ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
+    void* block = TakeLocked();
+    // Only blocks already free come along: the pool refills for the first alone, so
+    // nothing past it can fail.
+    while (count < kCacheDepth - 1 && m_free != nullptr)
+        t_cache.blocks[m_cacheSlot][count++] = TakeLocked();
+    return block;
 }
 
 void CFixBlockAllocator::FreeCached(void* block) {
     if (block == nullptr)
         return;
-    if (m_cacheSlot >= 0 && CacheUsable()) {
-        unsigned char& count = t_cache.counts[m_cacheSlot];
-        if (count < kCacheDepth) {
-            t_cache.blocks[m_cacheSlot][count++] = block;
-            return;
-        }
+    if (m_cacheSlot < 0 || !CacheUsable()) {
+        Free(block);
+        return;
     }
-    Free(block);
+    unsigned char& count = t_cache.counts[m_cacheSlot];
+    if (count == kCacheDepth) {
+        ::lumo::detail::ScopedHold<CSpinLock> guard(m_lock);
+        while (count > 0)
+            GiveLocked(t_cache.blocks[m_cacheSlot][--count]);
+    }
+    t_cache.blocks[m_cacheSlot][count++] = block;
 }
 
 CFixBlockAllocator& CFixBlockAllocator::StringPool(int sizeClass) {

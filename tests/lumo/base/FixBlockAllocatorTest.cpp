@@ -187,44 +187,68 @@ TEST(FixBlockAllocator, ProcessWidePools) {
     EXPECT_THROW(CFixBlockAllocator::UnicodeStringPool(-1), CArrayIndexOutOfBoundsException);
 }
 
-TEST(FixBlockAllocator, ConcurrentAllocateAndFree) {
-    CFixBlockAllocator pool(64, 4);
+// Four threads take and give back blocks through `take` and `give`, holding a varying
+// number each, every block stamped with its owner, so that a block handed to two
+// threads at once is caught. `alongside` runs on a fifth thread meanwhile.
+template <class Take, class Give, class Alongside>
+void Churn(std::size_t size, Take take, Give give, Alongside alongside) {
     int const threads = 4;
     int const rounds = 3000;
     std::vector<std::thread> workers;
     for (int t = 0; t < threads; ++t)
-        workers.emplace_back([&pool, t] {
+        workers.emplace_back([=] {
             std::vector<unsigned char*> held;
             for (int r = 0; r < rounds; ++r) {
-                // Hold a varying number of blocks, each stamped with its owner, so
-                // that a block handed to two threads at once is caught.
                 int const want = (r * 7 + t) % 9;
                 while (static_cast<int>(held.size()) < want) {
-                    auto* block = static_cast<unsigned char*>(pool.Allocate());
-                    std::memset(block, t + 1, 64);
+                    auto* block = static_cast<unsigned char*>(take());
+                    std::memset(block, t + 1, size);
                     held.push_back(block);
                 }
                 while (static_cast<int>(held.size()) > want / 2) {
                     unsigned char* block = held.back();
                     held.pop_back();
-                    for (int i = 0; i < 64; ++i)
+                    for (std::size_t i = 0; i < size; ++i)
                         ASSERT_EQ(block[i], t + 1);
-                    pool.Free(block);
+                    give(block);
                 }
             }
             for (unsigned char* block : held)
-                pool.Free(block);
+                give(block);
         });
-    // Meanwhile the same pool is read and the shared string pools are used.
-    std::thread reader([&pool] {
-        for (int i = 0; i < 2000; ++i) {
-            pool.GetUsedCount();
-            void* block = CFixBlockAllocator::StringPool(i % 5).Allocate();
-            CFixBlockAllocator::StringPool(i % 5).Free(block);
-        }
-    });
+    std::thread other(alongside);
     for (auto& w : workers)
         w.join();
-    reader.join();
+    other.join();
+}
+
+TEST(FixBlockAllocator, ConcurrentAllocateAndFree) {
+    CFixBlockAllocator pool(64, 4);
+    // Meanwhile the same pool is read and the shared string pools are used.
+    Churn(
+        64, [&pool] { return pool.Allocate(); }, [&pool](void* b) { pool.Free(b); },
+        [&pool] {
+            for (int i = 0; i < 2000; ++i) {
+                pool.GetUsedCount();
+                void* block = CFixBlockAllocator::StringPool(i % 5).Allocate();
+                CFixBlockAllocator::StringPool(i % 5).Free(block);
+            }
+        });
     EXPECT_EQ(pool.GetUsedCount(), 0u);
+}
+
+// The per-thread caches trade with the pool several blocks at a time; once the
+// threads have ended, every block they took is back in the pool.
+TEST(FixBlockAllocator, CachedBlocksComeBackWhenThreadsEnd) {
+    CFixBlockAllocator& pool = CFixBlockAllocator::StringPool(3);
+    unsigned long const used = pool.GetUsedCount();
+    Churn(
+        pool.GetBlockSize(), [&pool] { return pool.AllocateCached(); },
+        [&pool](void* b) { pool.FreeCached(b); },
+        [&pool] {
+            // Uncached traffic on the same pool.
+            for (int i = 0; i < 2000; ++i)
+                pool.Free(pool.Allocate());
+        });
+    EXPECT_EQ(pool.GetUsedCount(), used);
 }
