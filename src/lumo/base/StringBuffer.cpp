@@ -41,10 +41,11 @@ std::uint32_t Rounded(std::uint64_t n, std::uint32_t increment, unsigned long li
 }
 
 // Whether Rounded(n) fits the capacity, told without a division where the increment is
-// a power of two and the rounding's product does not wrap: it is then the next multiple.
+// a power of two: it is then the next multiple, even where the rounding's product
+// wraps, since 2^32 is a multiple of the increment and the wrap keeps the remainder.
 inline bool FitsRounded(std::uint64_t n, std::uint32_t increment, std::uint32_t capacity) {
     std::uint64_t const mask = std::uint64_t(increment) - 1;
-    return (increment & mask) == 0 && mask * n <= 0xFFFFFFFFu && ((n + mask) & ~mask) <= capacity;
+    return (increment & mask) == 0 && ((n + mask) & ~mask) <= capacity;
 }
 
 std::size_t BoundedLength(char const* s, std::size_t limit) {

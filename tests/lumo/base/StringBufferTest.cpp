@@ -85,6 +85,15 @@ TYPED_TEST(StringBuffers, CapacityRounding) {
     EXPECT_EQ(16u, b.GetCapacity());
     EXPECT_EQ("0123456789", Str(b));
 
+    // Past 65537 characters a 64 KiB increment's rounding product wraps in 32 bits;
+    // the result is still the next multiple.
+    TypeParam large(65536);
+    for (unsigned long n : {100000ul, 131072ul, 131073ul, 196608ul})
+        large.EnsureCapacity(n);
+    EXPECT_EQ(196608u, large.GetCapacity());
+    large.EnsureCapacity(196609);
+    EXPECT_EQ(262144u, large.GetCapacity());
+
     // A request that the 32-bit rounding cannot hold is refused; the text stays.
     b = "kept";
     try {
