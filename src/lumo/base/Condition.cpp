@@ -90,20 +90,19 @@ private:
     // thread cannot run meanwhile (a busy machine, or it shares this core) spins fail,
     // and after a few failures only every 16th wait tries again.
     bool Spin(std::chrono::steady_clock::time_point start) {
-        int const credit = m_spinCredit.load(std::memory_order_relaxed);
-        if (credit <= 0 && (m_spinProbe.fetch_add(1, std::memory_order_relaxed) & 15) != 0)
+        if (!m_adaptive.Worthwhile())
             return false;
         auto const end = start + kSpinLimit;
         for (;;) {
             for (int i = 0; i < 16; ++i) {
                 CpuRelax();
                 if (m_count.load(std::memory_order_relaxed) != 0 && TryTake()) {
-                    m_spinCredit.store(kSpinCredit, std::memory_order_relaxed);
+                    m_adaptive.Paid();
                     return true;
                 }
             }
             if (std::chrono::steady_clock::now() >= end) {
-                m_spinCredit.store(credit > 0 ? credit - 1 : 0, std::memory_order_relaxed);
+                m_adaptive.Failed();
                 return false;
             }
         }
@@ -122,9 +121,7 @@ private:
     std::atomic<std::uint32_t> m_sleepers{0};
     std::uint32_t const m_maximum;
     static constexpr std::chrono::microseconds kSpinLimit{10};
-    static int const kSpinCredit = 4; // failed spins before spinning turns occasional
-    std::atomic<int> m_spinCredit{kSpinCredit};
-    std::atomic<std::uint32_t> m_spinProbe{0};
+    CAdaptiveSpin m_adaptive;
 };
 
 } // namespace

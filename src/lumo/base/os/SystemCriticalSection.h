@@ -50,6 +50,28 @@ inline void CpuRelax() noexcept {
 #endif
 }
 
+// Whether a thread about to sleep on a lock or semaphore spins first: always while
+// spinning has paid off lately; after four failures in a row only every 16th time,
+// so that a thread whose partner cannot run meanwhile (a busy machine, or both on one
+// core) stops spending its time slice on it.
+class CAdaptiveSpin {
+public:
+    bool Worthwhile() noexcept {
+        return m_credit.load(std::memory_order_relaxed) > 0 ||
+               (m_probe.fetch_add(1, std::memory_order_relaxed) & 15) == 0;
+    }
+    void Paid() noexcept { m_credit.store(kCredit, std::memory_order_relaxed); }
+    void Failed() noexcept {
+        int const credit = m_credit.load(std::memory_order_relaxed);
+        m_credit.store(credit > 0 ? credit - 1 : 0, std::memory_order_relaxed);
+    }
+
+private:
+    static int const kCredit = 4;
+    std::atomic<int> m_credit{kCredit};
+    std::atomic<std::uint32_t> m_probe{0};
+};
+
 // Sleeps while *word == expected, until a wake on the word or `timeoutMs`
 // milliseconds (0xFFFFFFFF: no limit); may also return early for no reason, so
 // callers re-check their condition.

@@ -27,6 +27,7 @@ struct SystemCriticalSection {
     // that they are not the holder.
     std::atomic<void const*> owner{nullptr};
     std::uint32_t count = 0; // recursion depth, the holder's alone
+    CAdaptiveSpin spin;
 };
 
 namespace {
@@ -49,15 +50,21 @@ void FutexWakeOne(std::atomic<std::uint32_t>* word) {
 }
 
 // A holder is often about to leave (a notifier on its way into Wait, say): a short
-// spin, about a wake-up's length, saves both threads a trip through the kernel.
-LUMO_NOINLINE void LockContended(std::atomic<std::uint32_t>& word) {
-    for (int spin = 0; spin < 200; ++spin) {
-        CpuRelax();
-        std::uint32_t expected = 0;
-        if (word.load(std::memory_order_relaxed) == 0 &&
-            word.compare_exchange_strong(expected, 1, std::memory_order_acquire,
-                                         std::memory_order_relaxed))
-            return;
+// spin, about a wake-up's length, saves both threads a trip through the kernel. When
+// the holder shares this core it cannot leave meanwhile, and the spin only delays it.
+LUMO_NOINLINE void LockContended(std::atomic<std::uint32_t>& word, CAdaptiveSpin& adaptive) {
+    if (adaptive.Worthwhile()) {
+        for (int spin = 0; spin < 200; ++spin) {
+            CpuRelax();
+            std::uint32_t expected = 0;
+            if (word.load(std::memory_order_relaxed) == 0 &&
+                word.compare_exchange_strong(expected, 1, std::memory_order_acquire,
+                                             std::memory_order_relaxed)) {
+                adaptive.Paid();
+                return;
+            }
+        }
+        adaptive.Failed();
     }
     std::uint32_t c = word.exchange(2, std::memory_order_acquire);
     while (c != 0) {
@@ -100,7 +107,7 @@ void EnterCriticalSection(SystemCriticalSection* cs) {
     std::uint32_t expected = 0;
     if (!cs->word.compare_exchange_strong(expected, 1, std::memory_order_acquire,
                                           std::memory_order_relaxed))
-        LockContended(cs->word);
+        LockContended(cs->word, cs->spin);
     cs->owner.store(self, std::memory_order_relaxed);
     cs->count = 1;
 }
