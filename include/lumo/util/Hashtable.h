@@ -370,8 +370,9 @@ private:
         }
     }
 
-    /// A string key's destructor reads its buffer's count, the word in front of the
-    /// text: a cache miss per key that the walk would otherwise wait for one at a time.
+    /// A string key's destructor reads its sharer count, the last of the header words
+    /// the strings keep in front of their text: a cache miss per key that the walk
+    /// would otherwise wait for one at a time.
     static constexpr std::size_t kPrefetchAhead = 8;
     template <class T> static void PrefetchText(T const& key) {
         void const* text = nullptr;
@@ -379,9 +380,11 @@ private:
             text = static_cast<char const*>(key);
         else if constexpr (std::is_same<T, base::CUnicodeString>::value)
             text = static_cast<unsigned short const*>(key);
-        if (text != nullptr) // address arithmetic only: a prefetch never faults
-            __builtin_prefetch(
-                reinterpret_cast<void const*>(reinterpret_cast<std::uintptr_t>(text) - 4), 1);
+        if (text == nullptr)
+            return;
+        // Address arithmetic only: a prefetch never faults.
+        std::uintptr_t const count = reinterpret_cast<std::uintptr_t>(text) - sizeof(std::uint32_t);
+        __builtin_prefetch(reinterpret_cast<void const*>(count), 1);
     }
 
     char const* m_unit;

@@ -86,9 +86,8 @@ private:
     // that waits next meets the gate it closed itself, which opens only once the woken
     // waiter has run; sleeping there would cost that waiter a sleep on the user's lock
     // (still held by the notifier) and both of them a wake-up. (A spin of a hundred
-    // pauses was too short to outlast a wake-up, and failed every time.) When the other
-    // thread cannot run meanwhile (a busy machine, or it shares this core) spins fail,
-    // and after a few failures only every 16th wait tries again.
+    // pauses was too short to outlast a wake-up, and failed every time.) Whether to try
+    // at all is CAdaptiveSpin's call.
     bool Spin(std::chrono::steady_clock::time_point start) {
         if (!m_adaptive.Worthwhile())
             return false;
